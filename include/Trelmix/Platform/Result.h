@@ -1,0 +1,37 @@
+/// @file
+/// A value, or the reason why there is none.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace trelmix {
+
+/// What an operation gives that can fail for reasons outside the program: the value, or one line that names what is
+/// wrong. Never both.
+template <class T>
+class Result {
+public:
+    Result(T value) : _value(std::move(value)) {}
+    static Result failure(std::string reason) {
+        Result result;
+        result._reason = std::move(reason);
+        return result;
+    }
+
+    explicit operator bool() const { return _value.has_value(); }
+    T& operator*() { return *_value; }
+    const T& operator*() const { return *_value; }
+    T* operator->() { return &*_value; }
+    const T* operator->() const { return &*_value; }
+    /// Empty when there is a value.
+    const std::string& reason() const { return _reason; }
+
+private:
+    Result() = default;
+    std::optional<T> _value;
+    std::string _reason;
+};
+
+} // namespace trelmix

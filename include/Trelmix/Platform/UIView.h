@@ -1,0 +1,90 @@
+/// @file
+/// A rectangle on screen that holds other rectangles.
+#pragma once
+
+#include <Trelmix/Export.h>
+#include <Trelmix/Platform/CGGeometry.h>
+#include <Trelmix/Platform/UIColor.h>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace trelmix {
+
+class LayoutConstraint;
+class UIGestureRecognizer;
+
+/// A node of the view tree: a frame in its parent's coordinates, subviews drawn in order above it, and the gesture
+/// recognisers that watch the touches which land in it.
+///
+/// Made by the `make()` of each kind, owned by its superview and by whoever holds it; the way back up is weak.
+/// Main thread only.
+class TRELMIX_API UIView : public std::enable_shared_from_this<UIView> {
+public:
+    static std::shared_ptr<UIView> make(CGRect frame = {});
+    virtual ~UIView();
+    UIView(const UIView&) = delete;
+    UIView& operator=(const UIView&) = delete;
+
+    /// Position and size in the superview's coordinates, points. Sizes that are negative or not finite count as 0,
+    /// origins that are not finite are ignored. A new size asks for a layout pass.
+    CGRect frame() const { return _frame; }
+    virtual void setFrame(CGRect frame);
+    /// The frame's size at the origin: the view's own coordinates.
+    virtual CGRect bounds() const { return {{0, 0}, _frame.size}; }
+
+    /// 0 (invisible) to 1; limited to that range, NaN counts as 1.
+    double alpha() const { return _alpha; }
+    void setAlpha(double alpha);
+    bool isHidden() const { return _isHidden; }
+    void setHidden(bool hidden) { _isHidden = hidden; }
+    /// Absent: nothing is painted behind the view's content.
+    virtual std::optional<UIColor> backgroundColor() const { return _backgroundColor; }
+    virtual void setBackgroundColor(std::optional<UIColor> color);
+
+    /// Puts a view on top of the other subviews; it leaves its old superview. Empty, the view itself and its own
+    /// ancestors are refused.
+    void addSubview(const std::shared_ptr<UIView>& view);
+    void removeFromSuperview();
+    std::shared_ptr<UIView> superview() const { return _superview.lock(); }
+    const std::vector<std::shared_ptr<UIView>>& subviews() const { return _subviews; }
+
+    void setTranslatesAutoresizingMaskIntoConstraints(bool translates) { _translatesMask = translates; }
+    /// Constraints made by `LayoutConstraint::constraintsWithVisualFormat`; they act at every layout pass.
+    void addConstraints(std::vector<LayoutConstraint> constraints);
+    void setNeedsLayout() { _needsLayout = true; }
+    /// Runs the layout pass of this view and of those below it where one is due.
+    void layoutIfNeeded();
+
+    void addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
+    void removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
+    const std::vector<std::shared_ptr<UIGestureRecognizer>>& gestureRecognizers() const { return _recognizers; }
+
+    /// The deepest visible view at a point of this view's coordinates, empty outside.
+    std::shared_ptr<UIView> hitTest(CGPoint point);
+    /// A point of this view's coordinates in those of an ancestor or descendant (empty: the root of the tree).
+    CGPoint convertPointToView(CGPoint point, const std::shared_ptr<UIView>& view) const;
+
+protected:
+    explicit UIView(CGRect frame);
+    /// Applies the constraints; overriders call it first.
+    virtual void layoutSubviews();
+    /// From the view's own coordinates to its superview's; scroll views scale and shift here.
+    virtual CGPoint toSuperview(CGPoint point) const;
+    virtual CGPoint fromSuperview(CGPoint point) const;
+
+private:
+    CGRect _frame;
+    double _alpha = 1;
+    bool _isHidden = false;
+    bool _translatesMask = true;
+    bool _needsLayout = true;
+    std::optional<UIColor> _backgroundColor;
+    std::weak_ptr<UIView> _superview;
+    std::vector<std::shared_ptr<UIView>> _subviews;
+    std::vector<LayoutConstraint> _constraints;
+    std::vector<std::shared_ptr<UIGestureRecognizer>> _recognizers;
+};
+
+} // namespace trelmix

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace trelmix {
+
+/// The main queue: blocks that run on the main thread, one after another, when the host pumps.
+class DispatchQueue {
+public:
+    static DispatchQueue& main();
+    /// Queues a block; any thread. A block queued by a block runs in the next pass of the pump, so that a block that
+    /// queues itself cannot starve timers.
+    void async(std::function<void()> block);
+    /// True when no block waits.
+    bool isEmpty() const;
+};
+
+/// A timer of the main run loop. It runs on the main thread when the host pumps and the clock has reached its time.
+///
+/// The loop holds it until it has fired (or for ever, when it repeats) or is invalidated. Blocks capture their target
+/// weakly. Made on any thread.
+class Timer {
+public:
+    static std::shared_ptr<Timer> scheduledTimer(double interval, bool repeats, std::function<void()> block);
+    /// After this the block does not start again; it may be running when called from another thread.
+    void invalidate();
+    bool isValid() const;
+    double fireTime() const;
+
+    struct State;
+    explicit Timer(std::shared_ptr<State> state) : _state(std::move(state)) {}
+
+private:
+    std::shared_ptr<State> _state;
+};
+
+/// The main run loop.
+class RunLoop {
+public:
+    static RunLoop& main();
+    /// Runs what is queued now and the timers that are due, in order of their times; main thread only. Returns whether
+    /// anything ran. Nested calls do nothing.
+    bool pump();
+    /// Pumps until nothing is queued and no timer is due, at most `passes` times.
+    void drain(int passes = 100);
+    /// Waits until a block is queued, the next timer is due on a running clock, or `seconds` have passed.
+    void wait(double seconds);
+    /// Drops all blocks and timers. For test fixtures.
+    void reset();
+};
+
+} // namespace trelmix

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <utility>
+
+namespace trelmix {
+
+/// The one recursive lock that guards the nodes, the projection and the tile layers' lists of every engine.
+///
+/// Held by public entries, main-thread callbacks, the overlay update and the collection of the draw list. Never held
+/// while OpenGL calls are made, something is decoded or waited for, or the application is called.
+class SceneLock {
+public:
+    SceneLock();
+    ~SceneLock();
+    SceneLock(const SceneLock&) = delete;
+    SceneLock& operator=(const SceneLock&) = delete;
+
+    /// True when the calling thread holds the lock.
+    static bool isHeldHere();
+
+    /// Releases every level that this thread holds for as long as it lives.
+    class Release {
+    public:
+        Release();
+        ~Release();
+        Release(const Release&) = delete;
+        Release& operator=(const Release&) = delete;
+
+    private:
+        int _levels;
+    };
+};
+
+/// Calls the application with every level of the lock released. What was read before must be looked at again after.
+template <class F>
+decltype(auto) callOut(F&& call) {
+    const SceneLock::Release release;
+    return std::forward<F>(call)();
+}
+
+} // namespace trelmix
