@@ -1,0 +1,51 @@
+/// @file
+/// Runs an engine without a window.
+#pragma once
+
+#include <Trelmix/Platform/Result.h>
+#include <Trelmix/Platform/UIImage.h>
+#include <Trelmix/TrelmixMapEngine.h>
+
+#include <memory>
+
+namespace trelmix {
+
+/// Sizes an engine, steps its time and draws it with OpenGL ES into a picture.
+///
+/// The application decides when time passes: each step advances running animations, updates the overlays and draws.
+/// What is queued for the main thread (delegate calls, tile answers, timers) runs in `pump`. Stops the process's clock
+/// at the time of the steps. Main thread only; keeps the engine alive.
+class TRELMIX_API OffscreenHost {
+public:
+    struct Options {
+        /// Points; 1 to 16384 pixels a side after scaling.
+        double width = 800;
+        double height = 600;
+        /// Pixels per point.
+        double scale = 1;
+        /// Samples a pixel for smooth edges; 1 for none. Limited to what the driver has.
+        int samples = 4;
+        /// Largest side of a texture in pixels; 0 for the driver's own limit.
+        int maximumTextureSize = 0;
+    };
+
+    /// Fails when the engine is empty or of a foreign kind, when a size is out of range, and when there is no OpenGL ES
+    /// driver (`isDriverMissing` of the reason then is true).
+    static Result<std::unique_ptr<OffscreenHost>> make(std::shared_ptr<TrelmixMapEngine> engine, Options options);
+    /// Whether a reason given by `make` means that no driver could be started.
+    static bool isDriverMissing(const std::string& reason);
+    virtual ~OffscreenHost();
+
+    /// Gives the engine another size; false when it is out of range.
+    virtual bool resize(double width, double height, double scale) = 0;
+    /// Sets the clock `seconds` further on and draws a frame. Not negative; NaN counts as 0.
+    virtual void step(double seconds) = 0;
+    /// Runs main-queue blocks and due timers; true when there were any.
+    virtual bool pump() = 0;
+    /// The picture of the last step; fails before the first and when it cannot be read back.
+    virtual Result<std::shared_ptr<const UIImage>> image() = 0;
+    /// How many draw calls the last step made.
+    virtual int drawCallCount() const = 0;
+};
+
+} // namespace trelmix

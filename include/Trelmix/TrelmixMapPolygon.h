@@ -1,0 +1,30 @@
+/// @file
+/// A filled area.
+#pragma once
+
+#include <Trelmix/Platform/CLLocation.h>
+#include <Trelmix/Platform/UIColor.h>
+#include <Trelmix/TrelmixMapOverlay.h>
+
+#include <optional>
+#include <vector>
+
+namespace trelmix {
+
+/// The area inside a closed outline, filled by the non-zero rule. Starts without colour and with zIndex 26.
+///
+/// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
+/// Main thread only.
+class TRELMIX_API TrelmixMapPolygon : public TrelmixMapOverlay {
+public:
+    ~TrelmixMapPolygon() override;
+
+    virtual std::optional<UIColor> color() const = 0;
+    virtual void setColor(std::optional<UIColor> color) = 0;
+
+    virtual std::vector<CLLocation> polygonCorners() const = 0;
+    /// In order; the outline closes itself. Corners that have no place on the map are left out of the drawing.
+    virtual void setPolygonCorners(std::vector<CLLocation> corners) = 0;
+};
+
+} // namespace trelmix

@@ -1,0 +1,34 @@
+/// @file
+/// A line of constant width on screen.
+#pragma once
+
+#include <Trelmix/Platform/CLLocation.h>
+#include <Trelmix/Platform/UIColor.h>
+#include <Trelmix/TrelmixMapOverlay.h>
+
+#include <vector>
+
+namespace trelmix {
+
+/// A line with mitered joins that is as wide on screen at every zoom. Starts blue, 5 points wide, with zIndex 28.
+///
+/// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
+/// Main thread only.
+class TRELMIX_API TrelmixMapPolyline : public TrelmixMapOverlay {
+public:
+    ~TrelmixMapPolyline() override;
+
+    virtual UIColor color() const = 0;
+    virtual void setColor(UIColor color) = 0;
+
+    /// Screen points; takes effect with the next frame. Values that are not finite are ignored; with 0 or less,
+    /// new vertices are not drawn.
+    virtual float width() const = 0;
+    virtual void setWidth(float width) = 0;
+
+    /// On a map: without the vertices that the line's clean-up dropped (repeated ones and full reversals).
+    virtual std::vector<CLLocation> polylineVertices() const = 0;
+    virtual void setPolylineVertices(std::vector<CLLocation> vertices) = 0;
+};
+
+} // namespace trelmix
