@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace trelmix {
 
@@ -9,23 +10,29 @@ namespace trelmix {
 class DispatchQueue {
 public:
     static DispatchQueue& main();
-    /// Queues a block; any thread. A block queued by a block runs in the next pass of the pump, so that a block that
-    /// queues itself cannot starve timers.
+    /// Queues a block; any thread. A block queued by a block runs in the next pass of the pump, so that a
+    /// block that queues itself cannot starve timers. What a block throws is reported as a caller's fault and
+    /// goes no further.
     void async(std::function<void()> block);
     /// True when no block waits.
     bool isEmpty() const;
 };
 
-/// A timer of the main run loop. It runs on the main thread when the host pumps and the clock has reached its time.
+/// A timer of the main run loop. It runs on the main thread when the host pumps and the clock has reached its
+/// time.
 ///
-/// The loop holds it until it has fired (or for ever, when it repeats) or is invalidated. Blocks capture their target
-/// weakly. Made on any thread.
+/// The loop holds it until it has fired (or for ever, when it repeats) or is invalidated. Blocks capture
+/// their target weakly. Made on any thread.
 class Timer {
 public:
+    /// @param interval seconds from `Clock::now()`; 0, negative and NaN count as 0.1 ms. A repeating timer
+    /// that was late fires once for all the times it missed and keeps its rhythm.
     static std::shared_ptr<Timer> scheduledTimer(double interval, bool repeats, std::function<void()> block);
     /// After this the block does not start again; it may be running when called from another thread.
     void invalidate();
+    /// False once invalidated, and from the start of its block on when it does not repeat.
     bool isValid() const;
+    /// When it fires next, in seconds of `Clock`.
     double fireTime() const;
 
     struct State;
@@ -39,12 +46,13 @@ private:
 class RunLoop {
 public:
     static RunLoop& main();
-    /// Runs what is queued now and the timers that are due, in order of their times; main thread only. Returns whether
-    /// anything ran. Nested calls do nothing.
+    /// Runs what is queued now and the timers that are due, in order of their times; main thread only.
+    /// Returns whether anything ran. Nested calls do nothing.
     bool pump();
     /// Pumps until nothing is queued and no timer is due, at most `passes` times.
     void drain(int passes = 100);
-    /// Waits until a block is queued, the next timer is due on a running clock, or `seconds` have passed.
+    /// Waits until a block is queued, the next timer is due on a running clock, or `seconds` have passed;
+    /// main thread only. With a stopped clock no timer ends the wait.
     void wait(double seconds);
     /// Drops all blocks and timers. For test fixtures.
     void reset();

@@ -6,8 +6,8 @@ namespace trelmix {
 
 /// The one recursive lock that guards the nodes, the projection and the tile layers' lists of every engine.
 ///
-/// Held by public entries, main-thread callbacks, the overlay update and the collection of the draw list. Never held
-/// while OpenGL calls are made, something is decoded or waited for, or the application is called.
+/// Held by public entries, main-thread callbacks, the overlay update and the collection of the draw list.
+/// Never held while OpenGL calls are made, something is decoded or waited for, or the application is called.
 class SceneLock {
 public:
     SceneLock();
@@ -17,6 +17,9 @@ public:
 
     /// True when the calling thread holds the lock.
     static bool isHeldHere();
+    /// Debug builds: reports a fault when the calling thread holds the lock. To be called where the
+    /// application is called by another way than `callOut`. Release builds: nothing.
+    static void requireReleased(const char* what);
 
     /// Releases every level that this thread holds for as long as it lives.
     class Release {
@@ -31,10 +34,12 @@ public:
     };
 };
 
-/// Calls the application with every level of the lock released. What was read before must be looked at again after.
+/// Calls the application with every level of the lock released. What was read before must be looked at again
+/// after.
 template <class F>
 decltype(auto) callOut(F&& call) {
     const SceneLock::Release release;
+    SceneLock::requireReleased("the application was called with the scene lock held");
     return std::forward<F>(call)();
 }
 

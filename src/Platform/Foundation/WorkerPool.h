@@ -8,7 +8,8 @@ namespace trelmix {
 
 /// A few threads that run jobs off the main and the render thread: decoding, levels of detail, disk look-ups.
 ///
-/// Jobs start in the order they came. The destructor drops jobs that have not started and waits for those that run.
+/// Jobs start in the order they came. The destructor drops jobs that have not started and waits for those
+/// that run.
 class WorkerPool {
 public:
     explicit WorkerPool(std::size_t threadCount);
