@@ -8,7 +8,8 @@
 
 namespace trelmix {
 
-/// An image stretched over the rectangle between two corners and turned about its centre. Starts with zIndex 25.
+/// An image stretched over the rectangle between two corners and turned about its centre. Starts with
+/// zIndex 25.
 ///
 /// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
 /// Main thread only.

@@ -17,8 +17,8 @@ class TrelmixMapTileLayer;
 
 /// Receiver of an engine's callbacks. Override what you need; the rest does nothing.
 ///
-/// The engine does not own its delegate and forgets it when it is gone. All calls but the two for tiles come on the main
-/// thread; inside them the application may do anything, also destroy the engine.
+/// The engine does not own its delegate and forgets it when it is gone. All calls but the two for tiles come
+/// on the main thread; inside them the application may do anything, also destroy the engine.
 class TRELMIX_API TrelmixMapEngineDelegate {
 public:
     virtual ~TrelmixMapEngineDelegate();
@@ -40,10 +40,11 @@ public:
     virtual void mapViewDidDragMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
     virtual void mapViewDidEndDraggingMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
 
-    /// The image of a tile of a synchronous layer; empty when there is none. Comes on the thread that updates the
-    /// overlays: the one that draws, or the main thread. Tile indices may lie outside the world.
+    /// The image of a tile of a synchronous layer; empty when there is none. Comes on the thread that updates
+    /// the overlays: the one that draws, or the main thread. Tile indices may lie outside the world.
     virtual std::shared_ptr<const UIImage> tileForX(std::int64_t x, std::int64_t y, std::int64_t zoom);
-    /// An asynchronous layer needs a tile; answer with its `provideTile`, now or later. Threads as for `tileForX`.
+    /// An asynchronous layer needs a tile; answer with its `provideTile`, now or later. Threads as for
+    /// `tileForX`.
     virtual void tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                                    const std::shared_ptr<TrelmixMapTileLayer>& layer);
 };

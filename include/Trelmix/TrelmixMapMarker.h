@@ -9,8 +9,8 @@
 
 namespace trelmix {
 
-/// An icon at a coordinate that keeps its size on screen at every zoom. It stands upright and faces the camera, or
-/// lies flat and turns with the map. Starts tappable and with zIndex 29.
+/// An icon at a coordinate that keeps its size on screen at every zoom. It stands upright and faces the
+/// camera, or lies flat and turns with the map. Starts tappable and with zIndex 29.
 ///
 /// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
 /// Main thread only.
@@ -18,14 +18,15 @@ class TRELMIX_API TrelmixMapMarker : public TrelmixMapOverlay {
 public:
     ~TrelmixMapMarker() override;
 
-    /// Seconds that assigning `coordinate` takes, for all markers; 0.2 unless set. Negative and NaN count as 0.
+    /// Seconds that assigning `coordinate` takes, for all markers; 0.2 unless set. Negative and NaN count as
+    /// 0.
     static void setMarkerAnimationDuration(double seconds);
 
     /// Where the marker is drawn right now, also during a move; invalid while it is on no map.
     virtual CLLocationCoordinate2D presentedCoordinate() const = 0;
     virtual CLLocationCoordinate2D coordinate() const = 0;
-    /// Stores the coordinate; on a map a valid one moves the marker there (see `setMarkerAnimationDuration`), an invalid
-    /// one leaves it where it is.
+    /// Stores the coordinate; on a map a valid one moves the marker there (see `setMarkerAnimationDuration`),
+    /// an invalid one leaves it where it is.
     virtual void setCoordinate(CLLocationCoordinate2D coordinate) = 0;
     /// Moves the marker. Without a map, and for an invalid coordinate, nothing changes.
     /// @param duration seconds; ignored when `animated` is false.
@@ -34,8 +35,8 @@ public:
     virtual std::shared_ptr<const UIImage> markerIcon() const = 0;
     /// Empty takes the marker out of the scene until `map` is set again.
     virtual void setMarkerIcon(std::shared_ptr<const UIImage> icon) = 0;
-    /// The point of the icon that sits on the coordinate, in fractions of its width and height from the top left;
-    /// (0.5, 0.5) unless set. Values that are not finite are ignored.
+    /// The point of the icon that sits on the coordinate, in fractions of its width and height from the top
+    /// left; (0.5, 0.5) unless set. Values that are not finite are ignored.
     virtual CGPoint groundAnchor() const = 0;
     virtual void setGroundAnchor(CGPoint anchor) = 0;
 

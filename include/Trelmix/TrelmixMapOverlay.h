@@ -13,18 +13,20 @@ namespace trelmix {
 
 class TrelmixMapEngine;
 
-/// Something the application puts on a map: a marker, a circle, a polygon, a polyline, a level plan or a tile layer.
+/// Something the application puts on a map: a marker, a circle, a polygon, a polyline, a level plan or a tile
+/// layer.
 ///
-/// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in, so it stays on
-/// the map when the application lets it go. Main thread only.
+/// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in, so it
+/// stays on the map when the application lets it go. Main thread only.
 class TRELMIX_API TrelmixMapOverlay {
 public:
     virtual ~TrelmixMapOverlay();
 
     /// The engine the overlay is shown in; the overlay does not own it. Empty once the engine is gone.
     virtual std::shared_ptr<TrelmixMapEngine> map() const = 0;
-    /// Shows the overlay in an engine, or with none takes it off the map and clears its user data. The first overlay
-    /// of an engine that was not initialised chooses its first camera. Engines of a foreign kind are only remembered.
+    /// Shows the overlay in an engine, or with none takes it off the map and clears its user data. The first
+    /// overlay of an engine that was not initialised chooses its first camera. Engines of a foreign kind are
+    /// only remembered.
     virtual void setMap(std::shared_ptr<TrelmixMapEngine> map) = 0;
 
     /// Whatever the application likes; copied, never looked at.

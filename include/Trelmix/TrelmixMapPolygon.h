@@ -23,7 +23,8 @@ public:
     virtual void setColor(std::optional<UIColor> color) = 0;
 
     virtual std::vector<CLLocation> polygonCorners() const = 0;
-    /// In order; the outline closes itself. Corners that have no place on the map are left out of the drawing.
+    /// In order; the outline closes itself. Corners that have no place on the map are left out of the
+    /// drawing.
     virtual void setPolygonCorners(std::vector<CLLocation> corners) = 0;
 };
 

@@ -10,7 +10,8 @@
 
 namespace trelmix {
 
-/// A line with mitered joins that is as wide on screen at every zoom. Starts blue, 5 points wide, with zIndex 28.
+/// A line with mitered joins that is as wide on screen at every zoom. Starts blue, 5 points wide, with
+/// zIndex 28.
 ///
 /// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
 /// Main thread only.
@@ -21,8 +22,8 @@ public:
     virtual UIColor color() const = 0;
     virtual void setColor(UIColor color) = 0;
 
-    /// Screen points; takes effect with the next frame. Values that are not finite are ignored; with 0 or less,
-    /// new vertices are not drawn.
+    /// Screen points; takes effect with the next frame. Values that are not finite are ignored; with 0 or
+    /// less, new vertices are not drawn.
     virtual float width() const = 0;
     virtual void setWidth(float width) = 0;
 

@@ -12,9 +12,9 @@ namespace trelmix {
 
 /// Sizes an engine, steps its time and draws it with OpenGL ES into a picture.
 ///
-/// The application decides when time passes: each step advances running animations, updates the overlays and draws.
-/// What is queued for the main thread (delegate calls, tile answers, timers) runs in `pump`. Stops the process's clock
-/// at the time of the steps. Main thread only; keeps the engine alive.
+/// The application decides when time passes: each step advances running animations, updates the overlays and
+/// draws. What is queued for the main thread (delegate calls, tile answers, timers) runs in `pump`. Stops the
+/// process's clock at the time of the steps. Main thread only; keeps the engine alive.
 class TRELMIX_API OffscreenHost {
 public:
     struct Options {
@@ -29,9 +29,10 @@ public:
         int maximumTextureSize = 0;
     };
 
-    /// Fails when the engine is empty or of a foreign kind, when a size is out of range, and when there is no OpenGL ES
-    /// driver (`isDriverMissing` of the reason then is true).
-    static Result<std::unique_ptr<OffscreenHost>> make(std::shared_ptr<TrelmixMapEngine> engine, Options options);
+    /// Fails when the engine is empty or of a foreign kind, when a size is out of range, and when there is no
+    /// OpenGL ES driver (`isDriverMissing` of the reason then is true).
+    static Result<std::unique_ptr<OffscreenHost>> make(std::shared_ptr<TrelmixMapEngine> engine,
+                                                       Options options);
     /// Whether a reason given by `make` means that no driver could be started.
     static bool isDriverMissing(const std::string& reason);
     virtual ~OffscreenHost();

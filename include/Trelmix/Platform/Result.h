@@ -8,8 +8,8 @@
 
 namespace trelmix {
 
-/// What an operation gives that can fail for reasons outside the program: the value, or one line that names what is
-/// wrong. Never both.
+/// What an operation gives that can fail for reasons outside the program: the value, or one line that names
+/// what is wrong. Never both.
 template <class T>
 class Result {
 public:

@@ -17,21 +17,21 @@ namespace trelmix {
 /// A bitmap that never changes: rows from the top, four bytes a pixel (red, green, blue, alpha), colours
 /// premultiplied by alpha.
 ///
-/// Created by the factories below, shared by everything that shows it; may be used on any thread. Its size is in
-/// points: pixels divided by `scale`.
+/// Created by the factories below, shared by everything that shows it; may be used on any thread. Its size is
+/// in points: pixels divided by `scale`.
 class TRELMIX_API UIImage {
 public:
     /// No image has more pixels than this; larger ones are refused before anything is allocated for them.
     static constexpr std::int64_t kMaximumPixelCount = 64LL * 1024 * 1024;
 
-    /// Decodes a PNG, JPEG or WebP file. Empty when the bytes are none of these, damaged, cut short, of no size,
-    /// or larger than `kMaximumPixelCount`; `reason`, when given, then says why.
+    /// Decodes a PNG, JPEG or WebP file. Empty when the bytes are none of these, damaged, cut short, of no
+    /// size, or larger than `kMaximumPixelCount`; `reason`, when given, then says why.
     /// @param scale pixels per point, greater than 0.
     static std::shared_ptr<const UIImage> withData(std::span<const std::byte> data, double scale = 1,
                                                    std::string* reason = nullptr);
 
-    /// Takes over finished pixels (premultiplied RGBA, `width * height * 4` bytes). Empty when the sizes do not
-    /// fit together, are not positive, or `scale` is not positive.
+    /// Takes over finished pixels (premultiplied RGBA, `width * height * 4` bytes). Empty when the sizes do
+    /// not fit together, are not positive, or `scale` is not positive.
     static std::shared_ptr<const UIImage> withPixels(int width, int height, std::vector<std::uint8_t> pixels,
                                                      double scale = 1);
 
@@ -55,8 +55,8 @@ public:
     /// The image as a PNG file, not premultiplied. Empty only when memory runs out.
     std::vector<std::byte> pngData() const;
 
-    /// Makes the half-sized levels of detail, down to one pixel, unless they are there. Slow for large images:
-    /// call it off the main thread. May be called at once from several threads.
+    /// Makes the half-sized levels of detail, down to one pixel, unless they are there. Slow for large
+    /// images: call it off the main thread. May be called at once from several threads.
     void prepareLevels() const;
     /// Level 0 is the image; level n has max(1, size >> n) pixels a side. Prepares the levels when needed.
     std::span<const std::span<const std::uint8_t>> levels() const;

@@ -12,14 +12,16 @@
 
 namespace trelmix {
 
+class Canvas;
 class LayoutConstraint;
 class UIGestureRecognizer;
+class ViewComposer;
 
-/// A node of the view tree: a frame in its parent's coordinates, subviews drawn in order above it, and the gesture
-/// recognisers that watch the touches which land in it.
+/// A node of the view tree: a frame in its parent's coordinates, subviews drawn in order above it, and the
+/// gesture recognisers that watch the touches which land in it.
 ///
-/// Made by the `make()` of each kind, owned by its superview and by whoever holds it; the way back up is weak.
-/// Main thread only.
+/// Made by the `make()` of each kind, owned by its superview and by whoever holds it; the way back up is
+/// weak. Main thread only.
 class TRELMIX_API UIView : public std::enable_shared_from_this<UIView> {
 public:
     static std::shared_ptr<UIView> make(CGRect frame = {});
@@ -27,8 +29,8 @@ public:
     UIView(const UIView&) = delete;
     UIView& operator=(const UIView&) = delete;
 
-    /// Position and size in the superview's coordinates, points. Sizes that are negative or not finite count as 0,
-    /// origins that are not finite are ignored. A new size asks for a layout pass.
+    /// Position and size in the superview's coordinates, points. Sizes that are negative or not finite count
+    /// as 0, origins that are not finite are ignored. A new size asks for a layout pass.
     CGRect frame() const { return _frame; }
     virtual void setFrame(CGRect frame);
     /// The frame's size at the origin: the view's own coordinates.
@@ -43,8 +45,8 @@ public:
     virtual std::optional<UIColor> backgroundColor() const { return _backgroundColor; }
     virtual void setBackgroundColor(std::optional<UIColor> color);
 
-    /// Puts a view on top of the other subviews; it leaves its old superview. Empty, the view itself and its own
-    /// ancestors are refused.
+    /// Puts a view on top of the other subviews; it leaves its old superview. Empty, the view itself and its
+    /// own ancestors are refused.
     void addSubview(const std::shared_ptr<UIView>& view);
     void removeFromSuperview();
     std::shared_ptr<UIView> superview() const { return _superview.lock(); }
@@ -59,22 +61,39 @@ public:
 
     void addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
     void removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
-    const std::vector<std::shared_ptr<UIGestureRecognizer>>& gestureRecognizers() const { return _recognizers; }
+    const std::vector<std::shared_ptr<UIGestureRecognizer>>& gestureRecognizers() const {
+        return _recognizers;
+    }
 
-    /// The deepest visible view at a point of this view's coordinates, empty outside.
+    /// The deepest view at a point of this view's coordinates, empty outside. Hidden and transparent views
+    /// and what is below them are passed over; of siblings the topmost wins.
     std::shared_ptr<UIView> hitTest(CGPoint point);
-    /// A point of this view's coordinates in those of an ancestor or descendant (empty: the root of the tree).
+    /// True for the view itself and everything it lies in.
+    bool isDescendantOf(const UIView& ancestor) const;
+    /// A point of this view's coordinates in those of another view of the same tree (empty: the root of the
+    /// tree).
     CGPoint convertPointToView(CGPoint point, const std::shared_ptr<UIView>& view) const;
 
 protected:
     explicit UIView(CGRect frame);
     /// Applies the constraints; overriders call it first.
     virtual void layoutSubviews();
-    /// From the view's own coordinates to its superview's; scroll views scale and shift here.
+    /// The area, from the origin of the view's own coordinates, whose edges constraints pin subviews to.
+    virtual CGSize layoutArea() const { return _frame.size; }
+    const std::vector<LayoutConstraint>& constraints() const { return _constraints; }
+    /// From the view's own coordinates to its superview's; scroll views scale and shift here. Never turns.
     virtual CGPoint toSuperview(CGPoint point) const;
     virtual CGPoint fromSuperview(CGPoint point) const;
+    /// Paints the content above the background and below the subviews, in the view's own coordinates.
+    virtual void draw(Canvas& canvas) const;
+    /// True when nothing below shows outside the frame.
+    virtual bool clipsToBounds() const { return false; }
 
 private:
+    friend class ViewComposer;
+    CGPoint toRoot(CGPoint point) const;
+    CGPoint fromRoot(CGPoint point) const;
+
     CGRect _frame;
     double _alpha = 1;
     bool _isHidden = false;

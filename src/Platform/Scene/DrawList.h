@@ -17,8 +17,8 @@ enum class DrawKind : std::uint8_t {
     program ///< a mesh drawn by a shader program of its own
 };
 
-/// One node's picture, as it was when it was collected. Immutable and shared: a node that has not changed gives the same
-/// object again, so that a renderer tells by the pointer what it has to upload.
+/// One node's picture, as it was when it was collected. Immutable and shared: a node that has not changed
+/// gives the same object again, so that a renderer tells by the pointer what it has to upload.
 struct DrawItem {
     DrawKind kind = DrawKind::image;
     /// Minified images are drawn from their levels of detail (tiles, plans); markers are not.
@@ -27,8 +27,8 @@ struct DrawItem {
     /// Painter's order: first by rendering order, then by the order of addition.
     std::int64_t renderingOrder = 0;
     std::uint64_t sequence = 0;
-    /// Scene positions of the quad's corners as one looks at its front: top left, top right, bottom left, bottom
-    /// right. Quads that share a corner give the same doubles for it.
+    /// Scene positions of the quad's corners as one looks at its front: top left, top right, bottom left,
+    /// bottom right. Quads that share a corner give the same doubles for it.
     std::array<Vector3d, 4> corners{};
     std::shared_ptr<const UIImage> image;
     /// Premultiplied; the opacity is not in it.
@@ -53,9 +53,9 @@ struct DrawCamera {
     /// Vertical, radians.
     double fieldOfView = 1.0471975511965976;
 
-    /// From scene positions relative to `origin` to clip coordinates for a view of the given aspect (width / height).
-    /// The far plane lies at infinity and the near plane close before the camera: there is no depth buffer whose
-    /// precision they would cost.
+    /// From scene positions relative to `origin` to clip coordinates for a view of the given aspect (width /
+    /// height). The far plane lies at infinity and the near plane close before the camera: there is no depth
+    /// buffer whose precision they would cost.
     Matrix4d clipFromScene(Vector3d origin, double aspect) const;
     friend bool operator==(const DrawCamera&, const DrawCamera&) = default;
 };

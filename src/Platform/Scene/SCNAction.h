@@ -32,7 +32,8 @@ public:
     const std::vector<std::shared_ptr<const SCNAction>>& members() const { return _members; }
 
 private:
-    SCNAction(Kind kind, double duration, Vector3d target) : _kind(kind), _duration(duration), _target(target) {}
+    SCNAction(Kind kind, double duration, Vector3d target)
+        : _kind(kind), _duration(duration), _target(target) {}
     Kind _kind;
     double _duration;
     Vector3d _target;

@@ -11,8 +11,8 @@
 
 namespace trelmix {
 
-/// Triangles in 32-bit floats relative to an origin in doubles, so that vertices keep their place far from the
-/// scene's origin. Immutable once shared; any thread.
+/// Triangles in 32-bit floats relative to an origin in doubles, so that vertices keep their place far from
+/// the scene's origin. Immutable once shared; any thread.
 struct SCNMesh {
     /// Three floats a vertex; normals and tangents are empty or as many.
     std::vector<float> vertices;
@@ -28,8 +28,8 @@ struct SCNMesh {
     std::uint32_t index(std::size_t i) const;
 };
 
-/// The edges of a plane in scene coordinates. Planes that share an edge give the same doubles for it, so that no seam
-/// opens between them whatever their nodes' positions round to.
+/// The edges of a plane in scene coordinates. Planes that share an edge give the same doubles for it, so that
+/// no seam opens between them whatever their nodes' positions round to.
 struct SceneEdges {
     double west = 0;
     double east = 0;
@@ -37,14 +37,19 @@ struct SceneEdges {
     double north = 0;
 };
 
-/// What a node shows. Shared between nodes and draw lists; replaced as a whole rather than changed, except that
-/// `setMaterials` belongs to the node that owns it, before it is shown or followed by `SCNNode::setGeometry`.
+/// What a node shows. Shared between nodes and draw lists; replaced as a whole rather than changed, except
+/// that `setMaterials` belongs to the node that owns it, before it is shown or followed by
+/// `SCNNode::setGeometry`.
 class SCNGeometry {
 public:
     virtual ~SCNGeometry() = default;
     const std::vector<std::shared_ptr<const SCNMaterial>>& materials() const { return _materials; }
-    void setMaterials(std::vector<std::shared_ptr<const SCNMaterial>> materials) { _materials = std::move(materials); }
-    std::shared_ptr<const SCNMaterial> firstMaterial() const { return _materials.empty() ? nullptr : _materials.front(); }
+    void setMaterials(std::vector<std::shared_ptr<const SCNMaterial>> materials) {
+        _materials = std::move(materials);
+    }
+    std::shared_ptr<const SCNMaterial> firstMaterial() const {
+        return _materials.empty() ? nullptr : _materials.front();
+    }
 
 private:
     std::vector<std::shared_ptr<const SCNMaterial>> _materials;

@@ -11,7 +11,8 @@
 
 namespace trelmix {
 
-/// What a binding handler writes its uniform with: the OpenGL ES calls of the same names, on the current program.
+/// What a binding handler writes its uniform with: the OpenGL ES calls of the same names, on the current
+/// program.
 class UniformWriter {
 public:
     virtual ~UniformWriter() = default;
@@ -29,7 +30,8 @@ struct SCNProgram {
     std::map<std::string, SCNSemantic> symbols;
 };
 
-/// Called on the thread that draws, once for every draw of a mesh with the program, with the uniform's location.
+/// Called on the thread that draws, once for every draw of a mesh with the program, with the uniform's
+/// location.
 using SCNBindingHandler = std::function<void(UniformWriter& gl, int location)>;
 
 enum class SCNTransparencyMode { aOne = 0, rgbZero = 1 };

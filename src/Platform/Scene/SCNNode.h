@@ -24,10 +24,10 @@ struct SCNCamera {
 
 /// A thing of the scene: a transform, and what is shown there.
 ///
-/// The transform is position * Rz * Ry * Rx * scale * inverse of the pivot translation. Each of position, angles and
-/// scale has a model value and, while an action runs on it, a presented one, which is what is drawn. Setting a model
-/// value ends a running action on the same property. Scenes are flat: nodes are children of a scene's root.
-/// Guarded by the scene lock.
+/// The transform is position * Rz * Ry * Rx * scale * inverse of the pivot translation. Each of position,
+/// angles and scale has a model value and, while an action runs on it, a presented one, which is what is
+/// drawn. Setting a model value ends a running action on the same property. Scenes are flat: nodes are
+/// children of a scene's root. Guarded by the scene lock.
 class SCNNode : public std::enable_shared_from_this<SCNNode> {
 public:
     SCNNode();
@@ -72,15 +72,16 @@ public:
     SCNScene* scene() const { return _scene; }
     void removeFromParentNode();
 
-    /// Starts at the time of the call and advances with the frames; `completion` runs on the main queue when it has
-    /// ended, and never when it is cancelled. An action that moves, turns or scales replaces the running one of
-    /// the same kind. On a node outside every scene it takes effect at once.
+    /// Starts at the time of the call and advances with the frames; `completion` runs on the main queue when
+    /// it has ended, and never when it is cancelled. An action that moves, turns or scales replaces the
+    /// running one of the same kind. On a node outside every scene it takes effect at once.
     void runAction(std::shared_ptr<const SCNAction> action, std::function<void()> completion = nullptr);
     /// Cancels all; the presented values become the model's.
     void removeAllActions();
-    bool hasActions() const { return !_actions.empty(); }
+    bool hasActions() const { return !_runs.empty(); }
 
-    /// The picture of the node as it stands; empty when it shows nothing. The same object while nothing changed.
+    /// The picture of the node as it stands; empty when it shows nothing. The same object while nothing
+    /// changed.
     const std::shared_ptr<const DrawItem>& drawItem();
     /// From the node's geometry to the scene, as presented.
     Matrix4d presentedTransform() const;
@@ -97,13 +98,21 @@ private:
         std::optional<T> presented;
         const T& shown() const { return presented ? *presented : model; }
     };
-    struct RunningAction;
+    /// One run of an action: a group is a run of several.
+    struct Run {
+        std::vector<std::shared_ptr<const SCNAction>> parts;
+        double start = 0;
+        double duration = 0;
+        Vector3d from[3];
+        std::function<void()> completion;
+    };
 
     void setNeedsDrawing();
-    void endActionsOf(SCNAction::Kind kind);
-    void startAction(const std::shared_ptr<const SCNAction>& action, double start,
-                     const std::shared_ptr<std::function<void()>>& completion);
-    void applyAction(const RunningAction& running, double elapsed, bool finished);
+    Property<Vector3d>* propertyOf(SCNAction::Kind kind);
+    void endPartsOf(SCNAction::Kind kind);
+    void setModel(Property<Vector3d>& property, SCNAction::Kind kind, Vector3d value);
+    void applyParts(const Run& run, double elapsed);
+    void finishRun(const Run& run);
     /// False when nothing runs any more.
     bool advanceActions(double time);
 
@@ -120,7 +129,7 @@ private:
     std::optional<SCNCamera> _camera;
     SCNScene* _scene = nullptr;
     std::size_t _slot = 0;
-    std::vector<RunningAction> _actions;
+    std::vector<std::shared_ptr<Run>> _runs;
     std::shared_ptr<const DrawItem> _drawItem;
 };
 

@@ -24,6 +24,8 @@ struct Vector3d {
 inline SCNVector3 narrowed(Vector3d v) {
     return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
 }
-inline Vector3d widened(SCNVector3 v) { return {v.x, v.y, v.z}; }
+inline Vector3d widened(SCNVector3 v) {
+    return {v.x, v.y, v.z};
+}
 
 } // namespace trelmix
