@@ -1,0 +1,194 @@
+#include <Trelmix/Platform/UIView.h>
+
+#include "Platform/View/LayoutConstraint.h"
+#include "Platform/View/UIGestureRecognizer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace trelmix {
+namespace {
+
+// Below this a view cannot be seen, so it does not take touches either.
+constexpr double kLowestTouchableAlpha = 0.01;
+
+double limitedLength(double length) {
+    return std::isfinite(length) ? std::max(0.0, length) : 0.0;
+}
+
+bool contains(const CGRect& rect, CGPoint point) {
+    return point.x >= rect.origin.x && point.y >= rect.origin.y &&
+           point.x < rect.origin.x + rect.size.width && point.y < rect.origin.y + rect.size.height;
+}
+
+} // namespace
+
+std::shared_ptr<UIView> UIView::make(CGRect frame) {
+    return std::shared_ptr<UIView>(new UIView(frame));
+}
+
+UIView::UIView(CGRect frame) {
+    UIView::setFrame(frame);
+}
+
+UIView::~UIView() = default;
+
+void UIView::setFrame(CGRect frame) {
+    const CGSize oldSize = _frame.size;
+    if (std::isfinite(frame.origin.x)) {
+        _frame.origin.x = frame.origin.x;
+    }
+    if (std::isfinite(frame.origin.y)) {
+        _frame.origin.y = frame.origin.y;
+    }
+    _frame.size = {limitedLength(frame.size.width), limitedLength(frame.size.height)};
+    if (_frame.size != oldSize) {
+        setNeedsLayout();
+    }
+}
+
+void UIView::setAlpha(double alpha) {
+    _alpha = std::isnan(alpha) ? 1.0 : std::clamp(alpha, 0.0, 1.0);
+}
+
+void UIView::setBackgroundColor(std::optional<UIColor> color) {
+    _backgroundColor = color;
+}
+
+void UIView::addSubview(const std::shared_ptr<UIView>& view) {
+    if (!view || isDescendantOf(*view)) {
+        return;
+    }
+    const std::shared_ptr<UIView> added = view;
+    added->removeFromSuperview();
+    _subviews.push_back(added);
+    added->_superview = weak_from_this();
+    setNeedsLayout();
+}
+
+void UIView::removeFromSuperview() {
+    const std::shared_ptr<UIView> old = _superview.lock();
+    _superview.reset();
+    if (!old) {
+        return;
+    }
+    const auto place =
+        std::find_if(old->_subviews.begin(), old->_subviews.end(),
+                     [this](const std::shared_ptr<UIView>& view) { return view.get() == this; });
+    if (place == old->_subviews.end()) {
+        return;
+    }
+    // The superview may have been the last owner: this view must outlive its own removal.
+    const std::shared_ptr<UIView> self = std::move(*place);
+    old->_subviews.erase(place);
+}
+
+void UIView::addConstraints(std::vector<LayoutConstraint> constraints) {
+    std::move(constraints.begin(), constraints.end(), std::back_inserter(_constraints));
+    setNeedsLayout();
+}
+
+void UIView::layoutIfNeeded() {
+    const std::shared_ptr<UIView> self = shared_from_this();
+    if (std::exchange(_needsLayout, false)) {
+        layoutSubviews();
+    }
+    // A layout pass may add and remove views.
+    const std::vector<std::shared_ptr<UIView>> children = _subviews;
+    for (const std::shared_ptr<UIView>& child : children) {
+        child->layoutIfNeeded();
+    }
+}
+
+void UIView::layoutSubviews() {
+    std::erase_if(_constraints, [](const LayoutConstraint& constraint) { return !constraint.view(); });
+    const std::vector<LayoutConstraint> constraints = _constraints;
+    const CGSize area = layoutArea();
+    for (const LayoutConstraint& constraint : constraints) {
+        const std::shared_ptr<UIView> view = constraint.view();
+        if (!view || view->superview().get() != this) {
+            continue;
+        }
+        CGRect frame = view->frame();
+        if (constraint.axis() == LayoutConstraint::Axis::horizontal) {
+            frame.origin.x = 0;
+            frame.size.width = constraint.length().value_or(area.width);
+        } else {
+            frame.origin.y = 0;
+            frame.size.height = constraint.length().value_or(area.height);
+        }
+        view->setFrame(frame);
+    }
+}
+
+void UIView::addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
+    if (!recognizer || recognizer->view().get() == this) {
+        return;
+    }
+    if (const std::shared_ptr<UIView> old = recognizer->view()) {
+        old->removeGestureRecognizer(recognizer);
+    }
+    _recognizers.push_back(recognizer);
+    recognizer->setView(weak_from_this());
+}
+
+void UIView::removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
+    const auto place = std::find(_recognizers.begin(), _recognizers.end(), recognizer);
+    if (place == _recognizers.end()) {
+        return;
+    }
+    const std::shared_ptr<UIGestureRecognizer> removed = std::move(*place);
+    _recognizers.erase(place);
+    removed->setView({});
+}
+
+std::shared_ptr<UIView> UIView::hitTest(CGPoint point) {
+    if (_isHidden || _alpha < kLowestTouchableAlpha || !contains(bounds(), point)) {
+        return nullptr;
+    }
+    for (auto child = _subviews.rbegin(); child != _subviews.rend(); ++child) {
+        if (std::shared_ptr<UIView> hit = (*child)->hitTest((*child)->fromSuperview(point))) {
+            return hit;
+        }
+    }
+    return shared_from_this();
+}
+
+bool UIView::isDescendantOf(const UIView& ancestor) const {
+    std::shared_ptr<const UIView> step;
+    for (const UIView* view = this; view != nullptr; view = step.get()) {
+        if (view == &ancestor) {
+            return true;
+        }
+        step = view->superview();
+    }
+    return false;
+}
+
+CGPoint UIView::convertPointToView(CGPoint point, const std::shared_ptr<UIView>& view) const {
+    const CGPoint inRoot = toRoot(point);
+    return view ? view->fromRoot(inRoot) : inRoot;
+}
+
+CGPoint UIView::toRoot(CGPoint point) const {
+    const std::shared_ptr<UIView> parent = superview();
+    return parent ? parent->toRoot(toSuperview(point)) : point;
+}
+
+CGPoint UIView::fromRoot(CGPoint point) const {
+    const std::shared_ptr<UIView> parent = superview();
+    return parent ? fromSuperview(parent->fromRoot(point)) : point;
+}
+
+CGPoint UIView::toSuperview(CGPoint point) const {
+    return {point.x + _frame.origin.x, point.y + _frame.origin.y};
+}
+
+CGPoint UIView::fromSuperview(CGPoint point) const {
+    return {point.x - _frame.origin.x, point.y - _frame.origin.y};
+}
+
+void UIView::draw(Canvas&) const {}
+
+} // namespace trelmix
