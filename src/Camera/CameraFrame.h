@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Geo/GeoTypes.h"
+#include "Platform/Scene/SCNVector.h"
+
+#include <array>
+
+namespace trelmix {
+
+/// One position of the camera.
+struct CameraPose {
+    /// What it looks at, a map point of the scene.
+    WorldMapPoint target;
+    /// Degrees; the latitude of the target, on which its distance depends.
+    double latitude = 0;
+    /// Internal: one less than the public zoom.
+    float zoom = 0;
+    /// Radians; minus the public heading.
+    double rotation = 0;
+    /// Radians from the vertical.
+    double viewingAngle = 0;
+};
+
+/// The plane that the camera looks at and the view that it looks through.
+struct CameraStage {
+    /// The scene's origin.
+    WorldMapPoint initialMapPoint;
+    /// Map points of the scene per metre, at the latitude of the origin.
+    double mapPointsPerMeterMax = 1;
+    /// Size of the view in screen points.
+    ScreenPoint mapDimensions;
+};
+
+/// Everything about one camera position that does not depend on the point to convert, and the conversions.
+///
+/// A value: copy it to convert many points without looking at the projection again. Conversions allocate
+/// nothing and may run on any thread.
+///
+/// Frames: "world" is metres east, north and up, its scale that of the scene's origin; "camera" is metres
+/// right, up and toward the viewer, its origin in the camera, which looks along -z.
+class CameraFrame {
+public:
+    CameraFrame(const CameraPose& pose, const CameraStage& stage);
+
+    /// Where a coordinate is seen. One behind the camera is projected through its centre; see isInFront.
+    ScreenPoint project(Coordinate coordinate) const { return projectMapPoint(mapPointOf(coordinate)); }
+    /// The same for a map point of the scene.
+    ScreenPoint projectMapPoint(WorldMapPoint point) const;
+    /// The map point of the scene under a screen point; above the horizon a place behind the camera, see
+    /// seesGround.
+    WorldMapPoint unproject(ScreenPoint point) const;
+
+    /// False for ground behind the camera or in the plane through it, whose projection means nothing.
+    bool isInFront(WorldMapPoint point) const;
+    /// True when the ray through the screen point meets the ground in front of the camera; false above the
+    /// horizon and where a number is not finite.
+    bool seesGround(ScreenPoint point) const;
+
+    /// Scene position (x east, y north, z up; map points) of the camera.
+    Vector3d cameraPosition() const;
+    /// Metres between the camera and its target, at the target's latitude.
+    double distance() const { return _distance; }
+
+    /// World to camera, row by row: Rx(viewing angle) * Rz(rotation).
+    const std::array<double, 9>& rotation() const { return _rotation; }
+    /// Camera to world.
+    const std::array<double, 9>& invertedRotation() const { return _invertedRotation; }
+
+private:
+    static WorldMapPoint mapPointOf(Coordinate coordinate);
+    Vector3d toCamera(WorldMapPoint point) const;
+    Vector3d groundOffset(ScreenPoint point) const;
+    void setRotation(double rotation, double viewingAngle);
+
+    WorldMapPoint _initialMapPoint;
+    WorldMapPoint _target;
+    double _mapPointsPerMeterMax;
+    double _distance;
+    std::array<double, 9> _rotation;
+    std::array<double, 9> _invertedRotation;
+    double _sinRotation;
+    double _cosRotation;
+    double _halfWidth;
+    double _halfHeight;
+    /// Map points per metre at the camera's zoom.
+    double _mapPointsPerMeter;
+    /// Focal length in metres at the camera's zoom.
+    double _focalLength;
+    /// From the scene's origin to the camera: map points east and south.
+    OpenGlPoint _cameraOffset;
+    /// The same in metres.
+    OpenGlPoint _cameraOffsetMeters;
+    /// Metres above the plane.
+    double _height;
+    /// The camera's height as it comes back from scene units.
+    double _heightFromScene;
+    /// World position of the camera, turned into the camera's frame.
+    Vector3d _turnedCamera;
+    bool _isTilted;
+    double _tangentOfElevation;
+    double _planeShift;
+};
+
+} // namespace trelmix

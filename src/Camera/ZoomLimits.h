@@ -1,0 +1,25 @@
+#pragma once
+
+namespace trelmix {
+
+/// The user's zoom limits (kZOOM_USER_MIN and kZOOM_USER_MAX), public zoom, shared by every engine of the
+/// process and outliving them. Any thread.
+class ZoomLimits {
+public:
+    static constexpr float kSupportedMin = 15.0F;
+    static constexpr float kSupportedMax = 23.0F;
+
+    static float userMin();
+    static float userMax();
+    /// Stored as given, also beyond the supported range, where they have no effect; NaN is ignored. A minimum
+    /// above the maximum wins.
+    static void setUserMin(float zoom);
+    static void setUserMax(float zoom);
+    /// Back to the supported range: tests share one process.
+    static void reset();
+
+    /// The zoom brought within the user's and the supported limits; NaN gives the lowest.
+    static float sanitised(float zoom);
+};
+
+} // namespace trelmix
