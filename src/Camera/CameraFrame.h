@@ -43,7 +43,7 @@ public:
     CameraFrame(const CameraPose& pose, const CameraStage& stage);
 
     /// Where a coordinate is seen. One behind the camera is projected through its centre; see isInFront.
-    ScreenPoint project(Coordinate coordinate) const { return projectMapPoint(mapPointOf(coordinate)); }
+    ScreenPoint project(Coordinate coordinate) const;
     /// The same for a map point of the scene.
     ScreenPoint projectMapPoint(WorldMapPoint point) const;
     /// The map point of the scene under a screen point; above the horizon a place behind the camera, see
@@ -67,38 +67,36 @@ public:
     const std::array<double, 9>& invertedRotation() const { return _invertedRotation; }
 
 private:
-    static WorldMapPoint mapPointOf(Coordinate coordinate);
     Vector3d toCamera(WorldMapPoint point) const;
-    Vector3d groundOffset(ScreenPoint point) const;
+    OpenGlPoint groundOffset(ScreenPoint point) const;
     void setRotation(double rotation, double viewingAngle);
+    void placeCamera(const CameraPose& pose);
 
     WorldMapPoint _initialMapPoint;
     WorldMapPoint _target;
     double _mapPointsPerMeterMax;
     double _distance;
-    std::array<double, 9> _rotation;
-    std::array<double, 9> _invertedRotation;
-    double _sinRotation;
-    double _cosRotation;
     double _halfWidth;
     double _halfHeight;
     /// Map points per metre at the camera's zoom.
     double _mapPointsPerMeter;
-    /// Focal length in metres at the camera's zoom.
+    /// Metres at the camera's zoom.
     double _focalLength;
-    /// From the scene's origin to the camera: map points east and south.
-    OpenGlPoint _cameraOffset;
-    /// The same in metres.
-    OpenGlPoint _cameraOffsetMeters;
-    /// Metres above the plane.
+    /// Metres of the camera above the plane, and the same after its way through scene units.
     double _height;
-    /// The camera's height as it comes back from scene units.
-    double _heightFromScene;
-    /// World position of the camera, turned into the camera's frame.
-    Vector3d _turnedCamera;
+    double _heightFromScene = 0;
     bool _isTilted;
     double _tangentOfElevation;
+    /// Metres from the camera's foot back to its target, along the heading.
     double _planeShift;
+    std::array<double, 9> _rotation{};
+    std::array<double, 9> _invertedRotation{};
+    double _sinRotation = 0;
+    double _cosRotation = 0;
+    /// From the scene's origin to the camera's foot, east and south: in map points, and in metres.
+    OpenGlPoint _cameraOffset;
+    OpenGlPoint _cameraOffsetMeters;
+    Vector3d _turnedCamera;
 };
 
 } // namespace trelmix

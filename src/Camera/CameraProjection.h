@@ -8,6 +8,7 @@
 #include <Trelmix/TrelmixMapProjection.h>
 
 #include <memory>
+#include <utility>
 
 namespace trelmix {
 
@@ -103,9 +104,9 @@ private:
 
     std::weak_ptr<SCNNode> _cameraNode;
     std::weak_ptr<SCNView> _sceneView;
-    CameraPose _pose;
     Coordinate _cameraTarget;
     CameraStage _stage;
+    CameraPose _pose;
     CameraFrame _frame;
     double _mapPointScreenPointRatio;
 };

@@ -1,0 +1,7 @@
+#include <Trelmix/TrelmixMapProjection.h>
+
+namespace trelmix {
+
+TrelmixMapProjection::~TrelmixMapProjection() = default;
+
+} // namespace trelmix

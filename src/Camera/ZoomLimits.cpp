@@ -1,0 +1,51 @@
+#include "Camera/ZoomLimits.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+
+namespace trelmix {
+
+namespace {
+
+// Atomic: an application may set a limit while the renderer's thread reads it.
+std::atomic<float> kZOOM_USER_MIN{ZoomLimits::kSupportedMin};
+std::atomic<float> kZOOM_USER_MAX{ZoomLimits::kSupportedMax};
+
+void store(std::atomic<float>& limit, float zoom) {
+    if (!std::isnan(zoom))
+        limit = zoom;
+}
+
+} // namespace
+
+float ZoomLimits::userMin() {
+    return kZOOM_USER_MIN;
+}
+
+float ZoomLimits::userMax() {
+    return kZOOM_USER_MAX;
+}
+
+void ZoomLimits::setUserMin(float zoom) {
+    store(kZOOM_USER_MIN, zoom);
+}
+
+void ZoomLimits::setUserMax(float zoom) {
+    store(kZOOM_USER_MAX, zoom);
+}
+
+void ZoomLimits::reset() {
+    kZOOM_USER_MIN = kSupportedMin;
+    kZOOM_USER_MAX = kSupportedMax;
+}
+
+float ZoomLimits::sanitised(float zoom) {
+    const float highest = std::min(userMax(), kSupportedMax);
+    const float lowest = std::max(kSupportedMin, userMin());
+    const float lowered = zoom > highest ? highest : zoom;
+    // Negated, so that NaN takes the lowest too.
+    return !(lowered > lowest) ? lowest : lowered;
+}
+
+} // namespace trelmix
