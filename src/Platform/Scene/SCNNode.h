@@ -68,6 +68,9 @@ public:
     const std::optional<SCNCamera>& camera() const { return _camera; }
     void setCamera(std::optional<SCNCamera> camera) { _camera = camera; }
 
+    /// True for nodes that hear of every frame; the class that answers so is the only one.
+    virtual bool takesFrameUpdates() const { return false; }
+
     /// The scene whose root holds the node; null when none does.
     SCNScene* scene() const { return _scene; }
     void removeFromParentNode();

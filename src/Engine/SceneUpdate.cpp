@@ -1,0 +1,26 @@
+#include "Engine/SceneUpdate.h"
+
+#include "Engine/GeoNode.h"
+
+namespace trelmix {
+
+void clearNodes(SCNScene& scene) {
+    const auto nodes = scene.childNodes();
+    for (const auto& node : *nodes) {
+        if (node->takesFrameUpdates() && node->scene() == &scene) {
+            static_cast<GeoNode&>(*node).clearEverything();
+        }
+    }
+}
+
+void updatePossibleGeoNodes(SCNScene& scene, float zoom, float rotation, float viewingAngle) {
+    // Updates call the application, which may add and remove anything: the walk has its own list.
+    const auto nodes = scene.childNodes();
+    for (const auto& node : *nodes) {
+        if (node->takesFrameUpdates() && node->scene() == &scene) {
+            static_cast<GeoNode&>(*node).update(zoom, rotation, viewingAngle);
+        }
+    }
+}
+
+} // namespace trelmix

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/Scene/SCNScene.h"
+
+namespace trelmix {
+
+/// Tears down every overlay of a scene; the camera node stays.
+void clearNodes(SCNScene& scene);
+
+/// Tells every overlay of a scene about the camera, in order of addition. @param zoom the internal zoom.
+/// @param rotation,viewingAngle radians.
+void updatePossibleGeoNodes(SCNScene& scene, float zoom, float rotation, float viewingAngle);
+
+} // namespace trelmix

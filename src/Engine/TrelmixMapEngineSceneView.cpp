@@ -1,0 +1,219 @@
+#include "Engine/TrelmixMapEngineSceneView.h"
+
+#include "Camera/ZoomLimits.h"
+#include "Engine/SceneUpdate.h"
+#include "Geo/GeoUtils.h"
+#include "Platform/Foundation/MainEntry.h"
+#include "Platform/Foundation/Thread.h"
+#include "Platform/View/LayoutConstraint.h"
+
+#include <cmath>
+
+namespace trelmix {
+
+namespace {
+
+/// The last reference may fall on the thread that draws, which must not tear down what it is drawing.
+void destroyOnMainThread(TrelmixMapEngineSceneView* engine) {
+    if (Thread::isMainThread()) {
+        delete engine;
+        return;
+    }
+    auto holder = std::shared_ptr<TrelmixMapEngineSceneView>(engine);
+    DispatchQueue::main().async([holder = std::move(holder)]() mutable { holder.reset(); });
+}
+
+} // namespace
+
+std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::make(CGRect frame) {
+    const SceneLock lock;
+    auto engine =
+        std::shared_ptr<TrelmixMapEngineSceneView>(new TrelmixMapEngineSceneView(frame), destroyOnMainThread);
+    engine->setupSceneKit();
+    return engine;
+}
+
+TrelmixMapEngineSceneView::TrelmixMapEngineSceneView(CGRect frame) : UIView(frame) {}
+
+TrelmixMapEngineSceneView::~TrelmixMapEngineSceneView() {
+    const SceneLock lock;
+    if (_cameraIdleTimer) {
+        _cameraIdleTimer->invalidate();
+    }
+    clearNodes(*_defaultScene);
+}
+
+std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::self() {
+    return std::static_pointer_cast<TrelmixMapEngineSceneView>(shared_from_this());
+}
+
+void TrelmixMapEngineSceneView::setupSceneKit() {
+    _sceneView = SCNView::make(frame());
+    _sceneView->setAlpha(0);
+    _sceneView->setTranslatesAutoresizingMaskIntoConstraints(false);
+    addSubview(_sceneView);
+    for (const char* format : {"V:|[sceneView]|", "H:|[sceneView]|"}) {
+        if (auto pinned =
+                LayoutConstraint::constraintsWithVisualFormat(format, {}, {{"sceneView", _sceneView}})) {
+            addConstraints(std::move(*pinned));
+        }
+    }
+    _defaultScene = std::make_shared<SCNScene>();
+    _sceneView->setScene(_defaultScene);
+    setupCamera();
+    _sceneView->setSceneDelegate(self());
+    _sceneView->setAllowsCameraControl(false);
+    _sceneView->setIsPlaying(true);
+    setBackgroundColor(UIColor::whiteColor());
+}
+
+void TrelmixMapEngineSceneView::setupCamera() {
+    _cameraNode = std::make_shared<SCNNode>();
+    SCNCamera camera;
+    camera.automaticallyAdjustsZRange = true;
+    _cameraNode->setCamera(camera);
+    _defaultScene->addChildNode(_cameraNode);
+    _sceneView->setPointOfView(_cameraNode);
+}
+
+void TrelmixMapEngineSceneView::setBackgroundColor(std::optional<UIColor> color) {
+    if (const MainEntry entry{"setBackgroundColor"}) {
+        UIView::setBackgroundColor(color);
+        _sceneView->setBackgroundColor(color);
+    }
+}
+
+void TrelmixMapEngineSceneView::setDelegate(std::weak_ptr<TrelmixMapEngineDelegate> delegate) {
+    if (const MainEntry entry{"setDelegate"}) {
+        _delegate = std::move(delegate);
+    }
+}
+
+std::shared_ptr<TrelmixMapEngineCamera> TrelmixMapEngineSceneView::camera() const {
+    const SceneLock lock;
+    if (!_cameraProjection) {
+        return nullptr;
+    }
+    return std::make_shared<TrelmixMapEngineCamera>(_cameraProjection->cameraRecord());
+}
+
+void TrelmixMapEngineSceneView::setMaxZoom(float zoom) {
+    if (!std::isnan(zoom)) {
+        _maxZoom = zoom;
+        ZoomLimits::setUserMax(zoom);
+    }
+}
+
+void TrelmixMapEngineSceneView::setMinZoom(float zoom) {
+    if (!std::isnan(zoom)) {
+        _minZoom = zoom;
+        ZoomLimits::setUserMin(zoom);
+    }
+}
+
+void TrelmixMapEngineSceneView::initialiseCameraProjection(Coordinate coordinate) {
+    if (_cameraProjection) {
+        return;
+    }
+    _cameraProjection =
+        std::make_shared<CameraProjection>(coordinate, ScreenPoint{frame().size.width, frame().size.height});
+    layoutIfNeeded();
+    _sceneView->setSceneTime(_sceneView->sceneTime() + 1.0);
+}
+
+void TrelmixMapEngineSceneView::setupCameraProjection() {
+    _cameraProjection->setCameraNode(_cameraNode);
+    _cameraProjection->setSceneView(_sceneView);
+    internalSetCamera(currentCamera());
+}
+
+void TrelmixMapEngineSceneView::applyInitialZoom(float zoom) {
+    _initialMapZoom = zoom;
+    if (_cameraProjection) {
+        CameraChange change = currentCamera();
+        change.zoom = zoom;
+        internalSetCamera(change);
+    }
+}
+
+void TrelmixMapEngineSceneView::initialiseWithTarget(CLLocationCoordinate2D target, float zoom) {
+    const MainEntry entry{"initialiseWithTarget"};
+    if (!entry || !std::isfinite(target.latitude) || !std::isfinite(target.longitude) ||
+        !std::isfinite(zoom)) {
+        return;
+    }
+    const auto keep = self();
+    _initialMapZoom = zoom;
+    _initialCameraTarget = Coordinate{target.latitude, target.longitude};
+    if (_cameraProjection) {
+        return;
+    }
+    initialiseCameraProjection(*_initialCameraTarget);
+    _cameraProjection->setInternalZoom(zoom - 1.0F);
+    setupCameraProjection();
+}
+
+void TrelmixMapEngineSceneView::setCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera,
+                                          bool animated) {
+    const MainEntry entry{"setCamera"};
+    if (!entry || !camera) {
+        return;
+    }
+    const CLLocationCoordinate2D target = camera->target();
+    CameraChange change;
+    change.target = GeoUtils::scenePoint({target.latitude, target.longitude});
+    change.rotation = static_cast<float>(-(camera->rotation() * DEG_TO_RAD_CONST));
+    change.viewingAngle = static_cast<float>(camera->viewingAngle() * DEG_TO_RAD_CONST);
+    change.zoom = camera->zoom();
+    change.animated = animated;
+    internalSetCamera(change);
+}
+
+void TrelmixMapEngineSceneView::setCamera(double rotation, double viewingAngle, float zoom, bool animated) {
+    const MainEntry entry{"setCamera"};
+    if (!entry || !_cameraProjection) {
+        return;
+    }
+    CameraChange change = currentCamera();
+    change.rotation = static_cast<float>(-(rotation * DEG_TO_RAD_CONST));
+    change.viewingAngle = static_cast<float>(viewingAngle * DEG_TO_RAD_CONST);
+    change.zoom = zoom;
+    change.animated = animated;
+    internalSetCamera(change);
+}
+
+void TrelmixMapEngineSceneView::updateOverlays() {
+    updatePossibleGeoNodes(*_defaultScene, _cameraProjection->internalZoom(),
+                           static_cast<float>(_cameraProjection->mapRotation()),
+                           static_cast<float>(_cameraProjection->mapViewingAngle()));
+}
+
+void TrelmixMapEngineSceneView::rendererUpdateAtTime(SCNView& view, double) {
+    const SceneLock lock;
+    if (_cameraProjection) {
+        updateOverlays();
+    }
+    if (_renderedFirstTime) {
+        return;
+    }
+    _renderedFirstTime = true;
+    if (Thread::isMainThread()) {
+        view.setAlpha(1);
+        return;
+    }
+    DispatchQueue::main().async([weak = std::weak_ptr(self())] {
+        const SceneLock inner;
+        if (const auto engine = weak.lock()) {
+            engine->_sceneView->setAlpha(1);
+        }
+    });
+}
+
+void TrelmixMapEngineSceneView::layoutSubviews() {
+    UIView::layoutSubviews();
+    if (_cameraProjection) {
+        _cameraProjection->setMapDimensions({frame().size.width, frame().size.height});
+    }
+}
+
+} // namespace trelmix

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "Camera/CameraProjection.h"
+#include "Geo/GeoTypes.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Scene/SCNView.h"
+
+#include <Trelmix/TrelmixMapEngine.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace trelmix {
+
+/// The engine: a view that hosts the scene, owns the camera, and changes it in one place only,
+/// `internalSetCamera`.
+///
+/// Made by the factory. Its last reference may fall on any thread; it is then destroyed by the main queue.
+class TrelmixMapEngineSceneView final : public UIView,
+                                        public TrelmixMapEngine,
+                                        public SCNSceneRendererDelegate {
+public:
+    static constexpr float kDefaultInitialZoom = 18.5F;
+    /// Seconds of every animated camera change.
+    static constexpr double kTMXEngineMapAnimationDuration = 0.2;
+    /// 55 degrees in radians.
+    static constexpr float kHighestViewingAngle = 0.9599311F;
+
+    static std::shared_ptr<TrelmixMapEngineSceneView> make(CGRect frame = {});
+    ~TrelmixMapEngineSceneView() override;
+
+    std::shared_ptr<UIView> view() override { return shared_from_this(); }
+    std::optional<UIColor> backgroundColor() const override { return UIView::backgroundColor(); }
+    void setBackgroundColor(std::optional<UIColor> color) override;
+    std::shared_ptr<TrelmixMapEngineDelegate> delegate() const override { return _delegate.lock(); }
+    void setDelegate(std::weak_ptr<TrelmixMapEngineDelegate> delegate) override;
+    std::shared_ptr<TrelmixMapProjection> projection() const override { return _cameraProjection; }
+    std::shared_ptr<TrelmixMapEngineCamera> camera() const override;
+
+    bool enableRotationGesture() const override { return _enableRotationGesture; }
+    void setEnableRotationGesture(bool enable) override { _enableRotationGesture = enable; }
+    bool enableTiltGesture() const override { return _enableTiltGesture; }
+    void setEnableTiltGesture(bool enable) override { _enableTiltGesture = enable; }
+    bool enableZoomGesture() const override { return _enableZoomGesture; }
+    void setEnableZoomGesture(bool enable) override { _enableZoomGesture = enable; }
+    bool enableScrollGesture() const override { return _enableScrollGesture; }
+    void setEnableScrollGesture(bool enable) override { _enableScrollGesture = enable; }
+
+    float maxZoom() const override { return _maxZoom; }
+    void setMaxZoom(float zoom) override;
+    float minZoom() const override { return _minZoom; }
+    void setMinZoom(float zoom) override;
+    float maxSupportedZoom() const override { return 23.0F; }
+    float minSupportedZoom() const override { return 15.0F; }
+
+    CLLocationCoordinate2D cameraTargetBoundsNorthEast() const override { return _boundsNorthEast; }
+    void setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) override { _boundsNorthEast = corner; }
+    CLLocationCoordinate2D cameraTargetBoundsSouthWest() const override { return _boundsSouthWest; }
+    void setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) override { _boundsSouthWest = corner; }
+
+    bool hitTestBoundingBoxOnly() const override { return _hitTestBoundingBoxOnly; }
+    void setHitTestBoundingBoxOnly(bool boxOnly) override { _hitTestBoundingBoxOnly = boxOnly; }
+
+    void initialiseWithTarget(CLLocationCoordinate2D target, float zoom) override;
+    void setCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera, bool animated) override;
+    void setCamera(double rotation, double viewingAngle, float zoom, bool animated) override;
+
+    // For overlays and hosts, with the scene lock held.
+    const std::shared_ptr<SCNView>& sceneView() const { return _sceneView; }
+    const std::shared_ptr<SCNScene>& defaultScene() const { return _defaultScene; }
+    const std::shared_ptr<CameraProjection>& cameraProjection() const { return _cameraProjection; }
+    bool hasInitialMapZoom() const { return _initialMapZoom.has_value(); }
+    /// Does nothing when there is a projection. An invalid or polar coordinate puts the scene's origin at (0,
+    /// 0).
+    void initialiseCameraProjection(Coordinate coordinate);
+    void setupCameraProjection();
+    /// The first overlay's choice: the current camera at this zoom.
+    void applyInitialZoom(float zoom);
+
+    /// A camera as the one camera path takes it. Radians; public zoom.
+    struct CameraChange {
+        WorldMapPoint target;
+        float rotation = 0;
+        float viewingAngle = 0;
+        float zoom = 0;
+        bool fromGesture = false;
+        bool animated = false;
+        OpenGlPoint offset{0, 0};
+    };
+    /// The projection's camera as a change that changes nothing; needs a projection.
+    CameraChange currentCamera() const;
+    /// The one camera path. Numbers that are not finite (but for the tilt) change nothing.
+    void internalSetCamera(const CameraChange& change);
+    void informDelegateAboutIdle();
+
+    void rendererUpdateAtTime(SCNView& view, double time) override;
+
+protected:
+    void layoutSubviews() override;
+
+private:
+    explicit TrelmixMapEngineSceneView(CGRect frame);
+    void setupSceneKit();
+    void setupCamera();
+    std::shared_ptr<TrelmixMapEngineSceneView> self();
+
+    /// False when the delegate has made another camera meanwhile, and this one stops.
+    bool announceChange(bool fromGesture);
+    bool applyCamera(const CameraChange& change);
+    std::shared_ptr<const SCNAction> performMapEulerRotate(float pitch, float roll, bool animated);
+    void runCameraAnimation(float startZoom, float goalZoom, std::shared_ptr<const SCNAction> rotation);
+    WorldMapPoint canSetCameraToTarget(WorldMapPoint target) const;
+    void reportWhenAtRest(const CameraChange& change);
+    void updateOverlays();
+    void reportIdleToDelegate();
+
+    std::weak_ptr<TrelmixMapEngineDelegate> _delegate;
+    std::shared_ptr<SCNView> _sceneView;
+    std::shared_ptr<SCNScene> _defaultScene;
+    std::shared_ptr<SCNNode> _cameraNode;
+    bool _enableRotationGesture = true;
+    bool _enableTiltGesture = true;
+    bool _enableZoomGesture = true;
+    bool _enableScrollGesture = true;
+    std::shared_ptr<CameraProjection> _cameraProjection;
+    std::optional<float> _initialMapZoom;
+    std::optional<Coordinate> _initialCameraTarget;
+    std::shared_ptr<Timer> _cameraIdleTimer;
+    float _maxZoom = 23.0F;
+    float _minZoom = 15.0F;
+    CLLocationCoordinate2D _boundsNorthEast = kCLLocationCoordinate2DInvalid;
+    CLLocationCoordinate2D _boundsSouthWest = kCLLocationCoordinate2DInvalid;
+    bool _hitTestBoundingBoxOnly = true;
+    bool _renderedFirstTime = false;
+    /// Whether a camera has been placed; until then the projection's zoom is a placeholder.
+    bool _hasCamera = false;
+    std::uint64_t _changeNumber = 0;
+    int _changeDepth = 0;
+};
+
+} // namespace trelmix

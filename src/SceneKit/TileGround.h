@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Camera/CameraProjection.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace trelmix {
+
+/// A tile of the usual grid: column from longitude -180 degrees, row from the north, whole zoom.
+struct TileKey {
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+    std::int64_t zoom = 0;
+    friend bool operator==(const TileKey&, const TileKey&) = default;
+};
+
+struct TileKeyHash {
+    std::size_t operator()(const TileKey& key) const;
+};
+
+/// Columns and rows at one zoom: the lowest and the highest column, the lowest and the highest row. The first
+/// two names do not follow the compass; the values do.
+struct TileBox {
+    std::int64_t eastMostTile = 1;
+    std::int64_t westMostTile = 1;
+    std::int64_t northMostTile = 1;
+    std::int64_t southMostTile = 1;
+};
+
+/// What the view needs: a box of tiles, and the tiles beyond it.
+struct TileNeed {
+    /// The box with its margin, columns outside, then the others, those nearest the target first.
+    std::vector<TileKey> tiles;
+    /// The tiles that the visible ground touches outside the box, in order of columns and rows.
+    std::vector<TileKey> beyondBox;
+};
+
+/// Whole zoom of a zoom's tiles: the nearest, halves away from zero.
+std::int64_t roundedZoom(float zoom);
+
+/// The box around the corners of the view, limited along each axis to twice the distance from the target to
+/// the middle of the bottom edge, in tiles of the projection's rounded zoom. (1, 1, 1, 1) when the corners
+/// have no finite place.
+TileBox boundingBoxTiles(const CameraProjection& projection);
+
+/// Every tile that the view needs at `zoom` (public): the bounding box with a margin of one tile, completed
+/// by each tile that the visible ground touches within reach. At most `kMostTiles`, those nearest the target;
+/// none for zooms outside the grid.
+TileNeed tilesInView(const CameraProjection& projection, float zoom);
+
+inline constexpr std::size_t kMostTiles = 4096;
+
+} // namespace trelmix
