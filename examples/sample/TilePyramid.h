@@ -1,0 +1,48 @@
+/// @file
+/// Cuts the town into tiles and writes them as an MBTiles archive.
+#pragma once
+
+#include "GroundFrame.h"
+#include "PalettePng.h"
+#include "TownModel.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace trelmix::sample {
+
+/// Tiles of one zoom level: columns from the west, rows from the north, both ends included.
+struct TileRange {
+    int zoom;
+    int left;
+    int top;
+    int right;
+    int bottom;
+
+    int count() const { return (right - left + 1) * (bottom - top + 1); }
+    /// The whole tiles that a rectangle around the centre touches; half sizes in metres.
+    static TileRange around(int zoom, double halfWidth, double halfHeight);
+};
+
+struct Tile {
+    int zoom;
+    int column;
+    int row; ///< from the north
+    std::vector<std::byte> png;
+};
+
+/// The tiles of all zoom levels of the town, 15 to 19; `threads` of them at work.
+std::vector<Tile> paintTown(const TownModel& model, int threads);
+/// Tiles whose pixels tell their own place, for tests that read the ground from a picture: of the global
+/// pixel (X, Y) at the tile's zoom, red is X & 255, green Y & 255, and blue has bits 8 to 11 of X above those
+/// of Y.
+std::vector<Tile> paintCoded(int threads);
+std::vector<TileRange> townRanges();
+std::vector<TileRange> codedRanges();
+
+/// Writes an archive anew. Empty when it went well, else what is wrong.
+std::string writeArchive(const std::string& path, const std::string& name,
+                         const std::vector<TileRange>& ranges, const std::vector<Tile>& tiles);
+
+} // namespace trelmix::sample
