@@ -46,7 +46,7 @@ public:
     int pixelWidth() const { return _pixelWidth; }
     int pixelHeight() const { return _pixelHeight; }
     /// `pixelWidth() * pixelHeight() * 4` bytes, premultiplied.
-    std::span<const std::uint8_t> pixels() const { return _levels.front(); }
+    std::span<const std::uint8_t> pixels() const { return _pixels; }
     /// True when every pixel has full alpha.
     bool isOpaque() const { return _isOpaque; }
     /// Bytes held, levels of detail included.
@@ -59,17 +59,20 @@ public:
     /// images: call it off the main thread. May be called at once from several threads.
     void prepareLevels() const;
     /// Level 0 is the image; level n has max(1, size >> n) pixels a side. Prepares the levels when needed.
+    /// Ends early only when memory runs out.
     std::span<const std::span<const std::uint8_t>> levels() const;
 
 private:
-    UIImage(int width, int height, std::vector<std::uint8_t> pixels, double scale);
     struct Levels;
+    UIImage(int width, int height, std::vector<std::uint8_t> pixels, double scale);
+    static std::shared_ptr<const UIImage> own(int width, int height, std::vector<std::uint8_t> pixels,
+                                              double scale);
 
     int _pixelWidth;
     int _pixelHeight;
     double _scale;
     bool _isOpaque;
-    std::vector<std::vector<std::uint8_t>> _levels;
+    std::vector<std::uint8_t> _pixels;
     std::unique_ptr<Levels> _detail;
 };
 

@@ -1,0 +1,372 @@
+#include "Platform/Graphics/Canvas.h"
+
+#include "Platform/Graphics/UIBezierPath.h"
+#include "Platform/Graphics/Utf8.h"
+
+#include <Trelmix/Platform/UIImage.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <iterator>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include <cairo.h>
+
+namespace trelmix {
+
+// Cairo's pixels are blue, green, red, alpha in memory; ours start with red. Nothing it does tells red from
+// blue, so it draws straight on our pixels and gets every colour with the two exchanged. Text stays clear of
+// sub-pixel rendering.
+static_assert(std::endian::native == std::endian::little);
+
+namespace {
+
+constexpr int kLargestSide = 32767;
+constexpr std::size_t kLongestText = 1000;
+// Pixels from the origin. Cairo's own numbers wrap around a little farther out.
+constexpr double kFarAway = 4.0e6;
+constexpr double kLargestLetter = 2000.0;
+constexpr double kHaloPerSize = 0.2;
+
+struct ReleaseCairo {
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+    void operator()(cairo_pattern_t* pattern) const { cairo_pattern_destroy(pattern); }
+    void operator()(cairo_font_options_t* options) const { cairo_font_options_destroy(options); }
+};
+
+template <class T>
+using Cairo = std::unique_ptr<T, ReleaseCairo>;
+
+bool isUsable(CGRect rect) {
+    return std::isfinite(rect.origin.x) && std::isfinite(rect.origin.y) && std::isfinite(rect.size.width) &&
+           std::isfinite(rect.size.height) && rect.size.width > 0 && rect.size.height > 0;
+}
+
+Cairo<cairo_surface_t> surfaceOn(std::uint8_t* pixels, int width, int height) {
+    Cairo<cairo_surface_t> surface(
+        cairo_image_surface_create_for_data(pixels, CAIRO_FORMAT_ARGB32, width, height, width * 4));
+    return cairo_surface_status(surface.get()) == CAIRO_STATUS_SUCCESS ? std::move(surface) : nullptr;
+}
+
+void setColor(cairo_t* context, UIColor color) {
+    const UIColor c = color.limited();
+    cairo_set_source_rgba(context, c.blue, c.green, c.red, c.alpha);
+}
+
+/// The nearest place that Cairo can count with.
+CGPoint withinReach(cairo_t* context, CGPoint point) {
+    double x = point.x;
+    double y = point.y;
+    cairo_user_to_device(context, &x, &y);
+    if (std::abs(x) <= kFarAway && std::abs(y) <= kFarAway) {
+        return point;
+    }
+    x = std::clamp(x, -kFarAway, kFarAway);
+    y = std::clamp(y, -kFarAway, kFarAway);
+    cairo_device_to_user(context, &x, &y);
+    return std::isfinite(x) && std::isfinite(y) ? CGPoint{x, y} : CGPoint{};
+}
+
+void addRect(cairo_t* context, CGRect rect) {
+    const double right = rect.origin.x + rect.size.width;
+    const double bottom = rect.origin.y + rect.size.height;
+    const CGPoint corners[] = {rect.origin, {right, rect.origin.y}, {right, bottom}, {rect.origin.x, bottom}};
+    cairo_new_path(context);
+    for (const CGPoint corner : corners) {
+        const CGPoint place = withinReach(context, corner);
+        cairo_line_to(context, place.x, place.y);
+    }
+    cairo_close_path(context);
+}
+
+void addPath(cairo_t* context, const UIBezierPath& path) {
+    cairo_new_path(context);
+    for (const UIBezierPath::Element& element : path.elements()) {
+        const CGPoint place = withinReach(context, element.point);
+        if (element.startsSubpath) {
+            cairo_move_to(context, place.x, place.y);
+        } else {
+            cairo_line_to(context, place.x, place.y);
+        }
+        if (element.closesSubpath) {
+            cairo_close_path(context);
+        }
+    }
+}
+
+bool isInvertible(cairo_matrix_t matrix) {
+    const double numbers[] = {matrix.xx, matrix.yx, matrix.xy, matrix.yy, matrix.x0, matrix.y0};
+    return std::all_of(std::begin(numbers), std::end(numbers), [](double n) { return std::isfinite(n); }) &&
+           cairo_matrix_invert(&matrix) == CAIRO_STATUS_SUCCESS;
+}
+
+/// Applies one change unless it would leave a matrix without inverse, after which Cairo draws nothing ever
+/// again.
+void transform(cairo_t* context, const cairo_matrix_t& change) {
+    cairo_matrix_t current;
+    cairo_get_matrix(context, &current);
+    cairo_matrix_t result;
+    cairo_matrix_multiply(&result, &change, &current);
+    if (isInvertible(change) && isInvertible(result)) {
+        cairo_set_matrix(context, &result);
+    }
+}
+
+double largestScale(cairo_t* context) {
+    cairo_matrix_t matrix;
+    cairo_get_matrix(context, &matrix);
+    return std::max(std::hypot(matrix.xx, matrix.yx), std::hypot(matrix.xy, matrix.yy));
+}
+
+/// False when letters of this size cannot be drawn.
+bool selectFont(cairo_t* context, double size, bool isBold) {
+    if (!(size > 0) || !(size * largestScale(context) <= kLargestLetter)) {
+        return false;
+    }
+    cairo_select_font_face(context, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL,
+                           isBold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(context, size);
+    const Cairo<cairo_font_options_t> options(cairo_font_options_create());
+    cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
+    // Without hinting the same text has the same width at every scale and on every desktop.
+    cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+    cairo_set_font_options(context, options.get());
+    return true;
+}
+
+} // namespace
+
+/// The members go in reverse order: the context, then the surface, then the pixels under it.
+struct Canvas::Surface {
+    int width = 0;
+    int height = 0;
+    double pointScale = 1;
+    std::vector<std::uint8_t> pixels;
+    Cairo<cairo_surface_t> surface;
+    Cairo<cairo_t> context;
+    int savedCount = 0;
+
+    /// Empty when Cairo cannot draw on such a bitmap.
+    static std::unique_ptr<Surface> make(int width, int height, double scale,
+                                         std::vector<std::uint8_t> pixels);
+};
+
+std::unique_ptr<Canvas::Surface> Canvas::Surface::make(int width, int height, double scale,
+                                                       std::vector<std::uint8_t> pixels) {
+    auto made = std::make_unique<Surface>();
+    made->width = width;
+    made->height = height;
+    made->pointScale = scale;
+    made->pixels = std::move(pixels);
+    made->surface = surfaceOn(made->pixels.data(), width, height);
+    if (!made->surface) {
+        return nullptr;
+    }
+    made->context.reset(cairo_create(made->surface.get()));
+    if (cairo_status(made->context.get()) != CAIRO_STATUS_SUCCESS) {
+        return nullptr;
+    }
+    cairo_scale(made->context.get(), scale, scale);
+    return made;
+}
+
+Canvas::Canvas(int width, int height, double scale) {
+    const bool isSizeFine = width > 0 && height > 0 && width <= kLargestSide && height <= kLargestSide &&
+                            std::int64_t{width} * height <= UIImage::kMaximumPixelCount;
+    if (!isSizeFine || !(scale >= 1e-6 && scale <= 1e6)) {
+        return;
+    }
+    try {
+        const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+        _surface = Surface::make(width, height, scale, std::vector<std::uint8_t>(count * 4));
+    } catch (const std::bad_alloc&) {
+        // Not valid, as for a size that is too large.
+    }
+}
+
+Canvas::Canvas(const UIImage& image) : Canvas(image.pixelWidth(), image.pixelHeight(), image.scale()) {
+    if (_surface) {
+        cairo_surface_flush(_surface->surface.get());
+        std::copy(image.pixels().begin(), image.pixels().end(), _surface->pixels.begin());
+        cairo_surface_mark_dirty(_surface->surface.get());
+    }
+}
+
+Canvas::~Canvas() = default;
+Canvas::Canvas(Canvas&& other) noexcept = default;
+Canvas& Canvas::operator=(Canvas&& other) noexcept = default;
+
+std::shared_ptr<const UIImage> Canvas::image() const {
+    if (!_surface) {
+        return nullptr;
+    }
+    cairo_surface_flush(_surface->surface.get());
+    return UIImage::withPixels(_surface->width, _surface->height, _surface->pixels, _surface->pointScale);
+}
+
+void Canvas::clear(UIColor color) {
+    if (!_surface) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    setColor(context, color);
+    cairo_set_operator(context, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(context);
+    cairo_set_operator(context, CAIRO_OPERATOR_OVER);
+}
+
+void Canvas::fillRect(CGRect rect, UIColor color) {
+    if (!_surface || !isUsable(rect)) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    addRect(context, rect);
+    setColor(context, color);
+    cairo_fill(context);
+}
+
+void Canvas::fillPath(const UIBezierPath& path, UIColor color) {
+    if (!_surface) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    addPath(context, path);
+    setColor(context, color);
+    cairo_fill(context);
+}
+
+void Canvas::strokePath(const UIBezierPath& path, UIColor color) {
+    if (!_surface || !(path.lineWidth() > 0) ||
+        !(path.lineWidth() * largestScale(_surface->context.get()) < kFarAway)) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    addPath(context, path);
+    setColor(context, color);
+    cairo_set_line_width(context, path.lineWidth());
+    cairo_set_line_join(context, CAIRO_LINE_JOIN_MITER);
+    cairo_stroke(context);
+}
+
+void Canvas::drawImage(const UIImage& image, CGRect rect, double alpha) {
+    if (!_surface || !isUsable(rect) || !(alpha > 0)) {
+        return;
+    }
+    // Only ever read: Cairo takes the pixels of a source and of a target by the same type.
+    auto* const pixels = const_cast<std::uint8_t*>(image.pixels().data());
+    const Cairo<cairo_surface_t> source = surfaceOn(pixels, image.pixelWidth(), image.pixelHeight());
+    if (!source) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    const Cairo<cairo_pattern_t> pattern(cairo_pattern_create_for_surface(source.get()));
+    cairo_matrix_t toImage;
+    cairo_matrix_init_scale(&toImage, image.pixelWidth() / rect.size.width,
+                            image.pixelHeight() / rect.size.height);
+    cairo_matrix_translate(&toImage, -rect.origin.x, -rect.origin.y);
+    if (!isInvertible(toImage)) {
+        return;
+    }
+    cairo_pattern_set_matrix(pattern.get(), &toImage);
+    cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_GOOD);
+    // The rectangle ends the image; its own border pixels must not fade into what lies beyond.
+    cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_PAD);
+    cairo_save(context);
+    addRect(context, rect);
+    cairo_clip(context);
+    cairo_set_source(context, pattern.get());
+    cairo_paint_with_alpha(context, std::min(alpha, 1.0));
+    cairo_restore(context);
+}
+
+void Canvas::drawText(std::string_view text, CGPoint baseline, const TextStyle& style) {
+    if (!_surface || !std::isfinite(baseline.x) || !std::isfinite(baseline.y) ||
+        !selectFont(_surface->context.get(), style.size, style.isBold)) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    const CGPoint start = withinReach(context, baseline);
+    const std::string line = printableLine(text, kLongestText);
+    cairo_new_path(context);
+    if (style.halo) {
+        cairo_move_to(context, start.x, start.y);
+        cairo_text_path(context, line.c_str());
+        setColor(context, *style.halo);
+        cairo_set_line_width(context, style.size * kHaloPerSize);
+        cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);
+        cairo_stroke(context);
+    }
+    setColor(context, style.color);
+    cairo_move_to(context, start.x, start.y);
+    cairo_show_text(context, line.c_str());
+    cairo_new_path(context);
+}
+
+double Canvas::textWidth(std::string_view text, double size, bool isBold) const {
+    if (!_surface || !selectFont(_surface->context.get(), size, isBold)) {
+        return 0;
+    }
+    cairo_text_extents_t extents{};
+    cairo_text_extents(_surface->context.get(), printableLine(text, kLongestText).c_str(), &extents);
+    return extents.x_advance;
+}
+
+void Canvas::save() {
+    if (_surface) {
+        cairo_save(_surface->context.get());
+        ++_surface->savedCount;
+    }
+}
+
+void Canvas::restore() {
+    // One too many would stop Cairo for good.
+    if (_surface && _surface->savedCount > 0) {
+        cairo_restore(_surface->context.get());
+        --_surface->savedCount;
+    }
+}
+
+void Canvas::translate(double x, double y) {
+    if (_surface) {
+        cairo_matrix_t change;
+        cairo_matrix_init_translate(&change, x, y);
+        transform(_surface->context.get(), change);
+    }
+}
+
+void Canvas::scale(double x, double y) {
+    if (_surface) {
+        cairo_matrix_t change;
+        cairo_matrix_init_scale(&change, x, y);
+        transform(_surface->context.get(), change);
+    }
+}
+
+void Canvas::rotate(double radians) {
+    if (_surface) {
+        cairo_matrix_t change;
+        cairo_matrix_init_rotate(&change, radians);
+        transform(_surface->context.get(), change);
+    }
+}
+
+void Canvas::clipRect(CGRect rect) {
+    if (!_surface) {
+        return;
+    }
+    cairo_t* const context = _surface->context.get();
+    if (isUsable(rect)) {
+        addRect(context, rect);
+    } else {
+        // Nothing lies in a rectangle without area.
+        cairo_new_path(context);
+    }
+    cairo_clip(context);
+}
+
+} // namespace trelmix
