@@ -73,14 +73,24 @@ private:
     std::optional<SceneEdges> _sceneEdges;
 };
 
-/// A mesh of the application's or the tessellator's making.
+/// The smallest upright rectangle around a mesh's vertices, relative to the mesh's origin.
+struct MeshBounds {
+    float minX = 0;
+    float minY = 0;
+    float maxX = -1;
+    float maxY = -1;
+};
+
+/// A mesh of the application's or the tessellator's making; it lies in the plane z = 0 of its node.
 class SCNMeshGeometry : public SCNGeometry {
 public:
-    explicit SCNMeshGeometry(std::shared_ptr<const SCNMesh> mesh) : _mesh(std::move(mesh)) {}
+    explicit SCNMeshGeometry(std::shared_ptr<const SCNMesh> mesh);
     const std::shared_ptr<const SCNMesh>& mesh() const { return _mesh; }
+    const MeshBounds& bounds() const { return _bounds; }
 
 private:
     std::shared_ptr<const SCNMesh> _mesh;
+    MeshBounds _bounds;
 };
 
 } // namespace trelmix

@@ -68,6 +68,8 @@ public:
     const std::optional<SCNCamera>& camera() const { return _camera; }
     void setCamera(std::optional<SCNCamera> camera) { _camera = camera; }
 
+    /// How far beyond its mesh the node is drawn, and hit, to each side: half a line's width, in scene units.
+    virtual double hitMargin() const { return 0; }
     /// True for nodes that hear of every frame; the class that answers so is the only one.
     virtual bool takesFrameUpdates() const { return false; }
 

@@ -2,10 +2,32 @@
 
 #include "Platform/Foundation/SceneLock.h"
 
+#include <cmath>
+
 namespace trelmix {
 
 std::shared_ptr<SCNView> SCNView::make(CGRect frame) {
     return std::shared_ptr<SCNView>(new SCNView(frame));
+}
+
+DrawCamera SCNView::drawCamera() const {
+    DrawCamera camera;
+    if (const auto node = _pointOfView.lock()) {
+        camera.position = node->presentedPosition();
+        camera.eulerAngles = node->presentedEulerAngles();
+        camera.pivot = widened(node->pivot());
+        camera.fieldOfView = node->camera() ? node->camera()->fieldOfView : camera.fieldOfView;
+    }
+    return camera;
+}
+
+std::vector<SCNHitTestResult> SCNView::hitTest(CGPoint point, bool boxesOnly) const {
+    const CGSize size = frame().size;
+    if (!_scene || !std::isfinite(point.x) || !std::isfinite(point.y) || size.width <= 0 ||
+        size.height <= 0) {
+        return {};
+    }
+    return hitTestScene(*_scene, SceneRay::through(point, size, drawCamera()), boxesOnly);
 }
 
 DrawFrame SCNView::nextFrame(double time) {
@@ -20,12 +42,7 @@ DrawFrame SCNView::nextFrame(double time) {
     DrawFrame frame;
     frame.background = backgroundColor().value_or(UIColor::whiteColor());
     frame.alpha = alpha();
-    if (const auto node = _pointOfView.lock()) {
-        frame.camera.position = node->presentedPosition();
-        frame.camera.eulerAngles = node->presentedEulerAngles();
-        frame.camera.pivot = widened(node->pivot());
-        frame.camera.fieldOfView = node->camera() ? node->camera()->fieldOfView : frame.camera.fieldOfView;
-    }
+    frame.camera = drawCamera();
     if (_scene) {
         frame.list = _scene->collect();
     }

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Platform/Scene/DrawList.h"
+#include "Platform/Scene/HitTest.h"
 #include "Platform/Scene/SCNScene.h"
 
 #include <Trelmix/Platform/UIView.h>
 
 #include <memory>
+#include <vector>
 
 namespace trelmix {
 
@@ -44,7 +46,11 @@ public:
     /// Takes the scene lock for it; any one thread at a time. The same list while nothing changed.
     DrawFrame nextFrame(double time);
 
+    /// Every visible node under a point of the view, nearest first; see `hitTestScene`. Needs the scene lock.
+    std::vector<SCNHitTestResult> hitTest(CGPoint point, bool boxesOnly) const;
+
 private:
+    DrawCamera drawCamera() const;
     explicit SCNView(CGRect frame) : UIView(frame) {}
 
     std::shared_ptr<SCNScene> _scene;

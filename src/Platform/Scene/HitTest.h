@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/Scene/DrawList.h"
+#include "Platform/Scene/SCNScene.h"
+
+#include <Trelmix/Platform/CGGeometry.h>
+
+#include <memory>
+#include <vector>
+
+namespace trelmix {
+
+/// A node that lies under a point of the view.
+struct SCNHitTestResult {
+    std::shared_ptr<SCNNode> node;
+    /// From the camera, scene units.
+    double distance = 0;
+};
+
+/// A straight line from the camera through a point of the view, in the scene.
+struct SceneRay {
+    Vector3d origin;
+    /// Not of unit length: a step of 1 goes as deep into the picture as the focal length in points.
+    Vector3d direction;
+    static SceneRay through(CGPoint point, CGSize viewSize, const DrawCamera& camera);
+};
+
+/// Every visible node that the ray hits, nearest first; of nodes at one distance (less than 1e-6 apart) the
+/// topmost first. @param boxesOnly whether bounding boxes decide; otherwise what is drawn: discs, outlines,
+/// bands of lines.
+std::vector<SCNHitTestResult> hitTestScene(SCNScene& scene, const SceneRay& ray, bool boxesOnly);
+
+} // namespace trelmix
