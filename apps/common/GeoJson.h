@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Trelmix/Platform/CLLocation.h>
+#include <Trelmix/Platform/Result.h>
+#include <Trelmix/Platform/UIColor.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trelmix::apps {
+
+using CoordinateList = std::vector<CLLocationCoordinate2D>;
+
+/// The simple style properties of a feature; absent when missing or senseless. Colours are opaque, opacities
+/// apart.
+struct GeoJsonStyle {
+    std::optional<UIColor> stroke;
+    std::optional<double> strokeOpacity;
+    /// Points.
+    std::optional<double> strokeWidth;
+    std::optional<UIColor> fill;
+    std::optional<double> fillOpacity;
+    std::optional<UIColor> markerColor;
+};
+
+/// Rings without the repeated last position: the outer one, then its holes.
+struct GeoJsonArea {
+    std::vector<CoordinateList> rings;
+};
+
+/// What one feature draws; multi forms and collections are taken apart, a null geometry leaves everything
+/// empty.
+struct GeoJsonFeature {
+    GeoJsonStyle style;
+    CoordinateList points;
+    std::vector<CoordinateList> lines;
+    std::vector<GeoJsonArea> areas;
+};
+
+struct GeoJsonFile {
+    std::vector<GeoJsonFeature> features;
+    /// The top object's own "attribution" text, empty when it has none.
+    std::string attribution;
+};
+
+/// Reads RFC 7946: a geometry, a feature or a collection. Altitudes and unknown members are passed over,
+/// lines across the antimeridian are left as they are. The reason names the place and what is wrong there.
+Result<GeoJsonFile> parseGeoJson(std::string_view text);
+/// The same for a file; the reason begins with its path.
+Result<GeoJsonFile> readGeoJsonFile(const std::string& path);
+
+/// One outline that encloses, under the non-zero rule, the outer ring without its holes: every hole runs
+/// against the outer ring and hangs on it by a bridge of no width, there and back. Rings as in `GeoJsonArea`.
+CoordinateList outlineWithHoles(const std::vector<CoordinateList>& rings);
+
+} // namespace trelmix::apps

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Trelmix/Platform/CLLocation.h>
+#include <Trelmix/Platform/Result.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace trelmix::apps {
+
+/// A tile of the usual grid: x eastward from longitude -180, y southward from the northern edge.
+struct TileIndex {
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+    std::int64_t zoom = 0;
+    friend bool operator==(const TileIndex&, const TileIndex&) = default;
+};
+
+/// The deepest zoom at which indices are still counted.
+inline constexpr std::int64_t kDeepestTileZoom = 30;
+/// Larger tile files are taken for damaged.
+inline constexpr std::uint64_t kMaximumTileBytes = 32ULL << 20U;
+
+/// Whether the world has such a tile.
+bool isInWorld(const TileIndex& tile);
+
+/// The corners of a rectangle on the map, degrees.
+struct TileBounds {
+    CLLocationCoordinate2D southWest;
+    CLLocationCoordinate2D northEast;
+};
+
+/// What the tiles of one zoom from (west, north) to (east, south), both included, cover.
+TileBounds boundsOfTiles(std::int64_t zoom, std::int64_t west, std::int64_t north, std::int64_t east,
+                         std::int64_t south);
+
+using TileBytes = std::vector<std::byte>;
+
+/// Where encoded tiles lie. All operations may come from any thread.
+class TileStore {
+public:
+    virtual ~TileStore() = default;
+    /// The file of that tile of the world; no value when the store has none, a failure when it cannot be
+    /// read.
+    virtual Result<std::optional<TileBytes>> tile(const TileIndex& tile) const = 0;
+    /// What the store covers; empty when it does not know. May look through many files.
+    virtual std::optional<TileBounds> bounds() const = 0;
+    /// Where the tiles come from, for showing in the picture; may hold HTML. Empty when the store does not
+    /// say.
+    virtual std::string attribution() const = 0;
+    /// For messages.
+    virtual const std::string& name() const = 0;
+};
+
+} // namespace trelmix::apps
