@@ -1,0 +1,164 @@
+#include "Camera/CameraProjection.h"
+
+#include "Camera/ZoomLimits.h"
+#include "Geo/GeoUtils.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace trelmix {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr float kFloatNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr Coordinate kHarbour{43.735, 7.421};
+
+class ProjectionTest : public testing::Test {
+protected:
+    ProjectionTest() { projection.setMapZoom(17); }
+    ~ProjectionTest() override { ZoomLimits::reset(); }
+
+    CameraProjection projection{kHarbour, {800, 600}};
+};
+
+TEST_F(ProjectionTest, straightDownTheCornersAreAnUprightRectangleOfTheStatedScale) {
+    const auto topLeft = projection.topLeftCoordinate(), topRight = projection.topRightCoordinate();
+    const auto bottomLeft = projection.bottomLeftCoordinate(),
+               bottomRight = projection.bottomRightCoordinate();
+    EXPECT_NEAR(topLeft.latitude, topRight.latitude, 1e-12);
+    EXPECT_NEAR(bottomRight.longitude, topRight.longitude, 1e-12);
+    EXPECT_LT(topLeft.longitude, topRight.longitude);
+    EXPECT_GT(topLeft.latitude, bottomLeft.latitude);
+    EXPECT_NEAR(projection.mapPointScreenPointRatio(), 295.6 / 600, 1e-4);
+    const double width = GeoUtils::convertLongToMapX(topRight.longitude, 22) -
+                         GeoUtils::convertLongToMapX(topLeft.longitude, 22);
+    EXPECT_NEAR(width, 800 * projection.mapPointScreenPointRatio() * std::exp2(22 - 16), 1e-4);
+}
+
+TEST_F(ProjectionTest, aHeadingOf90ShowsEastAtTheTop) {
+    projection.setMapRotation(-90 * DEG_TO_RAD_CONST);
+    const CGPoint east = projection.screenCoordinateFor({kHarbour.lat, kHarbour.lon + 1e-4});
+    EXPECT_NEAR(east.x, 400, 1e-6);
+    EXPECT_LT(east.y, 299);
+    EXPECT_NEAR(projection.cameraRecord().rotation(), 90, 1e-12);
+}
+
+TEST_F(ProjectionTest, aTiltedCameraStandsSouthOfItsTargetAndSeesFartherAtTheTop) {
+    const double straight = projection.exactCameraPosition().z;
+    projection.setMapViewingAngle(0.5);
+    const Vector3d eye = projection.exactCameraPosition();
+    EXPECT_NEAR(eye.x, 0, 1e-6);
+    EXPECT_LT(eye.y, 0);
+    EXPECT_NEAR(eye.z, straight * std::cos(0.5), 1e-6);
+    const double ahead = projection.topLeftCoordinate().latitude - kHarbour.lat;
+    EXPECT_GT(ahead, kHarbour.lat - projection.bottomLeftCoordinate().latitude);
+    projection.setMapZoom(18);
+    EXPECT_DOUBLE_EQ(projection.exactCameraPosition().z, eye.z / 2)
+        << "one level of zoom halves the distance";
+}
+
+TEST_F(ProjectionTest, aboveTheHorizonNoGroundIsSeen) {
+    projection.setMapViewingAngle(0.9599311);
+    EXPECT_TRUE(projection.frame().seesGround({400, 0}));
+    // The horizon stands 35 degrees above the middle: 364 points.
+    EXPECT_TRUE(projection.frame().seesGround({400, -60}));
+    EXPECT_FALSE(projection.frame().seesGround({400, -67}));
+    EXPECT_FALSE(projection.frame().seesGround({400, kNaN}));
+    EXPECT_FALSE(projection.frame().isInFront(projection.worldMapPoint({400, -200})));
+    const CLLocationCoordinate2D behind = projection.worldCoordinateFor({400, -200});
+    EXPECT_LT(behind.latitude, kHarbour.lat);
+}
+
+TEST_F(ProjectionTest, theRatioFollowsTheWidthAndRecoversFromAnEmptyView) {
+    const double ratio = projection.mapPointScreenPointRatio();
+    projection.setMapDimensions({800, 300});
+    EXPECT_EQ(projection.mapPointScreenPointRatio(), ratio);
+    projection.setMapDimensions({801, 300});
+    EXPECT_NEAR(projection.mapPointScreenPointRatio(), ratio * 2, 1e-9);
+    for (const ScreenPoint empty : {ScreenPoint{0, 0}, {800, 0}, {kNaN, 600}, {800, kInfinity}}) {
+        projection.setMapDimensions({0, 0});
+        projection.setMapDimensions(empty);
+        EXPECT_FALSE(std::isfinite(projection.mapPointScreenPointRatio()));
+        projection.setMapDimensions({800, 600});
+        EXPECT_NEAR(projection.mapPointScreenPointRatio(), ratio, 1e-9);
+    }
+}
+
+TEST_F(ProjectionTest, numbersThatAreNotFiniteLeaveTheCameraAsItWas) {
+    projection.setMapViewingAngle(0.4);
+    const Vector3d before = projection.exactCameraPosition();
+    const WorldMapPoint southPole = GeoUtils::scenePoint({-90, 0});
+    projection.setCameraTarget(southPole, {-90, 0});
+    projection.setCameraTarget({kNaN, 0}, kHarbour);
+    projection.setCameraTarget({0, 0}, {kInfinity, 0});
+    projection.setMapRotation(kInfinity);
+    projection.setMapViewingAngle(kNaN);
+    projection.setMapZoom(kFloatNaN);
+    projection.setInternalZoom(-std::numeric_limits<float>::infinity());
+    EXPECT_EQ(projection.exactCameraPosition(), before);
+    EXPECT_EQ(projection.mapZoom(), 17.0F);
+}
+
+TEST(Projection, aBadFirstTargetDoesNotSpoilTheOrigin) {
+    for (const Coordinate bad : {Coordinate{kNaN, 0}, {0, kNaN}, {-90, 0}, {90, 0}, {-180, -180}, {0, 1e9}}) {
+        const CameraProjection projection(bad, {800, 600});
+        EXPECT_EQ(projection.cameraTarget(), Coordinate{});
+        EXPECT_NEAR(projection.mapPointsPerMeterMax(), 26.8156, 1e-3);
+        EXPECT_DOUBLE_EQ(projection.initialMapPoint().y, 536870912);
+    }
+}
+
+TEST_F(ProjectionTest, anyNumbersAtAllAreConvertedWithoutHarm) {
+    const double hostile[] = {0,    -1,        1e-310,    1e18, -1e300, 90, std::numbers::pi / 2,
+                              kNaN, kInfinity, -kInfinity};
+    for (const double a : hostile) {
+        for (const double b : hostile) {
+            const auto zoom = static_cast<float>(std::fmax(-1e6, std::fmin(1e6, b)));
+            projection.setMapDimensions({a, b});
+            projection.setMapRotation(a);
+            projection.setMapViewingAngle(b);
+            projection.setInternalZoom(zoom);
+            projection.worldCoordinateFor({b, a});
+            projection.screenCoordinateFor({a, b});
+            projection.worldMapPoint({a, b}, {{a, b}, a, zoom, b, a});
+            projection.screenCoordinate({a, b}, {{a, b}, b, zoom, a, b});
+            projection.frame().seesGround({a, b});
+            const float fit = projection.zoomLevelToFit({a, b}, {b, a});
+            EXPECT_TRUE(fit >= 14.0F && fit <= 22.0F) << a << ' ' << b;
+        }
+    }
+}
+
+TEST_F(ProjectionTest, aRectangleAtTheZoomThatFitsItFillsTheViewOnATilePyramid) {
+    const Coordinate southWest{43.73, 7.41}, northEast{43.74, 7.43};
+    const float zoom = projection.zoomLevelToFit(southWest, northEast);
+    EXPECT_EQ(zoom,
+              projection.zoomLevelToFit({northEast.lat, southWest.lon}, {southWest.lat, northEast.lon}));
+    const WorldMapPoint a = GeoUtils::convertCoordinateToMap(southWest, zoom);
+    const WorldMapPoint b = GeoUtils::convertCoordinateToMap(northEast, zoom);
+    EXPECT_NEAR(std::max((b.x - a.x) / 800, (a.y - b.y) / 600), 1, 1e-5);
+    EXPECT_EQ(projection.zoomLevelToFit(kHarbour, kHarbour), 22.0F);
+    EXPECT_EQ(projection.zoomLevelToFit({-90, -180}, {90, 180}), 14.0F);
+    EXPECT_EQ(projection.zoomLevelToFit({kNaN, 0}, {1, 1}), 14.0F);
+}
+
+TEST_F(ProjectionTest, zoomsAreBroughtWithinTheUsersAndTheSupportedLimits) {
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(30), 23.0F);
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(3), 15.0F);
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(17.3F), 17.3F);
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(kFloatNaN), 15.0F);
+    ZoomLimits::setUserMax(20);
+    ZoomLimits::setUserMax(kFloatNaN);
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(30), 20.0F);
+    ZoomLimits::setUserMin(3);
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(3), 15.0F);
+    ZoomLimits::setUserMin(21);
+    EXPECT_EQ(CameraProjection::zoomLevelSanitised(18), 21.0F) << "a minimum above the maximum wins";
+}
+
+} // namespace
+} // namespace trelmix

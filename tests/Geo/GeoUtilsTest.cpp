@@ -1,0 +1,180 @@
+#include "Geo/GeoUtils.h"
+
+#include <Trelmix/TrelmixMapEngineGeoUtils.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <random>
+
+namespace trelmix {
+namespace {
+
+using std::numbers::pi;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+/// Longitude whose raw value, before it is brought back, is `raw`.
+double longitudeFromRaw(double raw) {
+    return GeoUtils::convertMapXToLong((raw + 180.0) / 360.0 * 256.0, 0.0F);
+}
+
+double foldedStepByStep(double longitude) {
+    while (longitude < -180.0)
+        longitude += 180.0;
+    while (longitude > 180.0)
+        longitude -= 180.0;
+    return longitude;
+}
+
+TEST(MapPlane, theWorldIsASquareOf256PointsAtZoomZero) {
+    EXPECT_DOUBLE_EQ(GeoUtils::convertLongToMapX(-180, 0), 0);
+    EXPECT_DOUBLE_EQ(GeoUtils::convertLongToMapX(0, 0), 128);
+    EXPECT_DOUBLE_EQ(GeoUtils::convertLongToMapX(180, 0), 256);
+    EXPECT_DOUBLE_EQ(GeoUtils::convertLatToMapY(0, 0), 128);
+    EXPECT_NEAR(GeoUtils::convertLatToMapY(85.05112877980659, 0), 0, 1e-9);
+    EXPECT_NEAR(GeoUtils::convertLatToMapY(-85.05112877980659, 0), 256, 1e-9);
+    EXPECT_DOUBLE_EQ(GeoUtils::convertLatToMapY(0, 22), 536870912);
+}
+
+TEST(MapPlane, coordinatesSurviveTheTripAtEveryZoom) {
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> latitude(-85, 85), longitude(-180, 180);
+    for (float zoom = -2; zoom <= 23; zoom += 0.37F) {
+        for (int i = 0; i < 50; ++i) {
+            const Coordinate place{latitude(random), longitude(random)};
+            const Coordinate back =
+                GeoUtils::convertMapToCoordinate(GeoUtils::convertCoordinateToMap(place, zoom), zoom);
+            EXPECT_NEAR(back.lat, place.lat, 1e-11);
+            EXPECT_NEAR(back.lon, place.lon, 1e-11);
+        }
+    }
+}
+
+TEST(MapPlane, theScenesShortcutsGiveTheSameBits) {
+    std::mt19937_64 random(2);
+    std::uniform_real_distribution<double> latitude(-90, 90), longitude(-400, 400);
+    for (int i = 0; i < 10000; ++i) {
+        const Coordinate place{latitude(random), longitude(random)};
+        const WorldMapPoint point = GeoUtils::scenePoint(place);
+        ASSERT_EQ(point, GeoUtils::convertCoordinateToMap(place, ZOOMLEVEL_MAX));
+        // The camera's formulas state the product of the two factors as one number.
+        ASSERT_EQ(point.x, (place.lon * DEG_TO_RAD_CONST + pi) * 170891318.8941079);
+        ASSERT_EQ(GeoUtils::coordinateOfScenePoint(point).lat, GeoUtils::convertMapYToLat(point.y, 22));
+        ASSERT_EQ(GeoUtils::coordinateOfScenePoint(point).lon, GeoUtils::convertMapXToLong(point.x, 22));
+    }
+}
+
+TEST(MapPlane, longitudesOutsideTheWorldComeBackByStepsOf180) {
+    EXPECT_EQ(GeoUtils::convertMapXToLong(512, 0), 180);
+    EXPECT_EQ(longitudeFromRaw(-540), -180);
+    EXPECT_NEAR(longitudeFromRaw(190), 10, 1e-12);
+    EXPECT_NEAR(longitudeFromRaw(-190), -10, 1e-12);
+    std::mt19937_64 random(3);
+    std::uniform_real_distribution<double> x(-3000, 3000);
+    for (int i = 0; i < 10000; ++i) {
+        const double mapX = x(random);
+        const double raw = mapX * HALF_DIM_PI_INV / DEG_TO_RAD_CONST - 180.0;
+        ASSERT_EQ(GeoUtils::convertMapXToLong(mapX, 0), foldedStepByStep(raw)) << mapX;
+    }
+}
+
+TEST(MapPlane, endlesslyDistantPointsNeitherHangNorLeaveTheWorld) {
+    for (const double x : {1e12, -1e15, 1e18, -1e300, std::numeric_limits<double>::max()}) {
+        const double longitude = GeoUtils::convertMapXToLong(x, 22);
+        EXPECT_GE(longitude, -180);
+        EXPECT_LE(longitude, 180);
+    }
+    for (const double x : {kInfinity, -kInfinity, kNaN})
+        EXPECT_TRUE(std::isnan(GeoUtils::convertMapXToLong(x, 0)));
+    EXPECT_TRUE(std::isnan(GeoUtils::convertMapXToLong(1, std::numeric_limits<float>::quiet_NaN())));
+}
+
+TEST(MapPlane, theEasternEdgeStaysInTheEastAtFractionalZooms) {
+    for (float zoom = 0; zoom <= 23; zoom += 0.01F) {
+        const double edge = 256.0 * std::exp2(static_cast<double>(zoom));
+        ASSERT_NEAR(GeoUtils::convertMapXToLong(edge, zoom), 180, 1e-12) << zoom;
+        ASSERT_NEAR(GeoUtils::convertMapXToLong(0, zoom), -180, 1e-12) << zoom;
+    }
+}
+
+TEST(Sphere, bearingsRunClockwiseFromNorth) {
+    const Coordinate origin;
+    EXPECT_DOUBLE_EQ(GeoUtils::bearing(origin, {1, 0}), 0);
+    EXPECT_DOUBLE_EQ(GeoUtils::bearing(origin, {0, 1}), pi / 2);
+    EXPECT_DOUBLE_EQ(GeoUtils::bearing(origin, {-1, 0}), pi);
+    EXPECT_DOUBLE_EQ(GeoUtils::bearing(origin, {0, -1}), 3 * pi / 2);
+    EXPECT_EQ(GeoUtils::bearing({48.3, 11.7}, {48.3, 11.7}), 0);
+    // An angle so little west of north that it rounds to the full circle must read 0.
+    EXPECT_EQ(GeoUtils::bearing(origin, {45, -1e-18}), 0);
+}
+
+TEST(Sphere, goingSomewhereArrivesAtThatDistanceInThatDirection) {
+    std::mt19937_64 random(4);
+    std::uniform_real_distribution<double> latitude(-89, 89), longitude(-180, 180), bearing(0, 2 * pi);
+    std::uniform_real_distribution<double> magnitude(0, 6);
+    for (int i = 0; i < 5000; ++i) {
+        const Coordinate from{latitude(random), longitude(random)};
+        const double heading = bearing(random);
+        const double distance = std::pow(10.0, magnitude(random));
+        const Coordinate to = GeoUtils::coordinate(from, heading, distance);
+        ASSERT_NEAR(GeoUtils::distanceBetween(from, to), distance, 1e-6 * distance + 1e-6);
+        ASSERT_NEAR(std::sin(GeoUtils::bearing(from, to) - heading), 0, 1e-5);
+        ASSERT_DOUBLE_EQ(GeoUtils::distanceBetween(from, to), GeoUtils::distanceBetween(to, from));
+    }
+}
+
+TEST(Sphere, polesAndAntipodesAreNumbers) {
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> latitude(-90, 90), longitude(-180, 180);
+    for (int i = 0; i < 5000; ++i) {
+        const Coordinate from{latitude(random), longitude(random)};
+        const Coordinate pole =
+            GeoUtils::coordinate(from, 0, (90 - from.lat) * DEG_TO_RAD_CONST * EARTH_RADIUS);
+        ASSERT_NEAR(pole.lat, 90, 1e-5);
+        const double across = GeoUtils::distanceBetween(from, {-from.lat, from.lon + 180});
+        ASSERT_NEAR(across, pi * EARTH_RADIUS, 1);
+    }
+}
+
+TEST(Sphere, scalesFollowTheLatitude) {
+    EXPECT_NEAR(GeoUtils::metersPerMapPoint(0, 22), 40041468.24594933 / 1073741824.0, 1e-15);
+    EXPECT_NEAR(GeoUtils::distanceBetween({0, 0}, {0, 1}), 111226.3, 0.05);
+    EXPECT_EQ(GeoUtils::distanceBetween({12, 34}, {12, 34}), 0);
+    for (const double latitude : {-80.0, -12.0, 0.0, 47.0, 85.0}) {
+        EXPECT_DOUBLE_EQ(
+            GeoUtils::mapPointsPerMeter(latitude, 17.5F) * GeoUtils::metersPerMapPoint(latitude, 17.5F), 1);
+        const double step = GeoUtils::distanceBetween({latitude, 0}, {latitude, 1e-4});
+        const double points = GeoUtils::convertLongToMapX(1e-4, 20) - GeoUtils::convertLongToMapX(0, 20);
+        EXPECT_NEAR(step / points, GeoUtils::metersPerMapPoint(latitude, 20), 1e-6);
+    }
+}
+
+TEST(Sphere, thePublicFaceGivesTheSameNumbers) {
+    const CLLocationCoordinate2D a{43.73, 7.42}, b{43.75, 7.40};
+    EXPECT_EQ(TrelmixMapEngineGeoUtils::getBearing(a, b),
+              GeoUtils::bearing(coordinateOf(a), coordinateOf(b)));
+    EXPECT_EQ(TrelmixMapEngineGeoUtils::getDistanceBetween(a, b),
+              GeoUtils::distanceBetween(coordinateOf(a), coordinateOf(b)));
+    EXPECT_EQ(TrelmixMapEngineGeoUtils::getCoordinate(a, 1, 500),
+              locationOf(GeoUtils::coordinate(coordinateOf(a), 1, 500)));
+}
+
+TEST(BoundingRectangle, holdsOnlyWhatLiesStrictlyInside) {
+    const std::array<WorldMapPoint, 3> corners{{{-10, 5}, {20, -5}, {0, 30}}};
+    EXPECT_TRUE(GeoUtils::mapPointInsideBoundingRectangle({19.9, 29.9}, corners));
+    EXPECT_FALSE(GeoUtils::mapPointInsideBoundingRectangle({20, 0}, corners));
+    EXPECT_FALSE(GeoUtils::mapPointInsideBoundingRectangle({0, -5}, corners));
+    EXPECT_FALSE(GeoUtils::mapPointInsideBoundingRectangle({kNaN, 0}, corners));
+    EXPECT_FALSE(GeoUtils::mapPointInsideBoundingRectangle({0, 0}, {}));
+    EXPECT_FALSE(GeoUtils::mapPointInsideBoundingRectangle({-10, 5}, std::span(corners).first(1)));
+    const std::array<WorldMapPoint, 3> broken{{{kNaN, -1}, {-1, kNaN}, {1, 1}}};
+    EXPECT_TRUE(GeoUtils::mapPointInsideBoundingRectangle({0, 0}, broken));
+}
+
+} // namespace
+} // namespace trelmix
