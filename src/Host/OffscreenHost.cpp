@@ -1,0 +1,99 @@
+#include <Trelmix/Host/OffscreenHost.h>
+
+#include "Host/HostedEngine.h"
+#include "Platform/Foundation/Clock.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Render/GLContext.h"
+#include "Platform/Render/Renderer.h"
+
+#include <cmath>
+
+namespace trelmix {
+
+namespace {
+
+using ImageResult = Result<std::shared_ptr<const UIImage>>;
+
+class SteppedHost final : public OffscreenHost {
+public:
+    SteppedHost(HostedEngine engine, std::unique_ptr<GLContext> context, Renderer::Options options)
+        : _engine(std::move(engine)), _context(std::move(context)) {
+        _context->makeCurrent();
+        _renderer = std::make_unique<Renderer>(_context->capabilities(), _context->graveyard(), options);
+    }
+
+    ~SteppedHost() override {
+        _context->makeCurrent();
+        _renderer.reset();
+    }
+
+    bool resize(double width, double height, double scale) override {
+        return _engine.resize(width, height, scale).empty();
+    }
+
+    void step(double seconds) override {
+        Clock::set(Clock::now() + (seconds > 0 && std::isfinite(seconds) ? seconds : 0.0));
+        const DrawFrame frame = _engine.nextFrame(Clock::now());
+        if (!_context->makeCurrent()) {
+            _failure = "the OpenGL ES context cannot be made current";
+            return;
+        }
+        const auto report = _renderer->draw(frame, _engine.pixelWidth(), _engine.pixelHeight());
+        _failure = report.reason();
+        _hasPicture = _hasPicture || report;
+        _drawCallCount = report ? report->drawCalls : 0;
+    }
+
+    bool pump() override { return RunLoop::main().pump(); }
+
+    ImageResult image() override {
+        if (!_hasPicture) {
+            return ImageResult::failure(_failure.empty() ? "no frame has been drawn yet" : _failure);
+        }
+        _context->makeCurrent();
+        return _renderer->readBack(_engine.scale());
+    }
+
+    int drawCallCount() const override { return _drawCallCount; }
+
+private:
+    HostedEngine _engine;
+    std::unique_ptr<GLContext> _context;
+    std::unique_ptr<Renderer> _renderer;
+    std::string _failure;
+    bool _hasPicture = false;
+    int _drawCallCount = 0;
+};
+
+} // namespace
+
+OffscreenHost::~OffscreenHost() = default;
+
+Result<std::unique_ptr<OffscreenHost>> OffscreenHost::make(std::shared_ptr<TrelmixMapEngine> engine,
+                                                           Options options) {
+    using HostResult = Result<std::unique_ptr<OffscreenHost>>;
+    auto hosted = HostedEngine::adopt(engine);
+    if (!hosted) {
+        return HostResult::failure(hosted.reason());
+    }
+    if (auto reason = hosted->resize(options.width, options.height, options.scale); !reason.empty()) {
+        return HostResult::failure(std::move(reason));
+    }
+    auto context = GLContext::makeOffscreen();
+    if (!context) {
+        return HostResult::failure(context.reason());
+    }
+    Clock::set(Clock::now());
+    Renderer::Options drawing;
+    drawing.samples = options.samples;
+    drawing.maximumTextureSize = options.maximumTextureSize;
+    std::unique_ptr<OffscreenHost> host =
+        std::make_unique<SteppedHost>(std::move(*hosted), std::move(*context), drawing);
+    return host;
+}
+
+bool OffscreenHost::isDriverMissing(const std::string& reason) {
+    return reason.ends_with(GLContext::missingDriverHint());
+}
+
+} // namespace trelmix
