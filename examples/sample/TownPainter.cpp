@@ -162,27 +162,31 @@ void TownPainter::paintSea(cairo_t* cr, const Area& sea, const Box& view) const 
     cairo_new_path(cr);
     trace(cr, sea.outline, true);
     cairo_clip(cr);
-    Path coast;
-    const auto flush = [&] {
-        if (coast.size() > 1)
-            for (const double width : {190.0, 110.0, 44.0})
-                stroke(cr, coast, false, {0xD3EAF4, 0.36}, width);
-        coast.clear();
-    };
+    // All pieces are one path: where two of them come near each other, a stroke must not count twice.
+    cairo_new_path(cr);
+    bool isRunning = false;
     const Box near = view.grownBy(220);
-    for (std::size_t i = 0; i + 1 < sea.outline.size(); ++i) {
+    for (std::size_t i = 1; i + 1 < sea.outline.size(); ++i) {
         Box leg;
         leg.add(sea.outline[i]);
         leg.add(sea.outline[i + 1]);
-        if (!leg.touches(near) || i == 0) {
-            flush();
+        if (!leg.touches(near)) {
+            isRunning = false;
             continue;
         }
-        if (coast.empty())
-            coast.push_back(sea.outline[i]);
-        coast.push_back(sea.outline[i + 1]);
+        if (!isRunning)
+            cairo_move_to(cr, sea.outline[i].x, sea.outline[i].y);
+        cairo_line_to(cr, sea.outline[i + 1].x, sea.outline[i + 1].y);
+        isRunning = true;
     }
-    flush();
+    setInk(cr, {0xD3EAF4, 0.36});
+    cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
+    cairo_set_line_cap(cr, CAIRO_LINE_CAP_ROUND);
+    for (const double width : {190.0, 110.0, 44.0}) {
+        cairo_set_line_width(cr, width);
+        cairo_stroke_preserve(cr);
+    }
+    cairo_new_path(cr);
     cairo_restore(cr);
     stroke(cr, sea.outline, true, {0x93BFD8}, std::max(0.6, 0.9 / scale));
 }

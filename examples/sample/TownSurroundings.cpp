@@ -138,7 +138,7 @@ void addCountryRoads(TownModel& model) {
 void addSurroundings(TownModel& model) {
     addFields(model);
     addForests(model);
-    model.addArea(AreaKind::Residential, townRectangle(-735, -760, 850, -20));
+    model.addArea(AreaKind::Residential, townRectangle(-735, -760, 850, 90));
     addVillage(model, -2350, -620, "Ostermoor", 11);
     addVillage(model, 2450, -430, "Klint", 12);
     addVillage(model, 1250, -1850, "Hollerup", 13);

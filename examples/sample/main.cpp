@@ -1,4 +1,6 @@
+#include "Icons.h"
 #include "SceneWriter.h"
+#include "ShipPainter.h"
 #include "TilePyramid.h"
 
 #include <cstdio>
@@ -12,10 +14,30 @@ using namespace trelmix::sample;
 /// More would only wait for each other on the machines this runs on.
 constexpr int kThreads = 2;
 
+std::string writePicture(const Canvas& canvas, const std::string& path) {
+    return canvas.writePng(path) ? "" : path + ": cannot be written";
+}
+
+std::string writeShip(const std::string& folder) {
+    std::string problem = writePicture(paintElevation(), folder + "/side/ship.png");
+    for (const Deck& deck : kDecks)
+        if (problem.empty())
+            problem =
+                writePicture(paintDeck(deck), folder + "/decks/deck" + std::to_string(deck.level) + ".png");
+    return problem;
+}
+
 std::string writeTown(const std::string& folder) {
+    std::error_code error;
+    for (const char* name : {"/icons", "/decks", "/side"})
+        std::filesystem::create_directories(folder + name, error);
     const TownModel model = TownModel::build();
     std::string problem =
         writeArchive(folder + "/harbour.mbtiles", "Trelhaven", townRanges(), paintTown(model, kThreads));
+    if (problem.empty())
+        problem = writeIcons(folder + "/icons");
+    if (problem.empty())
+        problem = writeShip(folder);
     if (problem.empty())
         problem = writeScenes(folder, model);
     return problem;
@@ -29,7 +51,7 @@ std::string writeCoded(const std::string& folder) {
 
 int main(int argc, char** argv) {
     const bool isCoded = argc == 3 && std::string_view(argv[1]) == "--coded";
-    if (!isCoded && (argc != 2 || argv[1][0] == '-')) {
+    if (!isCoded && (argc != 2 || argv[1][0] == '-' || argv[1][0] == '\0')) {
         std::fprintf(stderr, "usage: trelmix-sample [--coded] FOLDER\n");
         return 2;
     }
