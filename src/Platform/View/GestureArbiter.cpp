@@ -67,11 +67,11 @@ void GestureArbiter::touchBegan(std::uint64_t serial, CGPoint location, double t
 
 void GestureArbiter::touchesMoved(std::span<const Move> moves, double time) {
     for (const Recognizer& recognizer : participants()) {
-        bool isMoved = false;
+        bool isConcerned = false;
         for (const Move& move : moves) {
-            isMoved = recognizer->moveTouch(move.serial, move.location, time) || isMoved;
+            isConcerned = recognizer->moveTouch(move.serial, move.location, time) || isConcerned;
         }
-        if (isMoved && recognizer->isOpen()) {
+        if (isConcerned && recognizer->isOpen()) {
             recognizer->touchesMoved(time);
             recognizer->updateLocation();
         }
@@ -139,8 +139,8 @@ bool GestureArbiter::isAtRest() {
 
 void GestureArbiter::finishEvent() {
     const std::shared_ptr<GestureArbiter> self = shared_from_this();
-    withdrawDetached();
     do {
+        withdrawDetached();
         resolve();
     } while (sendActions());
     for (const Recognizer& recognizer : participants()) {

@@ -185,10 +185,9 @@ bool UIGestureRecognizer::moveTouch(std::uint64_t serial, CGPoint location, doub
     if (touch == _touches.end()) {
         return false;
     }
-    const bool isMoved = touch->location != location;
     touch->location = location;
     touch->time = time;
-    return isMoved;
+    return true;
 }
 
 void UIGestureRecognizer::endTouch(std::uint64_t serial, double time, bool isCancelled) {
