@@ -1,0 +1,108 @@
+#include "common/SceneContent.h"
+
+#include "common/Drawing.h"
+#include "common/Files.h"
+#include "common/Json.h"
+#include "common/MbtilesArchive.h"
+#include "common/TileDirectory.h"
+
+#include <filesystem>
+#include <map>
+
+namespace trelmix::apps {
+
+namespace {
+
+constexpr std::uint64_t kMaximumImageBytes = 256ULL << 20U;
+
+// "name@2x.png" has two pixels a point.
+double scaleOfImageName(const std::string& path) {
+    const std::string stem = std::filesystem::path(path).stem().string();
+    return stem.ends_with("@2x") ? 2 : stem.ends_with("@3x") ? 3 : 1;
+}
+
+/// Opens what the scene names; throws `JsonError` with the place in the scene.
+class Loader {
+public:
+    SceneContent load(const SceneFile& scene) {
+        SceneContent content;
+        std::vector<std::string> attributions;
+        for (const auto& tiles : scene.tiles) {
+            content.tiles.push_back(openTiles(tiles, placeOf("tiles", content.tiles.size())));
+            attributions.push_back(tiles.attribution.value_or(content.tiles.back()->store().attribution()));
+        }
+        for (const auto& plan : scene.levelPlans) {
+            const std::string place = placeOf("levelPlans", content.levelPlans.size());
+            content.levelPlans.push_back(image(plan.image, place + ".image"));
+            attributions.push_back(plan.attribution);
+        }
+        for (const auto& marker : scene.markers) {
+            const std::string place = placeOf("markers", content.markerIcons.size());
+            content.markerIcons.push_back(image(marker.icon, place + ".icon"));
+        }
+        for (const auto& geojson : scene.geojson) {
+            content.geojson.push_back(openGeoJson(geojson, placeOf("geojson", content.geojson.size())));
+            attributions.push_back(geojson.attribution.value_or(content.geojson.back().file.attribution));
+        }
+        content.attribution = joinedAttributions(attributions);
+        return content;
+    }
+
+private:
+    static std::string placeOf(const char* section, std::size_t index) {
+        return std::string(section) + "[" + std::to_string(index) + "]";
+    }
+
+    static std::shared_ptr<const TileSource> openTiles(const SceneTiles& tiles, const std::string& place) {
+        if (tiles.mbtiles.empty()) {
+            return std::make_shared<TileSource>(std::make_unique<TileDirectory>(tiles.directory));
+        }
+        auto archive = MbtilesArchive::open(tiles.mbtiles);
+        if (!archive) {
+            throw JsonError(place + ".mbtiles: " + archive.reason());
+        }
+        return std::make_shared<TileSource>(std::move(*archive));
+    }
+
+    // Overlays that name the same file share one image, and with it one texture.
+    std::shared_ptr<const UIImage> image(const std::string& path, const std::string& place) {
+        if (path.empty()) {
+            return nullptr;
+        }
+        auto& known = images[path];
+        if (!known) {
+            const auto bytes = loadFile(path, kMaximumImageBytes);
+            if (!bytes) {
+                throw JsonError(place + ": " + path + ": " + bytes.reason());
+            }
+            std::string reason;
+            known = UIImage::withData(*bytes, scaleOfImageName(path), &reason);
+            if (!known) {
+                throw JsonError(place + ": " + path + ": " + reason);
+            }
+        }
+        return known;
+    }
+
+    SceneGeoJsonContent openGeoJson(const SceneGeoJson& geojson, const std::string& place) {
+        auto file = readGeoJsonFile(geojson.file);
+        if (!file) {
+            throw JsonError(place + ".file: " + file.reason());
+        }
+        return {std::move(*file), image(geojson.icon, place + ".icon")};
+    }
+
+    std::map<std::string, std::shared_ptr<const UIImage>> images;
+};
+
+} // namespace
+
+Result<SceneContent> loadSceneContent(const SceneFile& scene, const std::string& scenePath) {
+    try {
+        return Loader().load(scene);
+    } catch (const JsonError& error) {
+        return Result<SceneContent>::failure(scenePath + ": " + error.what());
+    }
+}
+
+} // namespace trelmix::apps

@@ -1,0 +1,84 @@
+#include "trelmix/CommandLine.h"
+
+#include <charconv>
+#include <cmath>
+#include <iostream>
+#include <string_view>
+#include <vector>
+
+namespace trelmix::apps {
+
+namespace {
+
+/// Finite decimals with a separator between them, nothing else; empty when the text is not that.
+std::vector<double> numbersIn(std::string_view text, char separator) {
+    std::vector<double> numbers;
+    while (true) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        double number = 0;
+        const auto [stop, error] = std::from_chars(text.data(), text.data() + end, number);
+        if (error != std::errc() || stop != text.data() + end || !std::isfinite(number)) {
+            return {};
+        }
+        numbers.push_back(number);
+        if (end == text.size()) {
+            return numbers;
+        }
+        text.remove_prefix(end + 1);
+    }
+}
+
+std::string applySize(const ViewOptions& options, SceneView& view) {
+    if (!options.size.empty()) {
+        const auto numbers = numbersIn(options.size, 'x');
+        if (numbers.size() != 2) {
+            return "--size " + options.size + ": must be a width and a height in points, like 800x600";
+        }
+        view.width = numbers[0];
+        view.height = numbers[1];
+    }
+    view.scale = options.scale.value_or(view.scale);
+    const std::string fault = faultOfViewSize(view.width, view.height, view.scale);
+    return fault.empty() ? fault : "--size and --scale: " + fault;
+}
+
+std::string applyCamera(const ViewOptions& options, std::optional<SceneCamera>& camera) {
+    if (options.camera.empty()) {
+        return {};
+    }
+    const auto numbers = numbersIn(options.camera, ',');
+    if (numbers.size() != 5) {
+        return "--camera " + options.camera + ": must be LAT,LON,ZOOM,ROTATION,ANGLE";
+    }
+    camera = SceneCamera{{numbers[0], numbers[1]}, numbers[2], numbers[3], numbers[4]};
+    const std::string fault = faultOfCamera(*camera);
+    return fault.empty() ? fault : "--camera " + options.camera + ": " + fault;
+}
+
+} // namespace
+
+Result<SceneFile> readScene(const ViewOptions& options) {
+    auto scene = readSceneFile(options.sceneFile);
+    if (!scene) {
+        return scene;
+    }
+    std::string fault = applySize(options, scene->view);
+    if (fault.empty()) {
+        fault = applyCamera(options, scene->camera);
+    }
+    return fault.empty() ? std::move(scene) : Result<SceneFile>::failure(fault);
+}
+
+ExitCode complain(const std::string& message, ExitCode code) {
+    std::string line = "trelmix: " + message;
+    for (char& c : line) {
+        // File names and texts from files must not steer the terminal or break the line.
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
+            c = '?';
+        }
+    }
+    std::cerr << line << std::endl;
+    return code;
+}
+
+} // namespace trelmix::apps
