@@ -50,7 +50,7 @@ TEST(CameraFitting, placesFillTheViewUpToTheMargin) {
         EXPECT_NEAR(margins[0], margins[1], 1e-4) << "centred along the side that decides";
         EXPECT_NEAR(margins[2], margins[3], 1e-4) << "and along the other";
         if (camera->zoom() > 15.0F) {
-            EXPECT_GE(margins[0], 0.05 - 1e-5);
+            EXPECT_GE(margins[0], 0.05 - 1e-8);
             EXPECT_LE(margins[0], 0.05 + 1e-4);
         }
     }
