@@ -54,6 +54,8 @@ struct WorkerPool::State {
             dropped.swap(jobs);
         }
         wake.notify_all();
+        // Before the join: a job that runs may wait for what those that were dropped hold.
+        dropped.clear();
         for (std::thread& thread : threads) {
             // The last reference to a pool may fall inside one of its own jobs: that thread cannot join
             // itself.

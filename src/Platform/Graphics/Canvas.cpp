@@ -41,9 +41,13 @@ struct ReleaseCairo {
 template <class T>
 using Cairo = std::unique_ptr<T, ReleaseCairo>;
 
-bool isUsable(CGRect rect) {
+bool isFinite(CGRect rect) {
     return std::isfinite(rect.origin.x) && std::isfinite(rect.origin.y) && std::isfinite(rect.size.width) &&
-           std::isfinite(rect.size.height) && rect.size.width > 0 && rect.size.height > 0;
+           std::isfinite(rect.size.height);
+}
+
+bool isUsable(CGRect rect) {
+    return isFinite(rect) && rect.size.width > 0 && rect.size.height > 0;
 }
 
 Cairo<cairo_surface_t> surfaceOn(std::uint8_t* pixels, int width, int height) {
@@ -356,7 +360,7 @@ void Canvas::rotate(double radians) {
 }
 
 void Canvas::clipRect(CGRect rect) {
-    if (!_surface) {
+    if (!_surface || !isFinite(rect)) {
         return;
     }
     cairo_t* const context = _surface->context.get();

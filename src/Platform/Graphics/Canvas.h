@@ -64,6 +64,7 @@ public:
     void scale(double x, double y);
     /// @param radians clockwise on screen.
     void rotate(double radians);
+    /// Limits what follows to the rectangle; one without area leaves nothing.
     void clipRect(CGRect rect);
 
 private:

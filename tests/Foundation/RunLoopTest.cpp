@@ -1,0 +1,220 @@
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/CallerFault.h"
+#include "Platform/Foundation/Clock.h"
+#include "Platform/Foundation/Thread.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace trelmix {
+namespace {
+
+std::atomic<int> faultCount{0};
+
+class RunLoopTest : public testing::Test {
+protected:
+    void SetUp() override {
+        Thread::becomeMainThread();
+        RunLoop::main().reset();
+        Clock::reset();
+        Clock::set(2000);
+        faultCount = 0;
+        setCallerFaultHandler([](const char*) { ++faultCount; });
+    }
+    void TearDown() override {
+        RunLoop::main().reset();
+        Clock::reset();
+        setCallerFaultHandler(nullptr);
+    }
+
+    std::string story;
+    std::function<void()> tell(char letter) {
+        return [this, letter] { story += letter; };
+    }
+    std::shared_ptr<Timer> timer(double interval, char letter, bool repeats = false) {
+        return Timer::scheduledTimer(interval, repeats, tell(letter));
+    }
+};
+
+TEST(Clock, isSetForwardOnlyAndGoesOnFromThere) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    Clock::reset();
+    EXPECT_GE(Clock::now(), 1000);
+    Clock::set(5000);
+    for (const double refused : {4999.0, kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
+        Clock::set(refused);
+        EXPECT_EQ(Clock::now(), 5000);
+    }
+    Clock::run();
+    const double first = Clock::now();
+    EXPECT_GE(first, 5000);
+    EXPECT_GE(Clock::now(), first);
+    Clock::reset();
+    EXPECT_LT(Clock::now(), 5000);
+}
+
+TEST_F(RunLoopTest, aBlockThatQueuesItselfStarvesNeitherTimersNorThePump) {
+    std::function<void()> again = [&] {
+        story += 'b';
+        DispatchQueue::main().async(again);
+    };
+    DispatchQueue::main().async(again);
+    const auto due = timer(1, 't');
+    Clock::set(2001);
+    EXPECT_TRUE(RunLoop::main().pump());
+    EXPECT_EQ(story, "bt");
+    RunLoop::main().drain(3);
+    EXPECT_EQ(story, "btbbb");
+}
+
+TEST_F(RunLoopTest, timersFireInTheOrderOfTheirTimesAndNotBefore) {
+    const std::vector<std::shared_ptr<Timer>> timers{timer(3, 'd'), timer(1, 'a'), timer(2, 'b'),
+                                                     timer(2, 'c'), timer(9, 'z')};
+    Clock::set(2000.999);
+    EXPECT_FALSE(RunLoop::main().pump());
+    Clock::set(2003);
+    EXPECT_TRUE(RunLoop::main().pump());
+    EXPECT_EQ(story, "abcd");
+    EXPECT_FALSE(timers[0]->isValid());
+    EXPECT_TRUE(timers[4]->isValid());
+}
+
+TEST_F(RunLoopTest, aTimerInvalidatedByAnotherInTheSamePassDoesNotFire) {
+    const auto second = timer(2, 'x');
+    const auto first = Timer::scheduledTimer(1, false, [&] { second->invalidate(); });
+    Clock::set(2005);
+    RunLoop::main().drain();
+    EXPECT_EQ(story, "");
+    EXPECT_FALSE(second->isValid());
+}
+
+TEST_F(RunLoopTest, aRepeatingTimerThatWasLateFiresOnceAndKeepsItsRhythm) {
+    const auto repeating = timer(0.5, 'r', true);
+    Clock::set(2001.75);
+    RunLoop::main().drain();
+    EXPECT_EQ(story, "r");
+    EXPECT_DOUBLE_EQ(repeating->fireTime(), 2002.0);
+    repeating->invalidate();
+    Clock::set(2010);
+    RunLoop::main().drain();
+    EXPECT_EQ(story, "r");
+}
+
+TEST_F(RunLoopTest, oddIntervalsNeverHangThePump) {
+    const double oddIntervals[] = {
+        0,    -5, std::numeric_limits<double>::quiet_NaN(), 1e-300, std::numeric_limits<double>::infinity(),
+        1e300};
+    std::vector<std::shared_ptr<Timer>> timers;
+    for (const double interval : oddIntervals) {
+        timers.push_back(timer(interval, 'o', true));
+    }
+    Clock::set(1e9);
+    RunLoop::main().drain();
+    EXPECT_EQ(story, "oooo");
+}
+
+TEST_F(RunLoopTest, aTimerMayDropItselfFromItsOwnBlock) {
+    struct Target {
+        std::shared_ptr<Timer> timer;
+        int* counter = nullptr;
+    };
+    int count = 0;
+    auto target = std::make_shared<Target>();
+    target->counter = &count;
+    target->timer = Timer::scheduledTimer(1, true, [target]() mutable {
+        const std::shared_ptr<Timer> own = std::move(target->timer);
+        own->invalidate();
+        ++*target->counter;
+    });
+    const std::weak_ptr<Target> watcher = target;
+    target.reset();
+    Clock::set(2001);
+    RunLoop::main().drain();
+    EXPECT_EQ(count, 1);
+    EXPECT_TRUE(watcher.expired());
+}
+
+TEST_F(RunLoopTest, blocksAndTimersThatThrowAreReportedAndTheOthersStillRun) {
+    DispatchQueue::main().async([] { throw std::runtime_error("from a block"); });
+    DispatchQueue::main().async(tell('b'));
+    const auto throwing = Timer::scheduledTimer(1, false, [] { throw 7; });
+    const auto after = timer(2, 't');
+    Clock::set(2002);
+    RunLoop::main().pump();
+    EXPECT_EQ(story, "bt");
+    EXPECT_EQ(faultCount, 2);
+}
+
+TEST_F(RunLoopTest, nestedPumpsAndPumpsOnOtherThreadsDoNothing) {
+    DispatchQueue::main().async([this] { story += RunLoop::main().pump() ? 'x' : 'n'; });
+    DispatchQueue::main().async(tell('b'));
+    bool ranElsewhere = true;
+    std::thread([&] { ranElsewhere = RunLoop::main().pump(); }).join();
+    EXPECT_FALSE(ranElsewhere);
+    EXPECT_EQ(faultCount, 1);
+    RunLoop::main().pump();
+    EXPECT_EQ(story, "nb");
+}
+
+TEST_F(RunLoopTest, aResetInsideABlockDropsTheRestOfThePass) {
+    DispatchQueue::main().async([this] {
+        RunLoop::main().reset();
+        DispatchQueue::main().async(tell('n'));
+    });
+    DispatchQueue::main().async(tell('x'));
+    const auto dropped = timer(1, 't');
+    Clock::set(2001);
+    RunLoop::main().pump();
+    EXPECT_EQ(story, "");
+    EXPECT_FALSE(dropped->isValid());
+    RunLoop::main().pump();
+    EXPECT_EQ(story, "n");
+}
+
+TEST_F(RunLoopTest, waitingEndsWithABlockFromAnotherThreadAndWithATimer) {
+    std::thread other([this] { DispatchQueue::main().async(tell('b')); });
+    RunLoop::main().wait(60);
+    EXPECT_FALSE(DispatchQueue::main().isEmpty());
+    RunLoop::main().pump();
+    other.join();
+    Clock::run();
+    const auto soon = timer(0.001, 't');
+    RunLoop::main().wait(60);
+    RunLoop::main().pump();
+    EXPECT_EQ(story, "bt");
+    RunLoop::main().wait(std::numeric_limits<double>::quiet_NaN());
+    RunLoop::main().wait(-1);
+}
+
+TEST_F(RunLoopTest, everyBlockFromManyThreadsRunsOnceOnTheMainThread) {
+    constexpr int kThreads = 4;
+    constexpr int kBlocks = 500;
+    int count = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&count] {
+            for (int k = 0; k < kBlocks; ++k) {
+                DispatchQueue::main().async([&count] { count += Thread::isMainThread() ? 1 : 0; });
+                const auto dropped = Timer::scheduledTimer(0, true, [] {});
+                dropped->invalidate();
+            }
+        });
+    }
+    while (count < kThreads * kBlocks) {
+        RunLoop::main().wait(60);
+        RunLoop::main().pump();
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(count, kThreads * kBlocks);
+}
+
+} // namespace
+} // namespace trelmix
