@@ -21,13 +21,17 @@ DrawCamera SCNView::drawCamera() const {
     return camera;
 }
 
-std::vector<SCNHitTestResult> SCNView::hitTest(CGPoint point, bool boxesOnly) const {
+std::optional<SceneRay> SCNView::rayThrough(CGPoint point) const {
     const CGSize size = frame().size;
-    if (!_scene || !std::isfinite(point.x) || !std::isfinite(point.y) || size.width <= 0 ||
-        size.height <= 0) {
-        return {};
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || size.width <= 0 || size.height <= 0) {
+        return std::nullopt;
     }
-    return hitTestScene(*_scene, SceneRay::through(point, size, drawCamera()), boxesOnly);
+    return SceneRay::through(point, size, drawCamera());
+}
+
+std::vector<SCNHitTestResult> SCNView::hitTest(CGPoint point, bool boxesOnly) const {
+    const auto ray = rayThrough(point);
+    return ray && _scene ? hitTestScene(*_scene, *ray, boxesOnly) : std::vector<SCNHitTestResult>{};
 }
 
 DrawFrame SCNView::nextFrame(double time) {

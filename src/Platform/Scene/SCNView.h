@@ -7,6 +7,7 @@
 #include <Trelmix/Platform/UIView.h>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace trelmix {
@@ -46,6 +47,9 @@ public:
     /// Takes the scene lock for it; any one thread at a time. The same list while nothing changed.
     DrawFrame nextFrame(double time);
 
+    /// From the camera through a point of the view; empty for an empty view and a point that is not finite.
+    /// Needs the scene lock.
+    std::optional<SceneRay> rayThrough(CGPoint point) const;
     /// Every visible node under a point of the view, nearest first; see `hitTestScene`. Needs the scene lock.
     std::vector<SCNHitTestResult> hitTest(CGPoint point, bool boxesOnly) const;
 

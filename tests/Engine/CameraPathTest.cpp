@@ -1,0 +1,220 @@
+#include "support/DelegateLog.h"
+#include "support/EngineFixture.h"
+
+#include <cmath>
+#include <limits>
+
+namespace trelmix {
+namespace {
+
+constexpr CLLocationCoordinate2D kPlace{54.35, 11.2};
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+using Calls = std::vector<std::string>;
+
+class CameraPath : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->setDelegate(log);
+    }
+    void start(float zoom = 17) {
+        engine->initialiseWithTarget(kPlace, zoom);
+        step();
+        log->calls.clear();
+        log->records.clear();
+    }
+    static std::shared_ptr<TrelmixMapEngineCamera> record(CLLocationCoordinate2D target, double rotation,
+                                                          double tilt, float zoom) {
+        return std::make_shared<TrelmixMapEngineCamera>(target, rotation, tilt, zoom);
+    }
+    std::shared_ptr<DelegateLog> log = std::make_shared<DelegateLog>();
+};
+
+TEST_F(CameraPath, beforeTheFirstCameraThereIsNoneAndOnlyAWholeRecordMakesOne) {
+    EXPECT_FALSE(engine->camera());
+    EXPECT_FALSE(engine->projection());
+    engine->setCamera(10, 20, 17, false);
+    EXPECT_FALSE(engine->camera());
+    engine->setCamera(record(kPlace, 10, 20, 17), false);
+    ASSERT_TRUE(engine->camera());
+    EXPECT_NEAR(engine->camera()->rotation(), 10, 1e-5);
+    EXPECT_NE(engine->camera(), engine->camera());
+    step();
+}
+
+TEST_F(CameraPath, zoomAndTiltAreLimitedToWhatIsSupported) {
+    start(30);
+    EXPECT_EQ(engine->camera()->zoom(), 23.0F);
+    engine->setCamera(0, 80, 3, false);
+    EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-4);
+    EXPECT_EQ(engine->camera()->zoom(), 15.0F);
+    engine->setCamera(0, -10, 17, false);
+    EXPECT_EQ(engine->camera()->viewingAngle(), 0);
+    engine->setCamera(0, kNaN, 17, false);
+    EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-4);
+    engine->setMinZoom(5);
+    engine->setMaxZoom(20);
+    auto other = makeEngine();
+    other->initialiseWithTarget(kPlace, 30);
+    EXPECT_EQ(other->camera()->zoom(), 20.0F);
+    step();
+}
+
+TEST_F(CameraPath, numbersThatAreNotFiniteLeaveTheCameraAsItWas) {
+    start();
+    const auto before = engine->camera();
+    const double inf = std::numeric_limits<double>::infinity();
+    engine->setCamera(record({kNaN, 11}, 0, 0, 17), false);
+    engine->setCamera(record({-90, 11}, 0, 0, 17), false);
+    engine->setCamera(record(kPlace, inf, 0, 18), false);
+    engine->setCamera(record(kPlace, 0, 0, static_cast<float>(kNaN)), true);
+    engine->setCamera(nullptr, false);
+    step(0.5);
+    EXPECT_EQ(engine->camera()->target(), before->target());
+    EXPECT_EQ(engine->camera()->zoom(), before->zoom());
+    EXPECT_TRUE(log->calls.empty());
+}
+
+TEST_F(CameraPath, aSetterReportsRestAfterTheCurrentEventWithEqualRecords) {
+    start();
+    engine->setCamera(30, 20, 18, false);
+    EXPECT_EQ(log->calls, Calls{"willMove"});
+    RunLoop::main().pump();
+    EXPECT_EQ(log->calls, (Calls{"willMove", "didChange", "idle"}));
+    EXPECT_EQ(log->records[0], log->records[1]);
+    EXPECT_NEAR(log->records[0]->rotation(), 30, 1e-5);
+}
+
+TEST_F(CameraPath, anAnimationRunsTheShortWayInAFifthOfASecondAndThenReports) {
+    start();
+    engine->setCamera(170, 0, 17, false);
+    step();
+    log->calls.clear();
+    engine->setCamera(-170, 40, 18, true);
+    EXPECT_EQ(log->calls, Calls{"willMove"});
+    EXPECT_NEAR(engine->camera()->zoom(), 17, 1e-5);
+    step(0.1);
+    EXPECT_NEAR(engine->camera()->zoom(), 17.5, 1e-3);
+    // Halfway between 170 and 190: 180, seen by the camera node as minus that.
+    EXPECT_NEAR(std::abs(lastFrame.camera.eulerAngles.z), 3.14159, 1e-3);
+    EXPECT_EQ(log->calls, Calls{"willMove"});
+    step(0.1);
+    step();
+    EXPECT_EQ(log->calls, (Calls{"willMove", "didChange", "idle"}));
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 18);
+}
+
+TEST_F(CameraPath, aNewChangeEndsARunningAnimationWhichThenReportsNothing) {
+    start();
+    engine->setCamera(0, 0, 20, true);
+    step(0.1);
+    engine->setCamera(0, 0, 16, true);
+    step(0.15);
+    EXPECT_EQ(log->count("idle"), 0U);
+    step(0.1);
+    step(0.5);
+    EXPECT_EQ(log->count("idle"), 1U);
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 16);
+}
+
+TEST_F(CameraPath, theFirstCameraOfAllIsInPlaceAtOnceEvenWhenAnimated) {
+    engine->setCamera(record(kPlace, 45, 30, 19), true);
+    step(0.05);
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 19);
+    EXPECT_NEAR(lastFrame.camera.eulerAngles.x, 30 * 3.14159265 / 180, 1e-5);
+    EXPECT_EQ(log->count("idle"), 0U);
+    step(0.2);
+    step();
+    EXPECT_EQ(log->count("idle"), 1U);
+}
+
+TEST_F(CameraPath, gestureStepsShareOneReportAFewHundredthsAfterTheLast) {
+    start();
+    for (int i = 0; i < 10; ++i) {
+        auto change = engine->currentCamera();
+        change.zoom += 0.1F;
+        change.fromGesture = true;
+        engine->internalSetCamera(change);
+        step(0.02);
+    }
+    EXPECT_EQ(log->count("willMove(gesture)"), 10U);
+    EXPECT_EQ(log->count("idle"), 0U);
+    step(0.05);
+    step();
+    EXPECT_EQ(log->count("idle"), 1U);
+}
+
+TEST_F(CameraPath, aDelegateThatSetsACameraWhileItHearsOfOneWins) {
+    start();
+    log->onWillMove = [this] {
+        log->onWillMove = nullptr;
+        engine->setCamera(record({54.36, 11.21}, 90, 0, 19), false);
+    };
+    engine->setCamera(record(kPlace, 0, 0, 16), false);
+    step();
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 19);
+    EXPECT_NEAR(engine->camera()->target().latitude, 54.36, 1e-9);
+    EXPECT_EQ(log->count("idle"), 1U);
+}
+
+TEST_F(CameraPath, aDelegateThatAlwaysSetsACameraNeitherOverflowsTheStackNorStarvesTheLoop) {
+    start();
+    log->onWillMove = [this] { engine->setCamera(1, 0, 17, false); };
+    engine->setCamera(0, 0, 16, false);
+    log->onWillMove = nullptr;
+    log->onIdle = [this] { engine->setCamera(2, 0, 17, false); };
+    step();
+    EXPECT_LT(log->calls.size(), 50U);
+    log->onIdle = nullptr;
+    step();
+    step();
+}
+
+TEST_F(CameraPath, anEngineDestroyedInsideItsDelegateIsGoneQuietly) {
+    start();
+    log->onWillMove = [this] { engine.reset(); };
+    engine->setCamera(0, 0, 16, true);
+    RunLoop::main().drain();
+    EXPECT_EQ(log->count("idle"), 0U);
+    engine = makeEngine();
+}
+
+TEST_F(CameraPath, boundsHoldTheTargetAndOneInvalidCornerSwitchesThemOff) {
+    start();
+    engine->setCameraTargetBoundsNorthEast({54.36, 11.22});
+    engine->setCamera(record({60, 11.2}, 0, 0, 17), false);
+    EXPECT_NEAR(engine->camera()->target().latitude, 60, 1e-9);
+    engine->setCameraTargetBoundsSouthWest({54.34, 11.18});
+    engine->setCamera(record({60, 11.2}, 0, 0, 17), false);
+    EXPECT_NEAR(engine->camera()->target().latitude, 54.36, 1e-9);
+    EXPECT_NEAR(engine->camera()->target().longitude, 11.2, 1e-9);
+    step();
+}
+
+TEST_F(CameraPath, theSceneShowsTheCameraWhereTheProjectionSaysItIs) {
+    start();
+    engine->setCamera(record({54.4, 11.4}, 37, 50, 21), false);
+    step();
+    const auto& p = *engine->cameraProjection();
+    const WorldMapPoint ground = p.worldMapPoint(ScreenPoint{200, 450});
+    const WorldMapPoint origin = p.initialMapPoint();
+    const Matrix4d clip = lastFrame.camera.clipFromScene({0, 0, 0}, 800.0 / 600.0);
+    const double scene[3] = {ground.x - origin.x, -(ground.y - origin.y), 0};
+    double out[4] = {0, 0, 0, 0};
+    for (std::size_t row = 0; row < 4; ++row) {
+        out[row] = clip.m[row] * scene[0] + clip.m[4 + row] * scene[1] + clip.m[8 + row] * scene[2] +
+                   clip.m[12 + row];
+    }
+    EXPECT_NEAR((out[0] / out[3] + 1) * 400, 200, 1e-4);
+    EXPECT_NEAR((1 - out[1] / out[3]) * 300, 450, 1e-4);
+}
+
+TEST_F(CameraPath, theMapIsInvisibleUntilItsFirstFrame) {
+    EXPECT_EQ(engine->sceneView()->alpha(), 0);
+    step();
+    EXPECT_EQ(engine->sceneView()->alpha(), 1);
+}
+
+} // namespace
+} // namespace trelmix

@@ -1,0 +1,100 @@
+#include "support/DelegateLog.h"
+#include "support/EngineFixture.h"
+
+#include "SceneKit/MapTileNode.h"
+
+#include <limits>
+#include <thread>
+
+namespace trelmix {
+namespace {
+
+class OverlayBase : public EngineFixture {
+protected:
+    std::shared_ptr<MapTileNode> overlay = MapTileNode::make();
+};
+
+TEST_F(OverlayBase, theFirstOverlayOfAnEngineChoosesItsCameraAndALaterStartOnlyNotesItsValues) {
+    overlay->setMap(engine);
+    ASSERT_TRUE(engine->camera());
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 18.5F);
+    EXPECT_NEAR(engine->camera()->target().latitude, 0, 1e-9);
+    engine->initialiseWithTarget({54, 11}, 16);
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 18.5F);
+    auto second = makeEngine();
+    second->initialiseWithTarget({54, 11}, 16);
+    MapTileNode::make()->setMap(second);
+    EXPECT_FLOAT_EQ(second->camera()->zoom(), 16);
+}
+
+TEST_F(OverlayBase, drawingOrderFollowsTheIndexWithTheNextFrameAndSaturates) {
+    engine->initialiseWithTarget({54, 11}, 16);
+    overlay->setMap(engine);
+    overlay->setZIndex(5);
+    EXPECT_EQ(overlay->renderingOrder(), 0);
+    step();
+    EXPECT_EQ(overlay->renderingOrder(), -95);
+    overlay->setZIndex(std::numeric_limits<std::int64_t>::min() + 7);
+    step();
+    EXPECT_EQ(overlay->renderingOrder(), std::numeric_limits<std::int64_t>::min());
+}
+
+TEST_F(OverlayBase, takenOffTheMapItLosesItsSetUpAndUserDataAndCanComeBack) {
+    engine->initialiseWithTarget({54, 11}, 16);
+    overlay->setUserInfo(42);
+    overlay->setMap(engine);
+    EXPECT_EQ(std::any_cast<int>(overlay->userInfo()), 42);
+    overlay->setMap(nullptr);
+    EXPECT_FALSE(overlay->cameraProjection());
+    EXPECT_FALSE(overlay->scene());
+    EXPECT_FALSE(overlay->userInfo().has_value());
+    overlay->setMap(engine);
+    EXPECT_TRUE(overlay->scene());
+}
+
+TEST_F(OverlayBase, movedToAnotherEngineItTakesThatOnesOrigin) {
+    engine->initialiseWithTarget({54, 11}, 16);
+    overlay->setMap(engine);
+    auto second = makeEngine();
+    second->initialiseWithTarget({10, 20}, 16);
+    overlay->setMap(second);
+    EXPECT_EQ(overlay->cameraProjection(), second->cameraProjection());
+    EXPECT_EQ(overlay->scene(), second->defaultScene().get());
+    second.reset();
+    EXPECT_FALSE(overlay->map());
+    EXPECT_FALSE(overlay->cameraProjection());
+}
+
+TEST_F(OverlayBase, theSceneKeepsAnOverlayThatTheApplicationLetsGo) {
+    engine->initialiseWithTarget({54, 11}, 16);
+    const std::weak_ptr<MapTileNode> weak = overlay;
+    overlay->setMap(engine);
+    overlay.reset();
+    EXPECT_FALSE(weak.expired());
+    engine = makeEngine();
+    EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(OverlayBase, callsFromAnotherThreadAreReportedAndIgnored) {
+    engine->initialiseWithTarget({54, 11}, 16);
+    std::thread([this] {
+        overlay->setMap(engine);
+        engine->setCamera(0, 0, 20, false);
+    }).join();
+    EXPECT_EQ(takeFaults().size(), 2U);
+    EXPECT_FALSE(overlay->scene());
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 16);
+}
+
+TEST_F(OverlayBase, anEngineWhoseLastReferenceFallsElsewhereIsDestroyedByTheMainQueue) {
+    engine->initialiseWithTarget({54, 11}, 16);
+    overlay->setMap(engine);
+    std::thread([last = std::move(engine)]() mutable { last.reset(); }).join();
+    EXPECT_TRUE(overlay->cameraProjection());
+    RunLoop::main().pump();
+    EXPECT_FALSE(overlay->cameraProjection());
+    engine = makeEngine();
+}
+
+} // namespace
+} // namespace trelmix
