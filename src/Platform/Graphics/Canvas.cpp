@@ -102,10 +102,13 @@ void addPath(cairo_t* context, const UIBezierPath& path) {
     }
 }
 
-bool isInvertible(cairo_matrix_t matrix) {
+/// False for what has no inverse in Cairo's numbers, after which it would draw nothing ever again.
+bool isInvertible(const cairo_matrix_t& matrix) {
+    constexpr double kLargest = 1e12;
     const double numbers[] = {matrix.xx, matrix.yx, matrix.xy, matrix.yy, matrix.x0, matrix.y0};
-    return std::all_of(std::begin(numbers), std::end(numbers), [](double n) { return std::isfinite(n); }) &&
-           cairo_matrix_invert(&matrix) == CAIRO_STATUS_SUCCESS;
+    return std::all_of(std::begin(numbers), std::end(numbers),
+                       [](double n) { return std::abs(n) < kLargest; }) &&
+           std::abs(matrix.xx * matrix.yy - matrix.xy * matrix.yx) > 1 / (kLargest * kLargest);
 }
 
 /// Applies one change unless it would leave a matrix without inverse, after which Cairo draws nothing ever

@@ -51,6 +51,26 @@ Decoded pngFailure(int error) {
     return Decoded::failure(std::string("the PNG is damaged: ") + spng_strerror(error));
 }
 
+/// True when every chunk up to the end mark is there in full length. The library stops before that mark.
+bool hasAllChunks(Bytes data) {
+    constexpr std::size_t kSignature = 8;
+    constexpr std::size_t kAroundContent = 12;
+    std::size_t at = kSignature;
+    while (data.size() - at >= kAroundContent) {
+        const std::uint8_t* chunk = bytesOf(data) + at;
+        const std::size_t length = std::size_t{chunk[0]} << 24 | std::size_t{chunk[1]} << 16 |
+                                   std::size_t{chunk[2]} << 8 | std::size_t{chunk[3]};
+        if (data.size() - at - kAroundContent < length) {
+            return false;
+        }
+        if (startsWith(data, "IEND", at + 4)) {
+            return true;
+        }
+        at += kAroundContent + length;
+    }
+    return false;
+}
+
 Decoded decodePng(Bytes data) {
     const std::unique_ptr<spng_ctx, decltype(&spng_ctx_free)> context(spng_ctx_new(0), &spng_ctx_free);
     if (!context) {
@@ -71,16 +91,13 @@ Decoded decodePng(Bytes data) {
     if (std::string fault = sizeFault(width, height); !fault.empty()) {
         return Decoded::failure(std::move(fault));
     }
-    if (width * height * header.bit_depth > static_cast<std::int64_t>(data.size()) * kMostPixelBitsPerByte) {
+    if (!hasAllChunks(data) ||
+        width * height * header.bit_depth > static_cast<std::int64_t>(data.size()) * kMostPixelBitsPerByte) {
         return Decoded::failure("the PNG is cut short");
     }
     DecodedImage image = emptyImage(static_cast<int>(width), static_cast<int>(height));
     if (const int error = spng_decode_image(context.get(), image.pixels.data(), image.pixels.size(),
                                             SPNG_FMT_RGBA8, SPNG_DECODE_TRNS)) {
-        return pngFailure(error);
-    }
-    // Reads on to the end mark: a file that stops before it was cut.
-    if (const int error = spng_decode_chunks(context.get())) {
         return pngFailure(error);
     }
     premultiply(image.pixels);

@@ -1,0 +1,187 @@
+#include "Platform/Graphics/Canvas.h"
+#include "Platform/Graphics/UIBezierPath.h"
+
+#include <Trelmix/Platform/UIImage.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace trelmix {
+namespace {
+
+using Pixel = std::array<int, 4>;
+
+Pixel pixelAt(const UIImage& image, int x, int y) {
+    const auto p = image.pixels().subspan(static_cast<std::size_t>(y * image.pixelWidth() + x) * 4, 4);
+    return {p[0], p[1], p[2], p[3]};
+}
+
+constexpr Pixel kRed{255, 0, 0, 255};
+constexpr Pixel kBlue{0, 0, 255, 255};
+constexpr Pixel kWhite{255, 255, 255, 255};
+constexpr Pixel kNothing{0, 0, 0, 0};
+
+int inkCount(const UIImage& image, Pixel paper) {
+    int count = 0;
+    for (int i = 0; i < image.pixelWidth() * image.pixelHeight(); ++i) {
+        count += pixelAt(image, i % image.pixelWidth(), i / image.pixelWidth()) == paper ? 0 : 1;
+    }
+    return count;
+}
+
+TEST(Canvas, coloursArriveInTheImagesOrderAndPremultiplied) {
+    Canvas canvas(4, 1);
+    canvas.fillRect({{0, 0}, {1, 1}}, {1, 0, 0, 1});
+    canvas.fillRect({{1, 0}, {1, 1}}, {0, 0, 1, 1});
+    canvas.fillRect({{2, 0}, {1, 1}}, {1, 0, 0, 0.4});
+    const auto image = canvas.image();
+    EXPECT_EQ(pixelAt(*image, 0, 0), kRed);
+    EXPECT_EQ(pixelAt(*image, 1, 0), kBlue);
+    EXPECT_EQ(pixelAt(*image, 2, 0), (Pixel{102, 0, 0, 102}));
+    EXPECT_EQ(pixelAt(*image, 3, 0), kNothing);
+    canvas.clear(UIColor::clearColor());
+    EXPECT_EQ(inkCount(*canvas.image(), kNothing), 0);
+    EXPECT_EQ(pixelAt(*image, 0, 0), kRed);
+}
+
+TEST(Canvas, countsInPointsWithItsScaleAndTransforms) {
+    Canvas canvas(40, 20, 2);
+    canvas.save();
+    canvas.translate(10, 0);
+    canvas.rotate(std::acos(0.0));
+    canvas.scale(2, 1);
+    // x goes down, y to the left: 2 x 3 points become 3 wide and 4 high, left of x = 10.
+    canvas.fillRect({{0, 0}, {2, 3}}, UIColor::redColor());
+    canvas.restore();
+    const auto image = canvas.image();
+    EXPECT_EQ(image->size(), (CGSize{20, 10}));
+    EXPECT_EQ(pixelAt(*image, 14, 0), kRed);
+    EXPECT_EQ(pixelAt(*image, 19, 7), kRed);
+    EXPECT_EQ(inkCount(*image, kNothing), 6 * 8);
+}
+
+TEST(Canvas, pathsAreFilledAndStroked) {
+    Canvas canvas(20, 20);
+    UIBezierPath line;
+    line.moveToPoint({2, 10});
+    line.addLineToPoint({18, 10});
+    line.setLineWidth(4);
+    canvas.strokePath(line, UIColor::blueColor());
+    EXPECT_EQ(inkCount(*canvas.image(), kNothing), 16 * 4);
+    canvas.clear(UIColor::clearColor());
+    UIBezierPath oval;
+    oval.appendOval({{2, 2}, {16, 16}});
+    canvas.fillPath(oval, UIColor::redColor());
+    double covered = 0;
+    for (int i = 0; i < 400; ++i) {
+        covered += pixelAt(*canvas.image(), i % 20, i / 20)[3] / 255.0;
+    }
+    EXPECT_NEAR(covered, std::acos(-1.0) * 64, 0.8);
+    UIBezierPath none = line;
+    none.setLineWidth(0);
+    canvas.clear(UIColor::whiteColor());
+    canvas.strokePath(none, UIColor::redColor());
+    EXPECT_EQ(inkCount(*canvas.image(), kWhite), 0);
+}
+
+TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
+    std::vector<std::uint8_t> checks;
+    for (int i = 0; i < 64 * 64; ++i) {
+        const auto value = static_cast<std::uint8_t>((i + i / 64) % 2 * 255);
+        checks.insert(checks.end(), {value, value, value, 255});
+    }
+    const auto board = UIImage::withPixels(64, 64, checks);
+    Canvas canvas(10, 10);
+    canvas.drawImage(*board, {{1, 1}, {8, 8}});
+    const auto shrunk = canvas.image();
+    for (int i = 0; i < 64; ++i) {
+        const Pixel pixel = pixelAt(*shrunk, 1 + i % 8, 1 + i / 8);
+        EXPECT_NEAR(pixel[0], 127.5, 8);
+        EXPECT_EQ(pixel[3], 255);
+    }
+    EXPECT_EQ(inkCount(*shrunk, kNothing), 64);
+
+    const auto dot = UIImage::withPixels(1, 1, {255, 0, 0, 255});
+    Canvas grown(*UIImage::withPixels(8, 8, std::vector<std::uint8_t>(8 * 8 * 4, 255)));
+    grown.clipRect({{0, 0}, {8, 4}});
+    grown.drawImage(*dot, {{0, 0}, {8, 8}}, 0.6);
+    EXPECT_EQ(pixelAt(*grown.image(), 0, 0), (Pixel{255, 102, 102, 255}));
+    EXPECT_EQ(pixelAt(*grown.image(), 7, 3), (Pixel{255, 102, 102, 255}));
+    EXPECT_EQ(inkCount(*grown.image(), kWhite), 32);
+}
+
+TEST(Canvas, textLeavesInkWithinItsWidthAndTheHaloAround) {
+    Canvas canvas(200, 40);
+    Canvas::TextStyle style;
+    style.size = 20;
+    canvas.clear(UIColor::whiteColor());
+    canvas.drawText("Harbour 12", {10, 30}, style);
+    const double width = canvas.textWidth("Harbour 12", 20);
+    EXPECT_GT(width, 80);
+    EXPECT_LT(width, canvas.textWidth("Harbour 12", 20, true));
+    const auto image = canvas.image();
+    EXPECT_GT(inkCount(*image, kWhite), 300);
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(pixelAt(*image, 8, i), kWhite);
+        EXPECT_EQ(pixelAt(*image, static_cast<int>(10 + width) + 2, i), kWhite);
+    }
+    style.halo = UIColor::redColor();
+    canvas.clear(UIColor::whiteColor());
+    canvas.drawText("Harbour 12", {10, 30}, style);
+    EXPECT_GT(inkCount(*canvas.image(), kWhite), inkCount(*image, kWhite) * 3 / 2);
+}
+
+TEST(Canvas, isStillUsableAfterCallsWithImpossibleArguments) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const auto dot = UIImage::withPixels(1, 1, {255, 0, 0, 255});
+    Canvas canvas(16, 16);
+    canvas.restore();
+    for (const double bad : {std::nan(""), kInfinity, -kInfinity, 0.0, 1e308, -1e300, 1e-300}) {
+        canvas.save();
+        canvas.translate(bad, 1);
+        canvas.scale(bad, bad);
+        canvas.rotate(bad);
+        UIBezierPath path;
+        path.addLineToPoint({bad, 1});
+        path.addLineToPoint({1, bad});
+        path.addLineToPoint({-bad, -bad});
+        path.setLineWidth(std::abs(bad));
+        canvas.strokePath(path, {bad, bad, bad, bad});
+        canvas.fillPath(path, UIColor::redColor());
+        canvas.fillRect({{bad, bad}, {bad, bad}}, UIColor::redColor());
+        canvas.drawImage(*dot, {{bad, 0}, {bad, 5}}, bad);
+        canvas.drawText("text", {bad, bad}, {bad, UIColor::redColor(), true, UIColor::blueColor()});
+        EXPECT_TRUE(std::isfinite(canvas.textWidth("text", bad)));
+        canvas.clipRect({{bad, bad}, {1, bad}});
+        canvas.restore();
+    }
+    canvas.drawText("\xff\xC0\x80\xED\xA0\x80 \xF4\x90\x80\x80 \xE2\x82", {2, 12}, {});
+    canvas.drawText(std::string(100000, 'x') + '\0', {2, 12}, {});
+    canvas.clear(UIColor::whiteColor());
+    canvas.fillRect({{3, 3}, {1, 1}}, UIColor::redColor());
+    EXPECT_EQ(pixelAt(*canvas.image(), 3, 3), kRed);
+    EXPECT_EQ(inkCount(*canvas.image(), kWhite), 1);
+}
+
+TEST(Canvas, sizesThatNoBitmapCanHaveGiveNoImage) {
+    const int sizes[][2] = {{0, 5}, {-1, 5}, {32768, 1}, {30000, 30000}};
+    for (const auto& [width, height] : sizes) {
+        Canvas canvas(width, height);
+        canvas.clear(UIColor::redColor());
+        canvas.drawText("text", {0, 0}, {});
+        canvas.save();
+        canvas.restore();
+        EXPECT_FALSE(canvas.isValid());
+        EXPECT_FALSE(canvas.image());
+    }
+    EXPECT_FALSE(Canvas(5, 5, std::nan("")).isValid());
+}
+
+} // namespace
+} // namespace trelmix

@@ -1,0 +1,189 @@
+#include "Graphics/ImageFiles.h"
+
+#include <Trelmix/Platform/UIImage.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <turbojpeg.h>
+
+namespace trelmix {
+namespace {
+
+using Samples = std::vector<std::uint8_t>;
+
+Samples pixelsOf(const FileBytes& file) {
+    std::string reason;
+    const auto image = UIImage::withData(file, 1, &reason);
+    EXPECT_TRUE(image) << reason;
+    return image ? Samples(image->pixels().begin(), image->pixels().end()) : Samples();
+}
+
+/// Smooth, so that a lossy file comes back close.
+Samples gradient(int width, int height, int channels) {
+    Samples samples;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int values[] = {100 + x, 50 + 2 * y, 200 - x, 255 - 4 * y};
+            for (int c = 0; c < channels; ++c) {
+                samples.push_back(static_cast<std::uint8_t>(values[c]));
+            }
+        }
+    }
+    return samples;
+}
+
+Samples premultiplied(Samples rgba) {
+    for (std::size_t i = 0; i < rgba.size(); ++i) {
+        if (i % 4 != 3) {
+            const int product = rgba[i] * rgba[i - i % 4 + 3];
+            rgba[i] = static_cast<std::uint8_t>((product + 127) / 255);
+        }
+    }
+    return rgba;
+}
+
+int largestDifference(const Samples& a, const Samples& b) {
+    int largest = a.size() == b.size() ? 0 : 256;
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+        largest = std::max(largest, std::abs(a[i] - b[i]));
+    }
+    return largest;
+}
+
+std::vector<FileBytes> oneFileOfEachKind() {
+    PngSpec interlaced{19, 13};
+    interlaced.isInterlaced = true;
+    return {pngFile({19, 13}, gradient(19, 13, 4)),
+            pngFile(interlaced, gradient(19, 13, 4)),
+            jpegFile(19, 13, gradient(19, 13, 3)),
+            jpegFile(19, 13, gradient(19, 13, 3), TJFLAG_PROGRESSIVE),
+            webpFile(19, 13, gradient(19, 13, 4), true),
+            webpFile(19, 13, gradient(19, 13, 4), false)};
+}
+
+TEST(ImageDecoder, pngOfEveryLayoutGivesTheSamePremultipliedPixels) {
+    const Samples rgba = gradient(19, 13, 4);
+    PngSpec spec{19, 13};
+    EXPECT_EQ(pixelsOf(pngFile(spec, rgba)), premultiplied(rgba));
+    spec.hasGamma = true;
+    spec.isInterlaced = true;
+    EXPECT_EQ(pixelsOf(pngFile(spec, rgba)), premultiplied(rgba));
+
+    Samples wide;
+    for (const std::uint8_t value : rgba) {
+        // The machine's order has the lower byte first; only the upper one counts.
+        wide.insert(wide.end(), {77, value});
+    }
+    EXPECT_EQ(pixelsOf(pngFile({19, 13, 16, 6}, wide)), premultiplied(rgba));
+}
+
+TEST(ImageDecoder, pngGreyAndPaletteWithTransparency) {
+    EXPECT_EQ(pixelsOf(pngFile({2, 1, 8, 4}, {200, 255, 100, 51})),
+              (Samples{200, 200, 200, 255, 20, 20, 20, 51}));
+    PngSpec grey{3, 1, 8, 0};
+    grey.transparentGrey = 9;
+    EXPECT_EQ(pixelsOf(pngFile(grey, {0, 9, 255})), (Samples{0, 0, 0, 255, 0, 0, 0, 0, 255, 255, 255, 255}));
+    // Three pixels of one bit each.
+    EXPECT_EQ(pixelsOf(pngFile({3, 1, 1, 0}, {0b10100000})),
+              (Samples{255, 255, 255, 255, 0, 0, 0, 255, 255, 255, 255, 255}));
+    PngSpec palette{2, 1, 2, 3};
+    palette.palette = {0xFF0000FF, 0x00FF0080};
+    EXPECT_EQ(pixelsOf(pngFile(palette, {0b00010000})), (Samples{255, 0, 0, 255, 0, 128, 0, 128}));
+}
+
+TEST(ImageDecoder, jpegAndWebpComeBackCloseAndLosslessOnesExactly) {
+    const Samples rgba = gradient(19, 13, 4);
+    EXPECT_EQ(pixelsOf(webpFile(19, 13, rgba, true)), premultiplied(rgba));
+    EXPECT_LT(largestDifference(pixelsOf(webpFile(19, 13, rgba, false)), premultiplied(rgba)), 12);
+
+    Samples opaque = rgba;
+    for (std::size_t i = 3; i < opaque.size(); i += 4) {
+        opaque[i] = 255;
+    }
+    for (const int flags : {0, TJFLAG_PROGRESSIVE}) {
+        const FileBytes file = jpegFile(19, 13, gradient(19, 13, 3), flags);
+        EXPECT_LT(largestDifference(pixelsOf(file), opaque), 8);
+        EXPECT_TRUE(UIImage::withData(file)->isOpaque());
+    }
+}
+
+TEST(ImageDecoder, everyCutIsRefusedWithAReason) {
+    for (const FileBytes& file : oneFileOfEachKind()) {
+        ASSERT_TRUE(UIImage::withData(file));
+        for (std::size_t length = 0; length < file.size(); ++length) {
+            // A copy of its own, so that the sanitizer sees a read beyond the end.
+            const FileBytes cut(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length));
+            std::string reason;
+            EXPECT_FALSE(UIImage::withData(cut, 1, &reason)) << length << " of " << file.size();
+            EXPECT_NE(reason, "");
+        }
+    }
+}
+
+TEST(ImageDecoder, damagedBytesNeverCrash) {
+    for (const FileBytes& file : oneFileOfEachKind()) {
+        for (std::size_t i = 0; i < file.size(); ++i) {
+            FileBytes damaged = file;
+            for (const int flip : {0xFF, 0x01, 0x80}) {
+                damaged[i] = file[i] ^ static_cast<std::byte>(flip);
+                if (const auto image = UIImage::withData(damaged)) {
+                    EXPECT_EQ(image->pixels().size(), static_cast<std::size_t>(image->pixelWidth()) *
+                                                          static_cast<std::size_t>(image->pixelHeight()) * 4);
+                }
+            }
+        }
+    }
+}
+
+void putBigEndian16(FileBytes& file, std::size_t at, unsigned value) {
+    file.at(at) = static_cast<std::byte>(value >> 8);
+    file.at(at + 1) = static_cast<std::byte>(value);
+}
+
+TEST(ImageDecoder, anEnormousSizeInAHeaderIsRefusedBeforeAnythingIsAllocated) {
+    // Only the header is written: 60000 x 60000 pixels are never there.
+    std::vector<FileBytes> files;
+    FileBytes png;
+    for (const unsigned byte :
+         {0x89U, 0x50U, 0x4EU, 0x47U, 0x0DU, 0x0AU, 0x1AU, 0x0AU, 0U,    0U,    0U,
+          13U,   0x49U, 0x48U, 0x44U, 0x52U, 0U,    0U,    0xEAU, 0x60U, 0U,    0U,
+          0xEAU, 0x60U, 8U,    6U,    0U,    0U,    0U,    0xBAU, 0xDEU, 0xFEU, 0x5FU}) {
+        png.push_back(static_cast<std::byte>(byte));
+    }
+    files.push_back(png);
+    FileBytes jpeg = jpegFile(19, 13, gradient(19, 13, 3));
+    const std::byte startOfFrame[] = {std::byte{0xFF}, std::byte{0xC0}};
+    const auto frame =
+        std::search(jpeg.begin(), jpeg.end(), std::begin(startOfFrame), std::end(startOfFrame));
+    const auto at = static_cast<std::size_t>(frame - jpeg.begin());
+    putBigEndian16(jpeg, at + 5, 60000);
+    putBigEndian16(jpeg, at + 7, 60000);
+    files.push_back(jpeg);
+    for (const FileBytes& file : files) {
+        std::string reason;
+        EXPECT_FALSE(UIImage::withData(file, 1, &reason));
+        EXPECT_TRUE(reason.starts_with("60000 x 60000 pixels")) << reason;
+    }
+}
+
+TEST(ImageDecoder, whatIsNoImageIsNamedAsSuch) {
+    for (const std::string text : {"", "<html>503</html>", "GIF89a", "\x89PNG", "RIFF\x10\0\0\0WAVE"}) {
+        std::string reason;
+        EXPECT_FALSE(UIImage::withData(std::as_bytes(std::span(text)), 1, &reason));
+        EXPECT_NE(reason, "");
+    }
+    const FileBytes file = pngFile({1, 1}, {1, 2, 3, 4});
+    for (const double scale : {0.0, -2.0, std::nan(""), HUGE_VAL}) {
+        EXPECT_FALSE(UIImage::withData(file, scale));
+    }
+    EXPECT_EQ(UIImage::withData(pngFile({3, 5}, gradient(3, 5, 4)), 2)->size(), (CGSize{1.5, 2.5}));
+}
+
+} // namespace
+} // namespace trelmix
