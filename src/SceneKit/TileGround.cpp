@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <optional>
+#include <utility>
 
 namespace trelmix {
 
@@ -80,28 +82,28 @@ std::optional<Quad> visibleGround(const CameraProjection& projection) {
     return Quad{along(bottomLeft, topLeft, t), along(bottomRight, topRight, t), bottomRight, bottomLeft};
 }
 
-/// Whether a convex quad meets an upright rectangle: separating axes, the rectangle's and the quad's.
-bool meets(const Quad& quad, double west, double east, double north, double south) {
-    const auto [minX, maxX] = std::minmax({quad[0].x, quad[1].x, quad[2].x, quad[3].x});
-    const auto [minY, maxY] = std::minmax({quad[0].y, quad[1].y, quad[2].y, quad[3].y});
-    if (maxX < west || minX > east || maxY < north || minY > south) {
-        return false;
-    }
-    const Point centre = middle({west, north}, {east, south});
-    const double halfWidth = (east - west) * 0.5;
-    const double halfHeight = (south - north) * 0.5;
-    for (std::size_t i = 0; i < 4; ++i) {
+/// The least and greatest y of the part of a convex quad between two meridians of the plane; nothing when
+/// there is none.
+std::optional<std::pair<double, double>> extentBetween(const Quad& quad, double west, double east) {
+    double north = std::numeric_limits<double>::max();
+    double south = std::numeric_limits<double>::lowest();
+    const auto take = [&](double y) {
+        north = std::min(north, y);
+        south = std::max(south, y);
+    };
+    for (std::size_t i = 0; i < quad.size(); ++i) {
         const Point a = quad[i];
-        const Point b = quad[(i + 1) % 4];
-        // Pointing outwards for corners in clockwise order with y to the south.
-        const double nx = b.y - a.y;
-        const double ny = a.x - b.x;
-        const double distance = (centre.x - a.x) * nx + (centre.y - a.y) * ny;
-        if (distance > std::abs(nx) * halfWidth + std::abs(ny) * halfHeight) {
-            return false;
+        const Point b = quad[(i + 1) % quad.size()];
+        if (a.x >= west && a.x <= east) {
+            take(a.y);
+        }
+        for (const double meridian : {west, east}) {
+            if ((a.x < meridian) != (b.x < meridian)) {
+                take(a.y + (b.y - a.y) * (meridian - a.x) / (b.x - a.x));
+            }
         }
     }
-    return true;
+    return north <= south ? std::optional(std::pair(north, south)) : std::nullopt;
 }
 
 struct IndexRange {
@@ -161,26 +163,45 @@ private:
         }
     }
 
-    void addGround(const Quad& ground) {
+    /// The rows of a column whose tiles the ground, widened, touches.
+    IndexRange rowsTouched(const Quad& ground, std::int64_t column) const {
+        const double widened = kUncheckedMove * _side / kTilePoints;
+        const double west = static_cast<double>(column) * _side;
+        const auto extent = extentBetween(ground, west - widened, west + _side + widened);
+        if (!extent) {
+            return {0, -1};
+        }
+        return {index(std::floor((extent->first - widened) / _side)),
+                index(std::floor((extent->second + widened) / _side))};
+    }
+
+    /// Visits the touched tiles at most `reach` columns and rows from the target's.
+    template <class Visit>
+    void visitGround(const Quad& ground, std::int64_t reach, Visit visit) const {
         const double widened = kUncheckedMove * _side / kTilePoints;
         const auto [minX, maxX] = std::minmax({ground[0].x, ground[1].x, ground[2].x, ground[3].x});
-        const auto [minY, maxY] = std::minmax({ground[0].y, ground[1].y, ground[2].y, ground[3].y});
-        Ranges around{
-            {index(std::floor((minX - widened) / _side)), index(std::floor((maxX + widened) / _side))},
-            {index(std::floor((minY - widened) / _side)), index(std::floor((maxY + widened) / _side))}};
-        if (around.columns.count() * around.rows.count() > 4.0 * kMostTiles) {
-            limitAround(index(_target.x / _side), index(_target.y / _side), around.columns, around.rows);
+        const IndexRange columns = IndexRange{index(std::floor((minX - widened) / _side)),
+                                              index(std::floor((maxX + widened) / _side))}
+                                       .within(index(_target.x / _side), reach);
+        for (std::int64_t x = columns.first; x <= columns.last; ++x) {
+            visit(x, rowsTouched(ground, x).within(index(_target.y / _side), reach));
         }
-        for (std::int64_t x = around.columns.first; x <= around.columns.last; ++x) {
-            for (std::int64_t y = around.rows.first; y <= around.rows.last; ++y) {
-                const double west = static_cast<double>(x) * _side;
-                const double north = static_cast<double>(y) * _side;
-                if (meets(ground, west - widened, west + _side + widened, north - widened,
-                          north + _side + widened)) {
-                    addOutsideBox({x, y, _zoom});
-                }
+    }
+
+    void addGround(const Quad& ground) {
+        // Twice the reach that holds enough tiles holds the nearest of them all.
+        std::int64_t reach = 64;
+        double count = 0;
+        for (; count < static_cast<double>(kMostTiles) && reach < 2 * static_cast<std::int64_t>(kMostTiles);
+             reach *= 2) {
+            count = 0;
+            visitGround(ground, reach, [&count](std::int64_t, IndexRange rows) { count += rows.count(); });
+        }
+        visitGround(ground, reach, [this](std::int64_t x, IndexRange rows) {
+            for (std::int64_t y = rows.first; y <= rows.last; ++y) {
+                addOutsideBox({x, y, _zoom});
             }
-        }
+        });
     }
 
     void addOutsideBox(TileKey tile) {
