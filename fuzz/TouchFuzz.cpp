@@ -1,0 +1,196 @@
+// Random fingers on a view tree: whatever came, all recognisers are at rest once every finger is up and time
+// has passed.
+
+#include "Platform/Foundation/Clock.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/View/TouchDispatcher.h"
+#include "Platform/View/UILongPressGestureRecognizer.h"
+#include "Platform/View/UIPanGestureRecognizer.h"
+#include "Platform/View/UIPinchGestureRecognizer.h"
+#include "Platform/View/UIRotationGestureRecognizer.h"
+#include "Platform/View/UIScrollView.h"
+#include "Platform/View/UITapGestureRecognizer.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+using namespace trelmix;
+
+namespace {
+
+/// Hands out the input's bytes; zeros when they are used up.
+class Bytes {
+public:
+    Bytes(const std::uint8_t* data, std::size_t size) : _data(data), _left(size) {}
+    bool isEmpty() const { return _left == 0; }
+    std::uint8_t next() {
+        if (_left == 0) {
+            return 0;
+        }
+        --_left;
+        return *_data++;
+    }
+    // Mostly places on the view, now and then anything a double can hold.
+    double nextNumber() {
+        const std::uint8_t byte = next();
+        if (byte < 250) {
+            return byte * 1.7;
+        }
+        std::uint8_t raw[sizeof(double)];
+        for (std::uint8_t& value : raw) {
+            value = next();
+        }
+        double number = 0;
+        std::memcpy(&number, raw, sizeof number);
+        return number;
+    }
+
+private:
+    const std::uint8_t* _data;
+    std::size_t _left;
+};
+
+class Stage : public UIGestureRecognizerDelegate,
+              public UIScrollViewDelegate,
+              public std::enable_shared_from_this<Stage> {
+public:
+    Stage(Bytes& bytes) : bytes(bytes) {}
+
+    void build() {
+        root->addSubview(scroll);
+        scroll->addSubview(content);
+        scroll->setContentSize(content->frame().size);
+        scroll->setMinimumZoomScale(0.1);
+        scroll->setMaximumZoomScale(4);
+        scroll->setDelegate(weak_from_this());
+        for (const auto& view : {root, std::static_pointer_cast<UIView>(scroll), content}) {
+            addRecognizers(*view);
+        }
+    }
+    bool gestureRecognizerShouldRecognizeSimultaneouslyWith(UIGestureRecognizer&,
+                                                            UIGestureRecognizer&) override {
+        return (answers = answers * 5 + 3) & 4;
+    }
+    std::shared_ptr<UIView> viewForZoomingInScrollView(UIScrollView&) override { return content; }
+
+    std::vector<std::shared_ptr<UIGestureRecognizer>> recognizers;
+    std::shared_ptr<UIView> root = UIView::make({{0, 0}, {425, 425}});
+    std::shared_ptr<UIScrollView> scroll = UIScrollView::make({{100, 100}, {200, 200}});
+    std::shared_ptr<UIView> content = UIView::make({{0, 0}, {600, 900}});
+    std::unique_ptr<TouchDispatcher> dispatcher = std::make_unique<TouchDispatcher>(root);
+
+private:
+    void addRecognizers(UIView& view) {
+        const auto tap = std::make_shared<UITapGestureRecognizer>();
+        const auto doubleTap = std::make_shared<UITapGestureRecognizer>();
+        const auto press = std::make_shared<UILongPressGestureRecognizer>();
+        doubleTap->setNumberOfTapsRequired(2);
+        tap->requireGestureRecognizerToFail(doubleTap);
+        tap->requireGestureRecognizerToFail(press);
+        press->requireGestureRecognizerToFail(bytes.next() & 1 ? tap : doubleTap);
+        for (const std::shared_ptr<UIGestureRecognizer>& recognizer :
+             {std::shared_ptr<UIGestureRecognizer>(std::make_shared<UIPinchGestureRecognizer>()),
+              std::shared_ptr<UIGestureRecognizer>(std::make_shared<UIRotationGestureRecognizer>()),
+              std::shared_ptr<UIGestureRecognizer>(std::make_shared<UIPanGestureRecognizer>()),
+              std::shared_ptr<UIGestureRecognizer>(tap), std::shared_ptr<UIGestureRecognizer>(doubleTap),
+              std::shared_ptr<UIGestureRecognizer>(press)}) {
+            view.addGestureRecognizer(recognizer);
+            recognizer->setDelegate(weak_from_this());
+            recognizer->addTarget([weak = weak_from_this()](UIGestureRecognizer& sender) {
+                if (const auto self = weak.lock()) {
+                    self->act(sender);
+                }
+            });
+            recognizers.push_back(recognizer);
+        }
+    }
+
+    void act(UIGestureRecognizer& sender) {
+        const CGPoint location = sender.locationInView(content);
+        if (!std::isfinite(location.x) || !std::isfinite(location.y)) {
+            std::abort();
+        }
+        if (const auto* pan = dynamic_cast<UIPanGestureRecognizer*>(&sender)) {
+            if (!std::isfinite(pan->velocity(root).x) || !std::isfinite(pan->translation(content).y)) {
+                std::abort();
+            }
+        }
+        switch (bytes.next()) {
+        case 250:
+            sender.setIsEnabled(false);
+            break;
+        case 251:
+            recognizers[bytes.next() % recognizers.size()]->setIsEnabled(bytes.next() & 1);
+            break;
+        case 252:
+            scroll->removeFromSuperview();
+            break;
+        case 253:
+            root->addSubview(scroll);
+            break;
+        case 254:
+            dispatcher->cancelAll();
+            break;
+        case 255:
+            if (const auto view = sender.view()) {
+                view->removeGestureRecognizer(sender.shared_from_this());
+            }
+            break;
+        default:
+            break;
+        }
+    }
+
+    Bytes& bytes;
+    unsigned answers = 0;
+};
+
+void feed(Stage& stage, Bytes& bytes) {
+    double time = Clock::now();
+    while (!bytes.isEmpty()) {
+        const std::uint8_t what = bytes.next();
+        const auto phase = static_cast<TouchPhase>(what & 3);
+        const auto identifier = static_cast<std::int64_t>(what >> 2 & 3);
+        if ((what & 0xC0) == 0xC0) {
+            Clock::set(Clock::now() + (what & 0x3F) / 64.0);
+            RunLoop::main().pump();
+            continue;
+        }
+        const bool isOddTime = (what & 0xC0) == 0x80;
+        time = isOddTime ? bytes.nextNumber() : Clock::now();
+        const double x = bytes.nextNumber();
+        const double y = bytes.nextNumber();
+        stage.dispatcher->handle({identifier, phase, {x, y}, time});
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Clock::reset();
+    Clock::set(Clock::now());
+    RunLoop::main().reset();
+    Bytes bytes(data, size);
+    const auto stage = std::make_shared<Stage>(bytes);
+    stage->build();
+    feed(*stage, bytes);
+    for (std::int64_t identifier = 0; identifier < 4; ++identifier) {
+        stage->dispatcher->handle({identifier, TouchPhase::ended, {0, 0}, Clock::now()});
+    }
+    for (int i = 0; i < 4; ++i) {
+        Clock::set(Clock::now() + 1);
+        RunLoop::main().drain();
+    }
+    for (const auto& recognizer : stage->recognizers) {
+        if (recognizer->state() != UIGestureRecognizerState::possible || recognizer->numberOfTouches() != 0) {
+            std::abort();
+        }
+    }
+    if (stage->dispatcher->touchCount() != 0 || !std::isfinite(stage->scroll->zoomScale())) {
+        std::abort();
+    }
+    return 0;
+}

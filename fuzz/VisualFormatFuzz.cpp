@@ -1,0 +1,31 @@
+// Layout formats of any bytes: a constraint or one printable line, and the layout pass survives what was
+// accepted.
+
+#include "Platform/View/LayoutConstraint.h"
+
+#include <Trelmix/Platform/UIView.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+
+using namespace trelmix;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const auto child = UIView::make();
+    const auto root = UIView::make({{0, 0}, {100, 100}});
+    root->addSubview(child);
+    auto result = LayoutConstraint::constraintsWithVisualFormat({reinterpret_cast<const char*>(data), size},
+                                                                {{"width", 5}, {"bad", std::nan("")}},
+                                                                {{"v", child}, {"none", {}}});
+    if (result) {
+        root->addConstraints(*result);
+        root->layoutIfNeeded();
+        return 0;
+    }
+    if (result.reason().empty() || result.reason().size() > 400 ||
+        result.reason().find('\n') != std::string::npos) {
+        std::abort();
+    }
+    return 0;
+}
