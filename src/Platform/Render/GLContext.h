@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/Render/GLCapabilities.h"
+#include "Platform/Render/GLObjects.h"
+
+#include <Trelmix/Platform/Result.h>
+
+#include <memory>
+
+namespace trelmix {
+
+/// An OpenGL ES context without a window.
+///
+/// Lives on one thread at a time: `makeCurrent` binds it to the calling one. Its destructor makes it current,
+/// deletes what was buried and leaves the thread without a context, unless another context was current there.
+class GLContext {
+public:
+    /// Version 3 when the driver has it, else 2. The reason of a failure says what to install.
+    static Result<std::unique_ptr<GLContext>> makeOffscreen();
+    /// The reason that `makeOffscreen` ends its own with when no driver could be started.
+    static const char* missingDriverHint();
+
+    ~GLContext();
+    GLContext(const GLContext&) = delete;
+    GLContext& operator=(const GLContext&) = delete;
+
+    /// False when the driver refuses, for one because another thread has it current.
+    bool makeCurrent();
+    /// Leaves the calling thread without a context, so that another can have this one.
+    void release();
+    const GLCapabilities& capabilities() const { return _capabilities; }
+    const std::shared_ptr<GLGraveyard>& graveyard() const { return _graveyard; }
+
+private:
+    struct Handles;
+    explicit GLContext(std::unique_ptr<Handles> handles);
+
+    std::unique_ptr<Handles> _handles;
+    GLCapabilities _capabilities;
+    std::shared_ptr<GLGraveyard> _graveyard = std::make_shared<GLGraveyard>();
+};
+
+} // namespace trelmix

@@ -1,0 +1,282 @@
+#include "Platform/Render/Renderer.h"
+
+#include "Platform/Render/DrawPlan.h"
+#include "Platform/Render/FrameTarget.h"
+#include "Platform/Render/OverlayPainter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace trelmix {
+
+struct Renderer::Parts {
+    Parts(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> shared, Options given)
+        : graveyard(std::move(shared)), options(given), hasDerivatives(capabilities.hasDerivatives),
+          target(capabilities, graveyard),
+          stores(capabilities, graveyard, TextureLimits::of(capabilities, options.maximumTextureSize)),
+          plan(stores) {}
+
+    std::string prepare();
+    void setState();
+    void paint(const DrawFrame& frame, FrameReport& report);
+    void paintScene(const std::vector<DrawRun>& runs, FrameReport& report);
+    void paintImages(const DrawRun& run);
+    void fade(const UIColor& background, double alpha);
+    void drawOverlays(std::span<const OverlayQuad> quads, int width, int height, bool rowsRunDown);
+
+    std::shared_ptr<GLGraveyard> graveyard;
+    Options options;
+    bool hasDerivatives;
+    bool isPrepared = false;
+    FrameTarget target;
+    FrameView view;
+    RenderStores stores;
+    DrawPlan plan;
+    OverlayPainter overlays;
+    VertexArrays arrays;
+};
+
+namespace {
+
+bool isUsable(const OverlayQuad& quad) {
+    const CGRect& r = quad.pixels;
+    return quad.image && std::isfinite(r.origin.x) && std::isfinite(r.origin.y) &&
+           std::isfinite(r.size.width) && std::isfinite(r.size.height);
+}
+
+void clear(const UIColor& color) {
+    const UIColor c = color.limited();
+    glClearColor(static_cast<float>(c.red * c.alpha), static_cast<float>(c.green * c.alpha),
+                 static_cast<float>(c.blue * c.alpha), static_cast<float>(c.alpha));
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+} // namespace
+
+Renderer::Renderer(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> graveyard,
+                   Options options)
+    : _parts(std::make_unique<Parts>(capabilities, std::move(graveyard), options)) {}
+
+Renderer::~Renderer() = default;
+
+void Renderer::setUploadSecondsPerFrame(double seconds) {
+    _parts->options.uploadSecondsPerFrame = seconds;
+}
+
+void Renderer::setSamples(int samples) {
+    _parts->options.samples = samples;
+}
+
+int Renderer::samples() const {
+    return _parts->options.samples;
+}
+
+Result<FrameReport> Renderer::draw(const DrawFrame& frame, int pixelWidth, int pixelHeight) {
+    Parts& parts = *_parts;
+    parts.graveyard->deleteObjects();
+    parts.setState();
+    if (const std::string reason = parts.prepare(); !reason.empty()) {
+        return Result<FrameReport>::failure("the renderer's shaders: " + reason);
+    }
+    const std::string reason = parts.target.resize(pixelWidth, pixelHeight, parts.options.samples);
+    if (!reason.empty()) {
+        return Result<FrameReport>::failure(reason);
+    }
+    FrameReport report;
+    parts.paint(frame, report);
+    return report;
+}
+
+std::string Renderer::Parts::prepare() {
+    if (isPrepared) {
+        return {};
+    }
+    for (const std::string& reason :
+         {stores.images.prepare(graveyard), stores.discs.prepare(graveyard, hasDerivatives),
+          stores.fills.prepare(graveyard), overlays.prepare(graveyard)}) {
+        if (!reason.empty()) {
+            return reason;
+        }
+    }
+    isPrepared = true;
+    return {};
+}
+
+void Renderer::Parts::setState() {
+    for (const GLenum feature : {GL_DEPTH_TEST, GL_STENCIL_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_DITHER,
+                                 GL_POLYGON_OFFSET_FILL, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE}) {
+        glDisable(feature);
+    }
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    glDepthMask(GL_FALSE);
+    glBlendEquation(GL_FUNC_ADD);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    glActiveTexture(GL_TEXTURE0);
+    arrays.reset();
+}
+
+void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
+    const std::size_t before = stores.atlas.uploadedBytes();
+    const std::size_t meshesBefore = stores.meshes.uploadedBytes();
+    const bool originMoved = view.update(frame.camera, target.width(), target.height());
+    report.rewrittenBytes = plan.setList(frame.list, view, originMoved);
+    report.uploadedBytes = stores.textures.upload(options.uploadSecondsPerFrame) +
+                           stores.atlas.uploadedBytes() - before + stores.meshes.uploadedBytes() -
+                           meshesBefore;
+    report.uploadsLeft = static_cast<int>(stores.textures.pendingCount());
+    const bool isVisible = frame.alpha > 0 && view.isFinite();
+    const auto& runs = plan.makeRuns(view);
+    report.rewrittenBytes +=
+        stores.images.slots().upload() + stores.discs.slots().upload() + stores.indices.upload();
+    target.bindForDrawing();
+    clear(frame.background);
+    if (isVisible) {
+        paintScene(runs, report);
+        if (frame.alpha < 1) {
+            fade(frame.background, frame.alpha);
+        }
+    }
+    target.resolve();
+}
+
+void Renderer::Parts::paintScene(const std::vector<DrawRun>& runs, FrameReport& report) {
+    stores.images.startFrame();
+    stores.discs.startFrame();
+    glEnable(GL_BLEND);
+    for (const DrawRun& run : runs) {
+        ++report.drawCalls;
+        switch (run.kind) {
+        case DrawRun::Kind::images:
+            paintImages(run);
+            break;
+        case DrawRun::Kind::discs:
+            stores.discs.use(view, arrays);
+            stores.discs.pointAt(run.chunk);
+            stores.indices.bind();
+            stores.indices.draw(run.first, run.count);
+            break;
+        case DrawRun::Kind::sharedFills:
+            stores.fills.useShared(view, arrays);
+            stores.fills.drawShared(run.chunk, run.first, run.count);
+            break;
+        case DrawRun::Kind::largeFill:
+            report.drawCalls += stores.fills.drawLarge(plan.placement(run), view, arrays) - 1;
+            break;
+        case DrawRun::Kind::program: {
+            const Placement& placement = plan.placement(run);
+            glUseProgram(placement.program->name());
+            report.drawCalls +=
+                placement.program->draw(*placement.mesh, view.matrixFor(placement.item->meshPosition),
+                                        *placement.item, arrays) -
+                1;
+            break;
+        }
+        }
+    }
+    glDisable(GL_BLEND);
+}
+
+void Renderer::Parts::paintImages(const DrawRun& run) {
+    stores.images.use(run.isTinted, view, arrays);
+    stores.images.pointAt(run.chunk);
+    stores.indices.bind();
+    glBindTexture(GL_TEXTURE_2D, run.texture);
+    if (!run.isTranslucent) {
+        glDisable(GL_BLEND);
+    }
+    stores.indices.draw(run.first, run.count);
+    if (!run.isTranslucent) {
+        glEnable(GL_BLEND);
+    }
+}
+
+void Renderer::Parts::fade(const UIColor& background, double alpha) {
+    // Over what was drawn, the bare background by the rest: an image of one pixel is all that takes.
+    const UIColor c = background.limited();
+    const auto byte = [&](double component) {
+        return static_cast<std::uint8_t>(std::lround(component * c.alpha * 255));
+    };
+    const auto pixel = UIImage::withPixels(1, 1, {byte(c.red), byte(c.green), byte(c.blue), byte(1)});
+    glEnable(GL_BLEND);
+    glBlendColor(0, 0, 0, static_cast<float>(alpha));
+    glBlendFunc(GL_ONE_MINUS_CONSTANT_ALPHA, GL_CONSTANT_ALPHA);
+    overlays.draw({-1, -1, 1, 1, 0, 0, 1, 1}, stores.textures.overlay(pixel).parts().front().texture.name(),
+                  arrays);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glDisable(GL_BLEND);
+    stores.textures.dropDeadOverlays();
+}
+
+Result<std::shared_ptr<const UIImage>> Renderer::readBack(double scale) {
+    using Read = Result<std::shared_ptr<const UIImage>>;
+    const FrameTarget& target = _parts->target;
+    if (target.isEmpty()) {
+        return Read::failure("nothing has been drawn yet");
+    }
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(target.width()) *
+                                     static_cast<std::size_t>(target.height()) * 4);
+    target.bindResolved();
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    glReadPixels(0, 0, target.width(), target.height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    auto image = UIImage::withPixels(target.width(), target.height(), std::move(pixels), scale);
+    if (!image) {
+        return Read::failure(
+            "the picture cannot be kept as an image: it is too large or its scale is not positive");
+    }
+    return Read(std::move(image));
+}
+
+void Renderer::drawImages(std::span<const OverlayQuad> quads) {
+    Parts& parts = *_parts;
+    if (parts.target.isEmpty()) {
+        return;
+    }
+    parts.target.bindResolved();
+    parts.drawOverlays(quads, parts.target.width(), parts.target.height(), true);
+}
+
+void Renderer::drawImagesTo(unsigned framebuffer, int width, int height, std::span<const OverlayQuad> quads) {
+    if (width <= 0 || height <= 0) {
+        return;
+    }
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glViewport(0, 0, width, height);
+    _parts->drawOverlays(quads, width, height, false);
+}
+
+void Renderer::Parts::drawOverlays(std::span<const OverlayQuad> quads, int width, int height,
+                                   bool rowsRunDown) {
+    setState();
+    if (!prepare().empty()) {
+        return;
+    }
+    stores.textures.dropDeadOverlays();
+    glEnable(GL_BLEND);
+    for (const OverlayQuad& quad : quads) {
+        if (isUsable(quad)) {
+            overlays.draw(stores.textures.overlay(quad.image), quad.pixels, width, height, rowsRunDown,
+                          arrays);
+        }
+    }
+    glDisable(GL_BLEND);
+}
+
+void Renderer::blitTo(unsigned framebuffer, int x, int y, int width, int height) {
+    Parts& parts = *_parts;
+    if (parts.target.isEmpty() || width <= 0 || height <= 0) {
+        return;
+    }
+    parts.setState();
+    glDisable(GL_BLEND);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glViewport(x, y, width, height);
+    parts.overlays.draw({-1, 1, 1, -1, 0, 0, 1, 1}, parts.target.texture(), parts.arrays);
+}
+
+std::size_t Renderer::textureBytes() const {
+    return _parts->stores.textures.byteCount() + _parts->stores.atlas.byteCount();
+}
+
+} // namespace trelmix

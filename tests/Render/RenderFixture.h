@@ -1,0 +1,128 @@
+#pragma once
+
+#include "Platform/Render/GLContext.h"
+#include "Platform/Render/Renderer.h"
+#include "Platform/Scene/DrawList.h"
+
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <memory>
+#include <numbers>
+#include <optional>
+#include <vector>
+
+namespace trelmix::render_test {
+
+using Rgba = std::array<int, 4>;
+using Items = std::vector<std::shared_ptr<const DrawItem>>;
+
+inline constexpr double kDegree = std::numbers::pi / 180;
+
+/// A picture of one colour, premultiplied.
+inline std::shared_ptr<const UIImage> plainImage(int width, int height, std::array<std::uint8_t, 4> color) {
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < width * height; ++i) {
+        pixels.insert(pixels.end(), color.begin(), color.end());
+    }
+    return UIImage::withPixels(width, height, std::move(pixels));
+}
+
+/// A rectangle that lies on the ground.
+inline std::array<Vector3d, 4> ground(double west, double south, double east, double north) {
+    return {{{west, north, 0}, {east, north, 0}, {west, south, 0}, {east, south, 0}}};
+}
+
+inline std::shared_ptr<DrawItem> imageItem(std::shared_ptr<const UIImage> image,
+                                           std::array<Vector3d, 4> corners, std::uint64_t sequence,
+                                           bool usesLevels = false) {
+    auto item = std::make_shared<DrawItem>();
+    item->kind = DrawKind::image;
+    item->image = std::move(image);
+    item->corners = corners;
+    item->sequence = sequence;
+    item->usesLevels = usesLevels;
+    return item;
+}
+
+inline std::shared_ptr<DrawItem> discItem(Vector3d centre, double radius, std::array<float, 4> color,
+                                          std::uint64_t sequence = 1) {
+    auto item = std::make_shared<DrawItem>();
+    item->kind = DrawKind::disc;
+    item->color = color;
+    item->corners = ground(centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius);
+    item->sequence = sequence;
+    return item;
+}
+
+/// A camera that looks at a place on the ground so that, straight below it, a scene unit is as large as a
+/// pixel of a view of this height.
+inline DrawCamera cameraAt(Vector3d target, double pixelHeight, double tilt = 0, double rotation = 0,
+                           double unitsPerPixel = 1) {
+    DrawCamera camera;
+    const double distance = pixelHeight * unitsPerPixel * 0.5 / std::tan(camera.fieldOfView * 0.5);
+    camera.eulerAngles = {tilt, 0, rotation};
+    camera.position = target + Matrix4d::rotation(camera.eulerAngles).transformPoint({0, 0, distance});
+    return camera;
+}
+
+class RenderTest : public testing::Test {
+protected:
+    void SetUp() override {
+        auto made = GLContext::makeOffscreen();
+        ASSERT_TRUE(made) << made.reason();
+        context = std::move(*made);
+        capabilities = context->capabilities();
+        makeRenderer({});
+    }
+    void TearDown() override { renderer.reset(); }
+
+    void makeRenderer(Renderer::Options options) {
+        renderer = std::make_unique<Renderer>(capabilities, context->graveyard(), options);
+    }
+
+    static DrawFrame frameOf(Items items, const DrawCamera& camera,
+                             UIColor background = UIColor::whiteColor()) {
+        DrawFrame frame;
+        frame.camera = camera;
+        frame.background = background;
+        auto list = std::make_shared<DrawList>();
+        list->items = std::move(items);
+        frame.list = std::move(list);
+        return frame;
+    }
+
+    FrameReport draw(const DrawFrame& frame, int width, int height) {
+        const auto report = renderer->draw(frame, width, height);
+        EXPECT_TRUE(report) << report.reason();
+        return report ? *report : FrameReport{};
+    }
+
+    std::shared_ptr<const UIImage> picture(const DrawFrame& frame, int width, int height) {
+        draw(frame, width, height);
+        auto image = renderer->readBack(1);
+        EXPECT_TRUE(image) << image.reason();
+        return image ? *image : plainImage(width, height, {0, 0, 0, 0});
+    }
+
+    std::unique_ptr<GLContext> context;
+    GLCapabilities capabilities;
+    std::unique_ptr<Renderer> renderer;
+};
+
+inline Rgba pixelAt(const UIImage& image, int x, int y) {
+    const auto at = static_cast<std::size_t>((y * image.pixelWidth() + x) * 4);
+    const auto pixels = image.pixels();
+    return {pixels[at], pixels[at + 1], pixels[at + 2], pixels[at + 3]};
+}
+
+/// Where the camera shows a place of the scene, in pixels from the top left.
+inline CGPoint projected(const DrawCamera& camera, Vector3d place, int width, int height) {
+    const Matrix4d clip = camera.clipFromScene({}, static_cast<double>(width) / height);
+    const auto row = [&](std::size_t r) {
+        return clip.m[r] * place.x + clip.m[4 + r] * place.y + clip.m[8 + r] * place.z + clip.m[12 + r];
+    };
+    return {(row(0) / row(3) + 1) * 0.5 * width, (1 - row(1) / row(3)) * 0.5 * height};
+}
+
+} // namespace trelmix::render_test
