@@ -2,6 +2,7 @@
 
 #include "Camera/ZoomLimits.h"
 #include "Geo/GeoUtils.h"
+#include "Platform/Foundation/SceneLock.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,37 +51,48 @@ CameraProjection::CameraProjection(Coordinate target, ScreenPoint dimensions)
     : _cameraTarget(soundOrigin(target)),
       _stage(stageAt(_cameraTarget, dimensions)), _pose{_stage.initialMapPoint, _cameraTarget.lat,
                                                         kPlaceholderZoom, 0, 0},
-      _frame(_pose, _stage), _mapPointScreenPointRatio(currentRatio()) {}
+      _frame(_pose, _stage), _mapPointScreenPointRatio(currentRatio()), _public{_frame, dimensions} {}
 
 CameraProjection::~CameraProjection() = default;
 
+/// An unchanged camera costs the application one load; a changed one is copied under the lock.
+const CameraProjection::PublicCamera& CameraProjection::publicCamera() const {
+    if (_changes.load(std::memory_order_acquire) != _publicChanges) {
+        const SceneLock lock;
+        _public = {_frame, _stage.mapDimensions};
+        _publicChanges = _changes.load(std::memory_order_relaxed);
+    }
+    return _public;
+}
+
 CLLocationCoordinate2D CameraProjection::topLeftCoordinate() const {
-    return worldCoordinateAt({0, 0});
+    return worldCoordinateFor({0, 0});
 }
 
 CLLocationCoordinate2D CameraProjection::bottomLeftCoordinate() const {
-    return worldCoordinateAt({0, _stage.mapDimensions.y});
+    return worldCoordinateFor({0, publicCamera().size.y});
 }
 
 CLLocationCoordinate2D CameraProjection::topRightCoordinate() const {
-    return worldCoordinateAt({_stage.mapDimensions.x, 0});
+    return worldCoordinateFor({publicCamera().size.x, 0});
 }
 
 CLLocationCoordinate2D CameraProjection::bottomRightCoordinate() const {
-    return worldCoordinateAt(_stage.mapDimensions);
+    return worldCoordinateFor({publicCamera().size.x, publicCamera().size.y});
 }
 
 CGPoint CameraProjection::screenCoordinateFor(CLLocationCoordinate2D coordinate) const {
-    const ScreenPoint point = _frame.project(coordinateOf(coordinate));
+    const ScreenPoint point = publicCamera().frame.project(coordinateOf(coordinate));
     return {point.x, point.y};
 }
 
 CLLocationCoordinate2D CameraProjection::worldCoordinateFor(CGPoint point) const {
-    return worldCoordinateAt({point.x, point.y});
+    return locationOf(GeoUtils::coordinateOfScenePoint(publicCamera().frame.unproject({point.x, point.y})));
 }
 
-CLLocationCoordinate2D CameraProjection::worldCoordinateAt(ScreenPoint point) const {
-    return locationOf(GeoUtils::coordinateOfScenePoint(_frame.unproject(point)));
+void CameraProjection::cameraChanged() {
+    _frame = frame(_pose);
+    _changes.fetch_add(1, std::memory_order_release);
 }
 
 ScreenPoint CameraProjection::screenCoordinate(Coordinate coordinate, const CameraPose& pose) const {
@@ -103,13 +115,16 @@ float CameraProjection::zoomLevelSanitised(float mapZoom) {
 float CameraProjection::zoomLevelToFit(Coordinate bounds1, Coordinate bounds2) const {
     constexpr float kLowest = 14.0F;
     constexpr float kHighest = 22.0F;
+    const float zoom = unlimitedZoomToFit(bounds1, bounds2);
+    return std::isnan(zoom) ? kLowest : std::clamp(zoom, kLowest, kHighest);
+}
+
+float CameraProjection::unlimitedZoomToFit(Coordinate bounds1, Coordinate bounds2) const {
     const double latFraction = std::abs(halfMercator(bounds1.lat) - halfMercator(bounds2.lat)) / pi;
     const double lngFraction = std::abs(bounds1.lon - bounds2.lon) / 360.0;
     const float zoomX = zoomFor(_stage.mapDimensions.x, lngFraction);
     const float zoomY = zoomFor(_stage.mapDimensions.y, latFraction);
-    if (std::isnan(zoomX) || std::isnan(zoomY))
-        return kLowest;
-    return std::clamp(std::min(zoomX, zoomY), kLowest, kHighest);
+    return std::isnan(zoomX) || zoomX < zoomY ? zoomX : zoomY;
 }
 
 void CameraProjection::setCameraTarget(WorldMapPoint mapPoint, Coordinate coordinate) {

@@ -7,6 +7,8 @@
 #include <Trelmix/TrelmixMapEngineCamera.h>
 #include <Trelmix/TrelmixMapProjection.h>
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -24,7 +26,8 @@ class SCNView;
 ///
 /// Setters need the scene lock. They compute everything that depends on the camera at once, so that reads,
 /// which also need the lock while setters may run, are free of races among themselves; `frame()` gives a
-/// snapshot to convert with outside the lock. The state stays finite: a setter ignores a number that is not.
+/// snapshot to convert with outside the lock. The protocol's own conversions are the main thread's and need
+/// none. The state stays finite: a setter ignores a number that is not.
 class CameraProjection final : public TrelmixMapProjection {
 public:
     /// An invalid target, or one at a pole, would spoil the scene's origin for good: it becomes (0, 0).
@@ -61,6 +64,8 @@ public:
     static float zoomLevelSanitised(float mapZoom);
     /// Public zoom, 14 to 22, at which the rectangle of two opposite corners fits the view.
     float zoomLevelToFit(Coordinate bounds1, Coordinate bounds2) const;
+    /// The same without limits: infinite for a rectangle of no size, NaN for numbers that are not finite.
+    float unlimitedZoomToFit(Coordinate bounds1, Coordinate bounds2) const;
 
     std::shared_ptr<SCNNode> cameraNode() const { return _cameraNode.lock(); }
     void setCameraNode(std::weak_ptr<SCNNode> node) { _cameraNode = std::move(node); }
@@ -98,9 +103,15 @@ public:
     double mapPointsPerMeterMax() const { return _stage.mapPointsPerMeterMax; }
 
 private:
-    CLLocationCoordinate2D worldCoordinateAt(ScreenPoint point) const;
+    /// The application's copy, which only the main thread touches: animations change the camera on the
+    /// thread that draws.
+    struct PublicCamera {
+        CameraFrame frame;
+        ScreenPoint size;
+    };
+    const PublicCamera& publicCamera() const;
     double currentRatio() const;
-    void cameraChanged() { _frame = frame(_pose); }
+    void cameraChanged();
 
     std::weak_ptr<SCNNode> _cameraNode;
     std::weak_ptr<SCNView> _sceneView;
@@ -109,6 +120,9 @@ private:
     CameraPose _pose;
     CameraFrame _frame;
     double _mapPointScreenPointRatio;
+    std::atomic<std::uint64_t> _changes{0};
+    mutable PublicCamera _public;
+    mutable std::uint64_t _publicChanges = 0;
 };
 
 } // namespace trelmix

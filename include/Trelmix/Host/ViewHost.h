@@ -1,0 +1,95 @@
+/// @file
+/// Runs an engine in a window of the application's.
+#pragma once
+
+#include <Trelmix/Platform/Result.h>
+#include <Trelmix/Platform/UIImage.h>
+#include <Trelmix/TrelmixMapEngine.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace trelmix {
+
+/// Takes a window's touches and draws an engine into the OpenGL ES context that the application has made
+/// current.
+///
+/// Everything runs on the main thread, except that `drawFrame` may be called on one other thread, always the
+/// same one, whose context it then is (see RenderThread). Time is the process's clock, which runs by itself.
+/// Keeps the engine alive.
+class TRELMIX_API ViewHost {
+public:
+    /// Where the map lies in the window. Points from the window's top left corner; `scale` is pixels per
+    /// point. Each side of the map has 1 to 16384 pixels.
+    struct Layout {
+        CGSize window{800, 600};
+        CGRect map{{0, 0}, {800, 600}};
+        double scale = 1;
+    };
+    struct Options {
+        /// Samples a pixel for smooth edges; 0 chooses 4, or 1 on a driver that draws in software.
+        int samples = 0;
+        /// Seconds that one frame may spend on bringing images to the graphics processor; what is left comes
+        /// with the next frames.
+        double uploadSecondsPerFrame = 0.004;
+    };
+    /// An image drawn upright over the window: attribution, controls, a side view.
+    struct OverlayImage {
+        std::shared_ptr<const UIImage> image;
+        /// Points from the window's top left corner.
+        CGRect frame;
+    };
+    enum class Drawing {
+        drawn,
+        /// Nothing has changed since the last frame: no OpenGL call was made, and there is nothing to
+        /// present.
+        unchanged,
+        /// No current context, or one that cannot do what is needed; `failure()` tells.
+        failed
+    };
+
+    /// Fails when the engine is empty or of a foreign kind, and when the layout is out of range.
+    static Result<std::unique_ptr<ViewHost>> make(std::shared_ptr<TrelmixMapEngine> engine, Layout layout,
+                                                  Options options);
+    /// Destroy it with the context current, or after the context is gone.
+    virtual ~ViewHost();
+
+    /// A window that is resized keeps markers at their size. False when the layout is out of range.
+    virtual bool setLayout(Layout layout) = 0;
+    /// The whole window is the map.
+    bool resize(double width, double height, double scale) {
+        return setLayout({{width, height}, {{0, 0}, {width, height}}, scale});
+    }
+
+    /// A finger, or a mouse's button, goes down. `identifier` names it until it ends; points are from the
+    /// window's top left corner; `time` in seconds of any steady clock, the same one for all touches.
+    virtual void touchBegan(std::int64_t identifier, CGPoint point, double time) = 0;
+    virtual void touchMoved(std::int64_t identifier, CGPoint point, double time) = 0;
+    virtual void touchEnded(std::int64_t identifier, CGPoint point, double time) = 0;
+    /// The system has taken the finger away: what it did is cancelled.
+    virtual void touchCancelled(std::int64_t identifier, double time) = 0;
+    /// Call when the window loses its input.
+    virtual void cancelTouches() = 0;
+
+    /// Replaces the images drawn over the window, the first one undermost.
+    virtual void setOverlayImages(std::vector<OverlayImage> images) = 0;
+    /// Runs main-queue blocks and due timers; true when there were any. Call it from the event loop.
+    virtual bool pump() = 0;
+    /// Waits until there is something to pump, at most `seconds`.
+    virtual void waitForWork(double seconds) = 0;
+
+    /// Advances animations, updates the overlays and draws into the framebuffer that is bound in the current
+    /// context. Puts every OpenGL state it changes back.
+    /// @param always draw also when nothing has changed, for windows whose buffers do not keep their picture.
+    virtual Drawing drawFrame(bool always = false) = 0;
+    /// The picture of the last frame, without the overlay images. On the drawing thread.
+    virtual Result<std::shared_ptr<const UIImage>> image() = 0;
+    /// Why the last `drawFrame` failed.
+    virtual std::string failure() const = 0;
+    /// Forgets the context's objects; the next `drawFrame` makes them anew in the context current then. For a
+    /// context that was lost.
+    virtual void contextWasLost() = 0;
+};
+
+} // namespace trelmix

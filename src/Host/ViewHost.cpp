@@ -1,0 +1,219 @@
+#include <Trelmix/Host/ViewHost.h>
+
+#include "Host/HostedEngine.h"
+#include "Platform/Foundation/Clock.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/SceneLock.h"
+#include "Platform/Render/GLStateGuard.h"
+#include "Platform/Render/Renderer.h"
+#include "Platform/View/TouchDispatcher.h"
+
+#include <cmath>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace trelmix {
+
+namespace {
+
+/// Digitisers report fractions, mice whole points; and a step with an exact zero on an axis scrolls nothing.
+/// So every move is shifted by one or two of these in turn: an exact zero then means that nothing moved.
+constexpr double kFraction = 1.0 / 1024.0;
+
+bool sameList(const std::vector<ViewHost::OverlayImage>& a, const std::vector<ViewHost::OverlayImage>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const auto& x, const auto& y) { return x.image == y.image && x.frame == y.frame; });
+}
+
+class WindowHost final : public ViewHost {
+public:
+    WindowHost(HostedEngine engine, Options options)
+        : _engine(std::move(engine)), _options(options), _touches(_engine.engine().view()) {}
+
+    ~WindowHost() override {
+        _renderer.reset();
+        if (_graveyard) {
+            _graveyard->deleteObjects();
+        }
+    }
+
+    bool setLayout(Layout layout) override {
+        const SceneLock lock;
+        if (!_engine.resize(layout.map.size.width, layout.map.size.height, layout.scale).empty()) {
+            return false;
+        }
+        _layout = layout;
+        _layoutChanged = true;
+        return true;
+    }
+
+    void touchBegan(std::int64_t identifier, CGPoint point, double time) override {
+        _touches.handle({identifier, TouchPhase::began, inMap(point), time});
+    }
+
+    void touchMoved(std::int64_t identifier, CGPoint point, double time) override {
+        _shiftsTwice = !_shiftsTwice;
+        const double shift = _shiftsTwice ? 2 * kFraction : kFraction;
+        const CGPoint place = inMap(point);
+        _touches.handle({identifier, TouchPhase::moved, {place.x + shift, place.y + shift}, time});
+    }
+
+    void touchEnded(std::int64_t identifier, CGPoint, double time) override {
+        // Where the finger was last seen: a lift is no movement.
+        _touches.handle({identifier, TouchPhase::ended, {std::nan(""), std::nan("")}, time});
+    }
+
+    void touchCancelled(std::int64_t identifier, double time) override {
+        _touches.handle({identifier, TouchPhase::cancelled, {std::nan(""), std::nan("")}, time});
+    }
+
+    void cancelTouches() override { _touches.cancelAll(); }
+
+    void setOverlayImages(std::vector<OverlayImage> images) override {
+        const std::lock_guard guard(_overlayMutex);
+        if (!sameList(images, _overlays)) {
+            _overlays = std::move(images);
+            ++_overlayNumber;
+        }
+    }
+
+    bool pump() override { return RunLoop::main().pump(); }
+    void waitForWork(double seconds) override { RunLoop::main().wait(seconds); }
+
+    Drawing drawFrame(bool always) override {
+        DrawFrame frame;
+        Layout layout;
+        bool changed = always;
+        {
+            const SceneLock lock;
+            layout = _layout;
+            frame = _engine.nextFrame(Clock::now());
+            changed = std::exchange(_layoutChanged, false) || changed;
+        }
+        std::vector<OverlayImage> overlays;
+        {
+            const std::lock_guard guard(_overlayMutex);
+            changed = std::exchange(_drawnOverlayNumber, _overlayNumber) != _overlayNumber || changed;
+            overlays = _overlays;
+        }
+        changed = changed || _uploadsLeft > 0 || frame.camera != _drawn.camera || frame.list != _drawn.list ||
+                  frame.alpha != _drawn.alpha || !(frame.background == _drawn.background);
+        if (!changed) {
+            return Drawing::unchanged;
+        }
+        const bool isDrawn = draw(frame, layout, overlays);
+        _drawn = isDrawn ? std::move(frame) : DrawFrame{};
+        return isDrawn ? Drawing::drawn : Drawing::failed;
+    }
+
+    Result<std::shared_ptr<const UIImage>> image() override {
+        if (!_renderer) {
+            return Result<std::shared_ptr<const UIImage>>::failure("no frame has been drawn yet");
+        }
+        const GLStateGuard guard(*_capabilities);
+        return _renderer->readBack(_layout.scale);
+    }
+
+    std::string failure() const override { return _failure; }
+
+    void contextWasLost() override {
+        _renderer.reset();
+        _graveyard = nullptr; // its names went with the context
+        _capabilities.reset();
+        _drawn = {};
+    }
+
+private:
+    CGPoint inMap(CGPoint point) const {
+        return {point.x - _layout.map.origin.x, point.y - _layout.map.origin.y};
+    }
+
+    bool prepare() {
+        if (_renderer) {
+            return true;
+        }
+        _capabilities = GLCapabilities::ofCurrentContext();
+        if (_capabilities->renderer.empty()) {
+            _capabilities.reset();
+            _failure = "no OpenGL ES context is current";
+            return false;
+        }
+        _graveyard = std::make_shared<GLGraveyard>();
+        Renderer::Options options;
+        options.samples = _options.samples > 0 ? _options.samples : (_capabilities->isSoftwareDriver ? 1 : 4);
+        options.uploadSecondsPerFrame = _options.uploadSecondsPerFrame;
+        _renderer = std::make_unique<Renderer>(*_capabilities, _graveyard, options);
+        return true;
+    }
+
+    bool draw(const DrawFrame& frame, const Layout& layout, const std::vector<OverlayImage>& overlays) {
+        if (!prepare()) {
+            return false;
+        }
+        const GLStateGuard guard(*_capabilities);
+        const auto pixels = [&layout](double points) {
+            return static_cast<int>(std::round(points * layout.scale));
+        };
+        const int width = pixels(layout.map.size.width);
+        const int height = pixels(layout.map.size.height);
+        const auto report = _renderer->draw(frame, width, height);
+        _failure = report.reason();
+        if (!report) {
+            return false;
+        }
+        _uploadsLeft = report->uploadsLeft;
+        const int windowHeight = pixels(layout.window.height);
+        const int bottom = windowHeight - pixels(layout.map.origin.y) - height;
+        _renderer->blitTo(guard.framebuffer(), pixels(layout.map.origin.x), bottom, width, height);
+        std::vector<OverlayQuad> quads;
+        for (const OverlayImage& overlay : overlays) {
+            const CGRect& r = overlay.frame;
+            quads.push_back({overlay.image,
+                             {{r.origin.x * layout.scale, r.origin.y * layout.scale},
+                              {r.size.width * layout.scale, r.size.height * layout.scale}}});
+        }
+        _renderer->drawImagesTo(guard.framebuffer(), pixels(layout.window.width), windowHeight, quads);
+        return true;
+    }
+
+    HostedEngine _engine;
+    Options _options;
+    TouchDispatcher _touches;
+    Layout _layout;
+    bool _layoutChanged = true;
+    bool _shiftsTwice = false;
+    std::mutex _overlayMutex;
+    std::vector<OverlayImage> _overlays;
+    std::uint64_t _overlayNumber = 0;
+    // The drawing thread's.
+    std::uint64_t _drawnOverlayNumber = 0;
+    std::optional<GLCapabilities> _capabilities;
+    std::shared_ptr<GLGraveyard> _graveyard;
+    std::unique_ptr<Renderer> _renderer;
+    DrawFrame _drawn;
+    int _uploadsLeft = 0;
+    std::string _failure;
+};
+
+} // namespace
+
+ViewHost::~ViewHost() = default;
+
+Result<std::unique_ptr<ViewHost>> ViewHost::make(std::shared_ptr<TrelmixMapEngine> engine, Layout layout,
+                                                 Options options) {
+    using HostResult = Result<std::unique_ptr<ViewHost>>;
+    auto hosted = HostedEngine::adopt(engine);
+    if (!hosted) {
+        return HostResult::failure(hosted.reason());
+    }
+    if (auto reason = hosted->resize(layout.map.size.width, layout.map.size.height, layout.scale);
+        !reason.empty()) {
+        return HostResult::failure(std::move(reason));
+    }
+    std::unique_ptr<ViewHost> host = std::make_unique<WindowHost>(std::move(*hosted), options);
+    host->setLayout(layout);
+    return host;
+}
+
+} // namespace trelmix
