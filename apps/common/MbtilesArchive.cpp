@@ -15,7 +15,7 @@ namespace {
 // thousand steps of SQLite's machine is stopped. Counting a table of ten million tiles without an index stays
 // below.
 constexpr int kStepsPerCheck = 100'000;
-constexpr int kMaximumChecks = 2'000;
+constexpr int kMaximumChecks = 1'000;
 
 int countCheck(void* checks) {
     return ++*static_cast<int*>(checks) > kMaximumChecks ? 1 : 0;
