@@ -92,7 +92,12 @@ void TouchDispatcher::State::run(std::function<void(State&)> event) {
     while (!_queue.empty()) {
         const std::function<void(State&)> next = std::move(_queue.front());
         _queue.pop_front();
-        next(*this);
+        // An exception of a delegate must not leave the queue closed for all that follows.
+        try {
+            next(*this);
+        } catch (...) {
+            reportCallerFault("a touch event threw an exception");
+        }
     }
     _isRunning = false;
     scheduleTimer();
@@ -247,7 +252,11 @@ TouchDispatcher::TouchDispatcher(std::weak_ptr<UIView> root)
 }
 
 TouchDispatcher::~TouchDispatcher() {
-    _state->close();
+    try {
+        _state->close();
+    } catch (...) {
+        reportCallerFault("cancelling touches threw an exception");
+    }
 }
 
 void TouchDispatcher::handle(const Touch& touch) {

@@ -43,7 +43,7 @@ private:
 };
 
 std::shared_ptr<UIScrollView> UIScrollView::make(CGRect frame) {
-    const std::shared_ptr<UIScrollView> view(new UIScrollView(frame));
+    std::shared_ptr<UIScrollView> view(new UIScrollView(frame));
     view->addRecognizers();
     return view;
 }

@@ -60,10 +60,11 @@ void UIView::addSubview(const std::shared_ptr<UIView>& view) {
     if (!view || isDescendantOf(*view)) {
         return;
     }
-    const std::shared_ptr<UIView> added = view;
+    // The reference may be to an element of the list that it leaves.
+    std::shared_ptr<UIView> added = view;
     added->removeFromSuperview();
-    _subviews.push_back(added);
     added->_superview = weak_from_this();
+    _subviews.push_back(std::move(added));
     setNeedsLayout();
 }
 
