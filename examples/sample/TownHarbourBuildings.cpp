@@ -57,7 +57,7 @@ void addCommercialHarbour(TownModel& model) {
     addQuayBuilding(model, BuildingKind::Industrial, 462, -58, 518, -34, 11, 0);
     addQuayBuilding(model, BuildingKind::Industrial, 528, -58, 590, -34, 11, 1);
     addQuayBuilding(model, BuildingKind::Industrial, 600, -60, 690, -36, 12, 0);
-    addQuayBuilding(model, BuildingKind::Industrial, 724, -56, 776, -10, 10, 2);
+    addQuayBuilding(model, BuildingKind::Industrial, 724, -56, 776, -28, 10, 2);
     addQuayBuilding(model, BuildingKind::Industrial, 590, 22, 650, 56, 13, 1);
     addQuayBuilding(model, BuildingKind::Industrial, 590, 66, 640, 98, 12, 2);
     for (int i = 0; i < 6; ++i) {

@@ -134,12 +134,12 @@ void addSidings(TownModel& model) {
         }
         model.sidings.push_back({track, 2.4, Box::of(track)});
     }
+    // Leaves the main line east of the town and follows the coast back to the quays.
     Path harbourBranch;
     for (double t = 0; t <= 1.0001; t += 0.02)
-        harbourBranch.push_back(
-            townPoint(820 - 60 * std::sin(t * std::numbers::pi / 2) - 90 * smoothStep(0.55, 1, t),
-                      kRailwayV + 300 * t));
-    for (double u = 660; u >= 470; u -= 10)
+        harbourBranch.push_back(between(townPoint(1250 - 480 * t, kRailwayV), quayPoint(1250 - 480 * t, -20),
+                                        smoothStep(0, 0.9, t)));
+    for (double u = 760; u >= 470; u -= 10)
         harbourBranch.push_back(quayPoint(u, -20));
     model.sidings.push_back({harbourBranch, 2.4, Box::of(harbourBranch)});
 }
