@@ -1,5 +1,4 @@
 #include "common/GeoJson.h"
-#include "common/Json.h"
 #include "common/SceneFile.h"
 #include "Platform/Foundation/FileData.h"
 #include "sample/Icons.h"
