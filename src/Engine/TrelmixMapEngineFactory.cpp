@@ -1,8 +1,10 @@
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
 #include "Engine/TrelmixMapEngineSceneView.h"
-#include "Platform/Foundation/MainEntry.h"
+#include "SceneKit/CircleNode.h"
 #include "SceneKit/MapTileNode.h"
+#include "SceneKit/PolygonNode.h"
+#include "SceneKit/PolylineNode.h"
 
 namespace trelmix {
 
@@ -12,6 +14,41 @@ std::shared_ptr<TrelmixMapEngine> TrelmixMapEngineFactory::createMap() {
 
 std::shared_ptr<TrelmixMapTileLayer> TrelmixMapEngineFactory::createMapTilesNode() {
     return MapTileNode::make();
+}
+
+std::shared_ptr<TrelmixLevelPlanNode>
+TrelmixMapEngineFactory::createLevelPlanNodeWith(std::shared_ptr<const UIImage> image,
+                                                 CLLocationCoordinate2D southWest,
+                                                 CLLocationCoordinate2D northEast) {
+    return TrelmixMapEngineSceneView::createLevelPlanNode(std::move(image), southWest, northEast);
+}
+
+std::shared_ptr<TrelmixMapMarker>
+TrelmixMapEngineFactory::createMapMarkerWith(std::shared_ptr<const UIImage> icon,
+                                             CLLocationCoordinate2D coordinate) {
+    return TrelmixMapEngineSceneView::createMapMarker(std::move(icon), coordinate);
+}
+
+std::shared_ptr<TrelmixMapCircle>
+TrelmixMapEngineFactory::createMapCircleWithCoordinate(CLLocationCoordinate2D coordinate, double radius) {
+    auto circle = CircleNode::make();
+    circle->setCoordinate(coordinate);
+    circle->setRadius(radius);
+    return circle;
+}
+
+std::shared_ptr<TrelmixMapPolygon>
+TrelmixMapEngineFactory::createMapPolygonWithCorners(std::vector<CLLocation> corners) {
+    auto polygon = PolygonNode::make();
+    polygon->setPolygonCorners(std::move(corners));
+    return polygon;
+}
+
+std::shared_ptr<TrelmixMapPolyline>
+TrelmixMapEngineFactory::createMapPolylineWithVertices(std::vector<CLLocation> vertices) {
+    auto polyline = PolylineNode::make();
+    polyline->setPolylineVertices(std::move(vertices));
+    return polyline;
 }
 
 } // namespace trelmix

@@ -6,6 +6,8 @@
 #include "Platform/Foundation/MainEntry.h"
 #include "Platform/Foundation/Thread.h"
 #include "Platform/View/LayoutConstraint.h"
+#include "SceneKit/LevelPlanNode.h"
+#include "SceneKit/MarkerNode.h"
 
 #include <cmath>
 
@@ -41,6 +43,24 @@ TrelmixMapEngineSceneView::~TrelmixMapEngineSceneView() {
         _cameraIdleTimer->invalidate();
     }
     clearNodes(*_defaultScene);
+}
+
+std::shared_ptr<TrelmixMapMarker>
+TrelmixMapEngineSceneView::createMapMarker(std::shared_ptr<const UIImage> icon,
+                                           CLLocationCoordinate2D coordinate) {
+    auto marker = MarkerNode::make();
+    marker->setMarkerIcon(std::move(icon));
+    marker->setCoordinate(coordinate);
+    return marker;
+}
+
+std::shared_ptr<TrelmixLevelPlanNode>
+TrelmixMapEngineSceneView::createLevelPlanNode(std::shared_ptr<const UIImage> image,
+                                               CLLocationCoordinate2D southWest,
+                                               CLLocationCoordinate2D northEast) {
+    auto plan = LevelPlanNode::make(coordinateOf(southWest), coordinateOf(northEast));
+    plan->setLevelPlanImage(std::move(image));
+    return plan;
 }
 
 std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::self() {

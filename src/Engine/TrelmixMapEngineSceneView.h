@@ -5,7 +5,9 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/SCNView.h"
 
+#include <Trelmix/TrelmixLevelPlanNode.h>
 #include <Trelmix/TrelmixMapEngine.h>
+#include <Trelmix/TrelmixMapMarker.h>
 
 #include <functional>
 #include <memory>
@@ -29,6 +31,11 @@ public:
 
     static std::shared_ptr<TrelmixMapEngineSceneView> make(CGRect frame = {});
     ~TrelmixMapEngineSceneView() override;
+    static std::shared_ptr<TrelmixMapMarker> createMapMarker(std::shared_ptr<const UIImage> icon,
+                                                             CLLocationCoordinate2D coordinate);
+    static std::shared_ptr<TrelmixLevelPlanNode> createLevelPlanNode(std::shared_ptr<const UIImage> image,
+                                                                     CLLocationCoordinate2D southWest,
+                                                                     CLLocationCoordinate2D northEast);
 
     std::shared_ptr<UIView> view() override { return shared_from_this(); }
     std::optional<UIColor> backgroundColor() const override { return UIView::backgroundColor(); }

@@ -162,6 +162,13 @@ void SCNNode::endPartsOf(SCNAction::Kind kind) {
     }
 }
 
+bool SCNNode::runsActionOf(SCNAction::Kind kind) const {
+    return std::any_of(_runs.begin(), _runs.end(), [kind](const auto& run) {
+        return std::any_of(run->parts.begin(), run->parts.end(),
+                           [kind](const auto& part) { return part->kind() == kind; });
+    });
+}
+
 void SCNNode::removeAllActions() {
     const bool hadSome = !_runs.empty();
     const std::vector<std::shared_ptr<Run>> ended = std::move(_runs);

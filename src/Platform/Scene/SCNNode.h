@@ -84,6 +84,8 @@ public:
     /// Cancels all; the presented values become the model's.
     void removeAllActions();
     bool hasActions() const { return !_runs.empty(); }
+    /// Whether an action of that kind runs, alone or in a group.
+    bool runsActionOf(SCNAction::Kind kind) const;
 
     /// The picture of the node as it stands; empty when it shows nothing. The same object while nothing
     /// changed.
