@@ -1,9 +1,12 @@
 #include "Render/RenderFixture.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace trelmix::render_test {
 namespace {
+
+using Color = std::array<std::uint8_t, 4>;
 
 TEST_F(RenderTest, anImageOfThePicturesSizeComesBackTexelForTexel) {
     std::vector<std::uint8_t> pixels;
@@ -18,6 +21,148 @@ TEST_F(RenderTest, anImageOfThePicturesSizeComesBackTexelForTexel) {
             frameOf({imageItem(image, ground(-32, -24, 32, 24), 1, usesLevels)}, cameraAt({}, 48)), 64, 48);
         EXPECT_TRUE(std::ranges::equal(shown->pixels(), image->pixels())) << usesLevels;
     }
+}
+
+TEST_F(RenderTest, premultipliedColoursBlendOnceByOpacityAndCoverage) {
+    struct Case {
+        Color top;
+        float opacity;
+    };
+    const Color below{40, 80, 200, 255};
+    for (const Case& c :
+         {Case{{128, 0, 0, 128}, 1}, Case{{128, 0, 0, 128}, 0.5F}, Case{{255, 255, 255, 255}, 0.25F},
+          Case{{0, 0, 0, 0}, 1}, Case{{7, 30, 3, 31}, 0.999F}}) {
+        for (const bool usesLevels : {false, true}) {
+            auto top = imageItem(plainImage(8, 8, c.top), ground(-20, -20, 20, 20), 2, usesLevels);
+            top->opacity = c.opacity;
+            const auto shown =
+                picture(frameOf({imageItem(plainImage(8, 8, below), ground(-20, -20, 20, 20), 1), top},
+                                cameraAt({}, 32)),
+                        32, 32);
+            for (std::size_t i = 0; i < 4; ++i) {
+                const double alpha = c.top[3] / 255.0 * c.opacity;
+                EXPECT_NEAR(pixelAt(*shown, 16, 16)[i], c.top[i] * c.opacity + below[i] * (1 - alpha), 1.0);
+            }
+        }
+    }
+}
+
+TEST_F(RenderTest, laterItemsCoverEarlierOnesWhateverTheirKindAndHeight) {
+    const auto all = ground(-20, -20, 20, 20);
+    auto raised = imageItem(plainImage(4, 4, {255, 0, 0, 255}), all, 1);
+    for (Vector3d& corner : raised->corners) {
+        corner.z = 5;
+    }
+    auto mesh = std::make_shared<SCNMesh>();
+    mesh->vertices = {-20, -20, 0, 20, -20, 0, 0, 20, 0};
+    mesh->indices = std::vector<std::uint8_t>{0, 1, 2};
+    auto fill = std::make_shared<DrawItem>();
+    fill->kind = DrawKind::fill;
+    fill->mesh = mesh;
+    fill->color = {0, 1, 0, 1};
+    fill->sequence = 2;
+    const auto disc = discItem({}, 10, {0, 0, 1, 1}, 3);
+    const auto top = imageItem(plainImage(4, 4, {9, 9, 9, 255}), ground(-3, -3, 3, 3), 4);
+    const DrawCamera camera = cameraAt({}, 40);
+    EXPECT_EQ(pixelAt(*picture(frameOf({raised, fill}, camera), 40, 40), 20, 20), (Rgba{0, 255, 0, 255}));
+    EXPECT_EQ(pixelAt(*picture(frameOf({raised, fill, disc}, camera), 40, 40), 20, 20),
+              (Rgba{0, 0, 255, 255}));
+    EXPECT_EQ(pixelAt(*picture(frameOf({raised, fill, disc, top}, camera), 40, 40), 20, 20),
+              (Rgba{9, 9, 9, 255}));
+    auto below = std::make_shared<DrawItem>(*top);
+    below->renderingOrder = -1;
+    EXPECT_EQ(pixelAt(*picture(frameOf({below, raised, fill, disc}, camera), 40, 40), 20, 20),
+              (Rgba{0, 0, 255, 255}));
+}
+
+TEST_F(RenderTest, theSceneFadesOverItsBackground) {
+    const Items items{imageItem(plainImage(4, 4, {0, 0, 0, 255}), ground(-9, -9, 9, 9), 1)};
+    const UIColor background{0, 1, 0.2, 0.5};
+    const Rgba bare{0, 128, 26, 128};
+    for (const double alpha : {0.0, 0.25, 1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        DrawFrame frame = frameOf(items, cameraAt({}, 8), background);
+        frame.alpha = alpha;
+        const Rgba shown = pixelAt(*picture(frame, 8, 8), 4, 4);
+        const double part = alpha > 0 ? alpha : 0;
+        for (std::size_t i = 0; i < 4; ++i) {
+            EXPECT_NEAR(shown[i], bare[i] * (1 - part) + (i == 3 ? 255 : 0) * part, 1.01) << alpha;
+        }
+    }
+}
+
+TEST_F(RenderTest, sizesThatCannotBeAreRefusedAndLeaveThePictureBefore) {
+    EXPECT_FALSE(renderer->readBack(1));
+    draw(frameOf({}, cameraAt({}, 8), UIColor::redColor()), 8, 8);
+    const int beyond = capabilities.maximumTargetSize + 1;
+    for (const auto& [width, height] : {std::pair{0, 8}, {8, 0}, {-3, 8}, {beyond, 8}, {8, 100000}}) {
+        const auto report = renderer->draw(frameOf({}, cameraAt({}, 8)), width, height);
+        EXPECT_FALSE(report);
+        EXPECT_FALSE(report.reason().empty());
+    }
+    const auto kept = renderer->readBack(1);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(pixelAt(**kept, 7, 7), (Rgba{255, 0, 0, 255}));
+    EXPECT_FALSE(renderer->readBack(0));
+}
+
+TEST_F(RenderTest, whatCannotBeDrawnIsLeftOut) {
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const auto image = plainImage(4, 4, {255, 0, 0, 255});
+    Items items{nullptr, imageItem(nullptr, ground(-9, -9, 9, 9), 1)};
+    for (const double bad : {kNaN, kInfinity, 1e300}) {
+        items.push_back(imageItem(image, ground(bad, -9, 9, 9), items.size()));
+        items.push_back(discItem({bad, 0, 0}, 5, {1, 0, 0, 1}, items.size()));
+        items.push_back(discItem({}, bad, {1, 0, 0, 0}, items.size()));
+    }
+    items.push_back(imageItem(image, ground(0, 0, 0, 0), items.size()));
+    items.push_back(discItem({}, 0, {1, 0, 0, 1}, items.size()));
+    auto odd = discItem({1, 1, 0}, 2, {static_cast<float>(kNaN), 7, -3, 1}, items.size());
+    odd->opacity = static_cast<float>(kNaN);
+    items.push_back(odd);
+    for (const DrawKind kind : {DrawKind::fill, DrawKind::program}) {
+        auto item = std::make_shared<DrawItem>();
+        item->kind = kind;
+        item->sequence = items.size();
+        items.push_back(item);
+    }
+    const Rgba white{255, 255, 255, 255};
+    EXPECT_EQ(pixelAt(*picture(frameOf(items, cameraAt({}, 16)), 16, 16), 12, 4), white);
+    DrawCamera camera = cameraAt({}, 16);
+    camera.position.x = kNaN;
+    EXPECT_EQ(pixelAt(*picture(frameOf(items, camera), 16, 16), 12, 4), white);
+    DrawFrame empty = frameOf({}, cameraAt({}, 16));
+    empty.list = nullptr;
+    EXPECT_EQ(pixelAt(*picture(empty, 16, 16), 8, 8), white);
+}
+
+TEST_F(RenderTest, aPlaceFarFromTheOriginIsDrawnAsExactlyAsOneNearIt) {
+    // 20 km at the latitude of 50 degrees and the deepest zoom: pixels of half a unit.
+    const auto image = [] {
+        std::vector<std::uint8_t> pixels;
+        for (int i = 0; i < 32 * 32; ++i) {
+            const auto v = static_cast<std::uint8_t>((i % 32 * 83 + i / 32 * 47) % 256);
+            pixels.insert(pixels.end(), {v, v, v, 255});
+        }
+        return UIImage::withPixels(32, 32, std::move(pixels));
+    }();
+    const auto shownAt = [&](Vector3d place) {
+        const auto corners = ground(place.x - 20, place.y - 20, place.x + 20, place.y + 20);
+        return picture(frameOf({imageItem(image, corners, 1)}, cameraAt(place, 200, 0.7, 0.4, 0.5)), 200,
+                       200);
+    };
+    const auto near = shownAt({});
+    // Walks there, so that the origin has to follow.
+    for (double x = 1000; x < 3.3e6; x *= 4) {
+        shownAt({x, -x / 2, 0});
+    }
+    const auto far = shownAt({3340000.25, -1700000.75, 0});
+    double worst = 0;
+    for (std::size_t i = 0; i < near->pixels().size(); ++i) {
+        worst = std::max(worst, std::abs(double(near->pixels()[i]) - double(far->pixels()[i])));
+    }
+    // A texel is 2.5 pixels wide: a tenth of a pixel is at most 255 / 25.
+    EXPECT_LE(worst, 10);
 }
 
 } // namespace

@@ -18,7 +18,7 @@ bool isPowerOfTwo(int n) {
 struct Span {
     int start; ///< texels that the part shows
     int end;
-    int first; ///< texels that it holds
+    int first; ///< texels that it holds; beyond the image's edge they repeat it
     int last;
 };
 
@@ -35,7 +35,9 @@ std::vector<Span> cut(int size, int limit) {
     std::vector<Span> spans;
     for (int start = 0; start < size; start += step) {
         const int end = std::min(size, start + step);
-        spans.push_back({start, end, std::max(0, start - border), std::min(size, end + border)});
+        // Whole borders, so that halving keeps texels in line with those of the image's own levels.
+        const int last = std::min((size + border - 1) / border * border, end + border);
+        spans.push_back({start, end, std::max(0, start - border), last});
     }
     return spans;
 }
@@ -141,27 +143,42 @@ void ImageTexture::startPart(Part& part, const std::shared_ptr<GLGraveyard>& gra
     }
 }
 
+void ImageTexture::copyRows(std::span<const std::uint8_t> pixels, Texels source, Texels from, Texels size) {
+    const auto rowBytes = static_cast<std::size_t>(size.x) * 4;
+    const auto sourceRowBytes = static_cast<std::size_t>(source.x) * 4;
+    const auto there = static_cast<std::size_t>(std::min(size.x, source.x - from.x)) * 4;
+    _rows.resize(rowBytes * static_cast<std::size_t>(size.y));
+    for (int row = 0; row < size.y; ++row) {
+        const int sourceRow = std::min(from.y + row, source.y - 1);
+        const std::uint8_t* in = pixels.data() + static_cast<std::size_t>(sourceRow) * sourceRowBytes +
+                                 static_cast<std::size_t>(from.x) * 4;
+        std::uint8_t* out = _rows.data() + static_cast<std::size_t>(row) * rowBytes;
+        std::memcpy(out, in, there);
+        for (std::size_t at = there; at < rowBytes; at += 4) {
+            std::memcpy(out + at, in + there - 4, 4);
+        }
+    }
+}
+
 std::size_t ImageTexture::uploadRows(const Part& part) {
     const auto level = _nextLevel;
     const int width = std::max(1, part.width >> level);
     const int height = std::max(1, part.height >> level);
     const int sourceWidth = std::max(1, _image->pixelWidth() >> level);
     const int sourceHeight = std::max(1, _image->pixelHeight() >> level);
-    const int x = std::min(part.x >> level, sourceWidth - width);
-    const int y = std::min(part.y >> level, sourceHeight - height);
+    const int x = std::min(part.x >> level, sourceWidth - 1);
+    const int y = std::min(part.y >> level, sourceHeight - 1);
     const auto pixels = level == 0 ? _image->pixels() : _image->levels()[static_cast<std::size_t>(level)];
 
     const auto rowBytes = static_cast<std::size_t>(width) * 4;
     const int rows = static_cast<int>(std::max<std::size_t>(1, kPieceBytes / rowBytes));
     const int count = std::min(rows, height - _nextRow);
-    const auto stride = static_cast<std::size_t>(sourceWidth) * 4;
     const std::uint8_t* data =
-        pixels.data() + static_cast<std::size_t>(y + _nextRow) * stride + static_cast<std::size_t>(x) * 4;
-    if (width != sourceWidth) {
-        _rows.resize(rowBytes * static_cast<std::size_t>(count));
-        for (std::size_t row = 0; row < static_cast<std::size_t>(count); ++row) {
-            std::memcpy(_rows.data() + row * rowBytes, data + row * stride, rowBytes);
-        }
+        pixels.data() + (static_cast<std::size_t>(y + _nextRow) * static_cast<std::size_t>(sourceWidth) +
+                         static_cast<std::size_t>(x)) *
+                            4;
+    if (width != sourceWidth || y + _nextRow + count > sourceHeight) {
+        copyRows(pixels, {sourceWidth, sourceHeight}, {x, y + _nextRow}, {width, count});
         data = _rows.data();
     }
     if (count == height) {

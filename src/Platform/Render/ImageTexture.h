@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace trelmix {
@@ -62,6 +63,12 @@ private:
     void split(int limit);
     void startPart(Part& part, const std::shared_ptr<GLGraveyard>& graveyard);
     std::size_t uploadRows(const Part& part);
+    struct Texels {
+        int x;
+        int y;
+    };
+    /// Cuts a rectangle out of a level, repeating the level's edge beyond it.
+    void copyRows(std::span<const std::uint8_t> pixels, Texels source, Texels from, Texels size);
     int levelCount(const Part& part) const;
 
     std::shared_ptr<const UIImage> _image; ///< until it is uploaded

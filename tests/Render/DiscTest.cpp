@@ -1,0 +1,121 @@
+#include "Render/RenderFixture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace trelmix::render_test {
+namespace {
+
+struct Blob {
+    double area = 0;
+    CGPoint centre;
+};
+
+/// Of what is darker than white, by coverage.
+Blob blobIn(const UIImage& image) {
+    Blob blob;
+    for (int y = 0; y < image.pixelHeight(); ++y) {
+        for (int x = 0; x < image.pixelWidth(); ++x) {
+            const double coverage = 1 - pixelAt(image, x, y)[0] / 255.0;
+            blob.area += coverage;
+            blob.centre.x += coverage * (x + 0.5);
+            blob.centre.y += coverage * (y + 0.5);
+        }
+    }
+    blob.centre.x /= blob.area;
+    blob.centre.y /= blob.area;
+    return blob;
+}
+
+/// Of the polygon through the projections of points on the rim.
+Blob projectedRim(const DrawCamera& camera, Vector3d centre, double radius, int width, int height) {
+    constexpr int kPoints = 720;
+    Blob blob;
+    CGPoint before{};
+    for (int i = 0; i <= kPoints; ++i) {
+        const double angle = 2 * std::numbers::pi * i / kPoints;
+        const CGPoint p = projected(
+            camera, centre + Vector3d{std::cos(angle) * radius, std::sin(angle) * radius, 0}, width, height);
+        if (i > 0) {
+            const double cross = before.x * p.y - p.x * before.y;
+            blob.area += cross / 2;
+            blob.centre.x += (before.x + p.x) * cross / 6;
+            blob.centre.y += (before.y + p.y) * cross / 6;
+        }
+        before = p;
+    }
+    blob.centre.x /= blob.area;
+    blob.centre.y /= blob.area;
+    blob.area = std::abs(blob.area);
+    return blob;
+}
+
+struct DiscCase {
+    double radius;
+    double tilt;
+    double rotation;
+    double unitsPerPixel;
+};
+
+TEST_F(RenderTest, discsHaveThePlaceAndTheAreaOfTheirProjectionWithAndWithoutSamples) {
+    for (const int samples : {1, 4}) {
+        Renderer::Options options;
+        options.samples = samples;
+        makeRenderer(options);
+        for (const DiscCase& c :
+             {DiscCase{0.6, 0, 0, 1}, DiscCase{1.3, 0, 0, 1}, DiscCase{2, 30, 37, 1}, DiscCase{5, 55, 123, 1},
+              DiscCase{40, 55, 270, 1}, DiscCase{45, 30, 37, 0.7}, DiscCase{3000, 55, 37, 60}}) {
+            const DrawCamera camera =
+                cameraAt({}, 200, c.tilt * kDegree, c.rotation * kDegree, c.unitsPerPixel);
+            const Vector3d centre{7.3 * c.unitsPerPixel, -11.6 * c.unitsPerPixel, 0.05};
+            const auto shown = picture(frameOf({discItem(centre, c.radius, {0, 0, 0, 1})}, camera), 260, 200);
+            const Blob drawn = blobIn(*shown);
+            const Blob expected = projectedRim(camera, centre, c.radius, 260, 200);
+            EXPECT_NEAR(drawn.area / expected.area, 1, 0.03) << c.radius << " tilt " << c.tilt;
+            EXPECT_NEAR(drawn.centre.x, expected.centre.x, 0.15) << c.radius << " tilt " << c.tilt;
+            EXPECT_NEAR(drawn.centre.y, expected.centre.y, 0.15) << c.radius << " tilt " << c.tilt;
+        }
+    }
+}
+
+TEST_F(RenderTest, theRimOfAHugeDiscIsSmoothAndInItsPlace) {
+    constexpr double kRadius = 300000;
+    const DrawCamera camera = cameraAt({kRadius, 0, 0}, 100);
+    const auto shown = picture(frameOf({discItem({}, kRadius, {0, 0, 0, 1})}, camera), 100, 100);
+    for (const int y : {3, 50, 96}) {
+        double covered = 0;
+        for (int x = 0; x < 100; ++x) {
+            covered += 1 - pixelAt(*shown, x, y)[0] / 255.0;
+        }
+        EXPECT_NEAR(covered, 50, 0.25);
+    }
+}
+
+TEST_F(RenderTest, aTranslucentDiscBlendsOnceAndItsEdgeHasManyGreys) {
+    Renderer::Options options;
+    options.samples = 1;
+    makeRenderer(options);
+    auto disc = discItem({}, 40, {0, 0, 0, 0.5F});
+    disc->opacity = 0.5F;
+    const auto shown = picture(frameOf({disc}, cameraAt({}, 100)), 100, 100);
+    EXPECT_NEAR(pixelAt(*shown, 50, 50)[0], 191, 1);
+    std::set<int> greys;
+    for (int i = 0; i < 100 * 100; ++i) {
+        greys.insert(pixelAt(*shown, i % 100, i / 100)[0]);
+    }
+    EXPECT_GT(greys.size(), 16U);
+}
+
+TEST_F(RenderTest, discsStaySmoothWithoutDerivatives) {
+    capabilities.hasDerivatives = false;
+    makeRenderer({});
+    for (const double tilt : {0.0, 40.0}) {
+        const DrawCamera camera = cameraAt({}, 200, tilt * kDegree);
+        const auto shown = picture(frameOf({discItem({}, 60, {0, 0, 0, 1})}, camera), 200, 200);
+        EXPECT_NEAR(blobIn(*shown).area / projectedRim(camera, {}, 60, 200, 200).area, 1, 0.03) << tilt;
+    }
+}
+
+} // namespace
+} // namespace trelmix::render_test

@@ -1,0 +1,93 @@
+#include "Render/RenderFixture.h"
+
+#include <algorithm>
+#include <set>
+
+namespace trelmix::render_test {
+namespace {
+
+TEST_F(RenderTest, slantedEdgesHaveGreysAtFourSamplesAndNoneAtOne) {
+    const auto quad = [] {
+        auto item = imageItem(plainImage(4, 4, {0, 0, 0, 255}), {}, 1, true);
+        const Matrix4d turned = Matrix4d::rotation({0, 0, 0.3});
+        const auto corners = ground(-30, -30, 30, 30);
+        std::ranges::transform(corners, item->corners.begin(),
+                               [&](Vector3d p) { return turned.transformPoint(p); });
+        return item;
+    }();
+    const auto greys = [&](int samples) {
+        Renderer::Options options;
+        options.samples = samples;
+        makeRenderer(options);
+        const auto shown = picture(frameOf({quad}, cameraAt({}, 100)), 100, 100);
+        std::set<int> levels;
+        for (int i = 0; i < 100 * 100; ++i) {
+            levels.insert(pixelAt(*shown, i % 100, i / 100)[0]);
+        }
+        return levels;
+    };
+    EXPECT_EQ(greys(1), (std::set<int>{0, 255}));
+    if (capabilities.maximumSamples < 4) {
+        GTEST_SKIP() << "the driver has no multisampling";
+    }
+    EXPECT_EQ(greys(4).size(), 5U);
+}
+
+/// Four by four tiles of three sizes that share edges, as layers of several zooms do.
+Items whiteTiles(Vector3d at, double size) {
+    Items items;
+    const auto white = plainImage(8, 8, {255, 255, 255, 255});
+    std::uint64_t sequence = 0;
+    // The same expression for a shared edge, as the planes give it.
+    const auto edge = [&](double origin, int n) { return origin + n * size / 7.0; };
+    for (int row = -3; row < 3; ++row) {
+        for (int column = -3; column < 3; ++column) {
+            items.push_back(imageItem(
+                white,
+                ground(edge(at.x, column), edge(at.y, row), edge(at.x, column + 1), edge(at.y, row + 1)),
+                ++sequence, true));
+        }
+    }
+    return items;
+}
+
+TEST_F(RenderTest, noSeamOpensBetweenTilesAtAnyRotationAndTilt) {
+    constexpr int kSize = 96;
+    for (const Vector3d at : {Vector3d{}, Vector3d{123456.789, -98765.4321, 0}}) {
+        for (const int samples : {1, 4}) {
+            Renderer::Options options;
+            options.samples = samples;
+            makeRenderer(options);
+            for (int turn = 0; turn < 36; ++turn) {
+                const double tilt = (turn % 4) * 18.0 * kDegree;
+                const DrawCamera camera = cameraAt(at, kSize, tilt, turn * 10.37 * kDegree, 0.5);
+                const auto shown =
+                    picture(frameOf(whiteTiles(at, 700), camera, UIColor::blackColor()), kSize, kSize);
+                for (int i = 0; i < kSize * kSize; ++i) {
+                    ASSERT_EQ(pixelAt(*shown, i % kSize, i / kSize), (Rgba{255, 255, 255, 255}))
+                        << "turn " << turn << " pixel " << i % kSize << ", " << i / kSize;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(RenderTest, aTiltedFineTextureIsMinifiedFromItsLevelsWithoutShimmer) {
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < 256 * 256; ++i) {
+        const std::uint8_t v = (i % 256 + i / 256) % 2 == 0 ? 0 : 255;
+        pixels.insert(pixels.end(), {v, v, v, 255});
+    }
+    const auto checker = UIImage::withPixels(256, 256, std::move(pixels));
+    const auto shown = picture(
+        frameOf({imageItem(checker, ground(-200, -200, 200, 200), 1, true)}, cameraAt({}, 64, 0.9, 0.1, 3)),
+        64, 64);
+    int worst = 0;
+    for (int x = 24; x < 40; ++x) {
+        worst = std::max(worst, std::abs(pixelAt(*shown, x, 32)[0] - 128));
+    }
+    EXPECT_LE(worst, 4);
+}
+
+} // namespace
+} // namespace trelmix::render_test

@@ -1,0 +1,225 @@
+#include "Platform/Foundation/CallerFault.h"
+#include "Render/RenderFixture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace trelmix::render_test {
+namespace {
+
+const char* const kWideningShader = "#version 100 \n"
+                                    "attribute vec4 a_position; \n"
+                                    "attribute vec4 a_side; \n"
+                                    "attribute vec2 unused; \n"
+                                    "uniform mat4 u_matrix; \n"
+                                    "uniform float u_width; \n"
+                                    "varying vec2 v_unused; \n"
+                                    "void main() { \n"
+                                    "  vec2 at = a_position.xy + normalize(a_side.xy) * u_width * 0.5; \n"
+                                    "  gl_Position = u_matrix * vec4(at, a_position.zw); \n"
+                                    "  v_unused = unused; \n"
+                                    "}";
+const char* const kColorShader = "#version 100 \n"
+                                 "uniform lowp vec4 u_color; \n"
+                                 "uniform lowp vec4 u_forgotten; \n"
+                                 "void main() { gl_FragColor = u_color; }";
+
+/// A band along a line, widened by its program.
+std::shared_ptr<DrawItem> bandItem(const std::vector<Vector3d>& line, float width,
+                                   std::array<float, 4> color) {
+    auto mesh = std::make_shared<SCNMesh>();
+    mesh->origin = line.front();
+    std::vector<std::uint32_t> indices;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const SCNVector3 p = narrowed(line[i] - mesh->origin);
+        const SCNVector3 d = narrowed(i + 1 < line.size() ? line[i + 1] - line[i] : line[i] - line[i - 1]);
+        for (const float side : {-1.0F, 1.0F}) {
+            mesh->vertices.insert(mesh->vertices.end(), {p.x, p.y, p.z});
+            mesh->normals.insert(mesh->normals.end(), {-d.y * side, d.x * side, 0});
+        }
+        const auto n = static_cast<std::uint32_t>(i) * 2;
+        if (i + 1 < line.size()) {
+            indices.insert(indices.end(), {n + 1, n, n + 2, n + 1, n + 2, n + 3});
+        }
+    }
+    if (mesh->vertexCount() <= 256) {
+        mesh->indices = std::vector<std::uint8_t>(indices.begin(), indices.end());
+    } else {
+        mesh->indices = indices;
+    }
+    auto program = std::make_shared<SCNProgram>();
+    program->vertexShader = kWideningShader;
+    program->fragmentShader = kColorShader;
+    program->symbols = {{"a_position", SCNSemantic::vertex},
+                        {"a_side", SCNSemantic::normal},
+                        {"unused", SCNSemantic::texcoord},
+                        {"u_matrix", SCNSemantic::modelViewProjection}};
+    auto bindings = std::make_shared<std::map<std::string, SCNBindingHandler>>();
+    (*bindings)["u_width"] = [width](UniformWriter& gl, int location) { gl.glUniform1f(location, width); };
+    (*bindings)["u_color"] = [color](UniformWriter& gl, int location) {
+        gl.glUniform4fv(location, 1, color.data());
+    };
+    (*bindings)["u_forgotten"] = [](UniformWriter&, int) {
+        ADD_FAILURE() << "the program has no such uniform";
+    };
+    (*bindings)["u_unknown"] = nullptr;
+    auto item = std::make_shared<DrawItem>();
+    item->kind = DrawKind::program;
+    item->meshPosition = mesh->origin;
+    item->mesh = mesh;
+    item->program = program;
+    item->bindings = bindings;
+    return item;
+}
+
+double darknessAcross(const UIImage& image, int x) {
+    double sum = 0;
+    for (int y = 0; y < image.pixelHeight(); ++y) {
+        sum += 1 - pixelAt(image, x, y)[0] / 255.0;
+    }
+    return sum;
+}
+
+TEST_F(RenderTest, aLineIsAsWideAsItsProgramMakesItAlsoFarAway) {
+    for (const Vector3d at : {Vector3d{}, Vector3d{3000000.3, -2000000.7, 0}}) {
+        for (const float width : {1.0F, 2.5F, 5.0F, 12.0F}) {
+            const auto line =
+                bandItem({at + Vector3d{-80, -9, 0}, at + Vector3d{80, 11, 0}}, width, {0, 0, 0, 1});
+            const auto shown = picture(frameOf({line}, cameraAt(at, 100)), 100, 100);
+            const double slant = std::hypot(160.0, 20.0) / 160.0;
+            double mean = 0;
+            for (int x = 20; x < 80; ++x) {
+                mean += darknessAcross(*shown, x) / 60;
+            }
+            EXPECT_NEAR(mean / slant, width, 0.12) << width;
+        }
+    }
+}
+
+TEST_F(RenderTest, linesOfAnyLengthAreDrawnWholeWithOrWithoutWideIndices) {
+    for (const bool has32BitIndices : {true, false}) {
+        capabilities.has32BitIndices = has32BitIndices;
+        makeRenderer({});
+        for (const int count : {2, 128, 129, 33000, 50000}) {
+            std::vector<Vector3d> line;
+            for (int i = 0; i < count; ++i) {
+                line.push_back({-60 + 120.0 * i / (count - 1), 0.25, 0});
+            }
+            const auto shown =
+                picture(frameOf({bandItem(line, 10, {0, 0, 0, 1})}, cameraAt({}, 40)), 100, 40);
+            for (int x = 0; x < 100; ++x) {
+                ASSERT_NEAR(darknessAcross(*shown, x), 10, 0.3) << count << " at " << x;
+            }
+        }
+    }
+}
+
+std::string reported;
+
+TEST_F(RenderTest, aProgramThatDoesNotCompileIsReportedOnceAndLeftOut) {
+    reported.clear();
+    setCallerFaultHandler([](const char* what) { reported += what + std::string("\n"); });
+    const auto broken = [](const char* fragment) {
+        auto item = bandItem({{-9, 0, 0}, {9, 0, 0}}, 6, {0, 0, 0, 1});
+        auto program = std::make_shared<SCNProgram>(*item->program);
+        program->fragmentShader = fragment;
+        item->program = program;
+        return item;
+    };
+    const char* const nonsense = "#version 100 \nnonsense";
+    const char* const unlinked =
+        "#version 100 \nvarying lowp vec4 missing; void main() { gl_FragColor = missing; }";
+    const auto good = discItem({}, 5, {0, 0, 1, 1}, 9);
+    for (int frame = 0; frame < 2; ++frame) {
+        const auto shown =
+            picture(frameOf({broken(nonsense), broken(nonsense), broken(unlinked), broken(""), good},
+                            cameraAt({}, 16)),
+                    16, 16);
+        EXPECT_EQ(pixelAt(*shown, 8, 8), (Rgba{0, 0, 255, 255}));
+    }
+    setCallerFaultHandler(nullptr);
+    EXPECT_EQ(std::ranges::count(reported, '\n') > 0, true);
+    std::size_t reports = 0;
+    for (std::size_t at = reported.find("a shader program"); at != std::string::npos;
+         at = reported.find("a shader program", at + 1)) {
+        ++reports;
+    }
+    EXPECT_EQ(reports, 3U) << reported;
+}
+
+std::shared_ptr<DrawItem> fillItem(std::shared_ptr<const SCNMesh> mesh, std::array<float, 4> color,
+                                   std::uint64_t sequence) {
+    auto item = std::make_shared<DrawItem>();
+    item->kind = DrawKind::fill;
+    item->mesh = std::move(mesh);
+    item->meshPosition = item->mesh->origin;
+    item->color = color;
+    item->sequence = sequence;
+    return item;
+}
+
+/// A square of `rows` x `rows` cells around its origin.
+std::shared_ptr<const SCNMesh> gridMesh(int rows, double size, Vector3d origin) {
+    auto mesh = std::make_shared<SCNMesh>();
+    mesh->origin = origin;
+    std::vector<std::uint32_t> indices;
+    const int side = rows + 1;
+    for (int i = 0; i < side * side; ++i) {
+        const auto at = [&](int n) { return static_cast<float>(size * n / rows - size / 2); };
+        mesh->vertices.insert(mesh->vertices.end(), {at(i % side), at(i / side), 0});
+        if (i % side < rows && i / side < rows) {
+            const auto n = static_cast<std::uint32_t>(i);
+            const auto s = static_cast<std::uint32_t>(side);
+            indices.insert(indices.end(), {n, n + 1, n + s, n + 1, n + 1 + s, n + s});
+        }
+    }
+    mesh->indices = indices;
+    return mesh;
+}
+
+TEST_F(RenderTest, fillsOfEverySizeCoverTheirPlaceOnce) {
+    for (const bool has32BitIndices : {true, false}) {
+        capabilities.has32BitIndices = has32BitIndices;
+        makeRenderer({});
+        for (const int rows : {1, 20, 100, 320}) {
+            const Vector3d origin{900000.5, 700000.25, 0};
+            auto item = fillItem(gridMesh(rows, 40, origin), {0, 0, 0, 0.5F}, 1);
+            item->opacity = 0.5F;
+            const auto shown = picture(frameOf({item}, cameraAt(origin, 60)), 60, 60);
+            double darkness = 0;
+            for (int i = 0; i < 3600; ++i) {
+                const int value = pixelAt(*shown, i % 60, i / 60)[0];
+                ASSERT_GE(value, 190) << rows;
+                darkness += (255 - value) / 64.0;
+            }
+            EXPECT_NEAR(darkness, 1600, 10) << rows;
+        }
+    }
+}
+
+TEST_F(RenderTest, neighbouringFillsAreDrawnTogetherInTheirOrder) {
+    Items items;
+    for (std::uint64_t i = 0; i < 500; ++i) {
+        const auto value = static_cast<float>(i % 2);
+        items.push_back(fillItem(gridMesh(10, 60, {}), {value, value, value, 1}, i));
+    }
+    const FrameReport report = draw(frameOf(items, cameraAt({}, 40)), 40, 40);
+    EXPECT_LE(report.drawCalls, 2);
+    EXPECT_EQ(pixelAt(**renderer->readBack(1), 20, 20), (Rgba{255, 255, 255, 255}));
+    items.pop_back();
+    EXPECT_EQ(pixelAt(*picture(frameOf(items, cameraAt({}, 40)), 40, 40), 20, 20), (Rgba{0, 0, 0, 255}));
+}
+
+TEST_F(RenderTest, indicesThatPointNowhereAreLeftOut) {
+    auto mesh = std::make_shared<SCNMesh>(*gridMesh(1, 20, {}));
+    mesh->indices = std::vector<std::uint32_t>{0, 1, 900000000, 0, 1, 2, 3};
+    auto band = bandItem({{-9, 0, 0}, {9, 0, 0}}, 6, {0, 0, 0, 1});
+    band->mesh = mesh;
+    const auto shown = picture(frameOf({fillItem(mesh, {0, 0, 0, 1}, 1), band}, cameraAt({}, 40)), 40, 40);
+    EXPECT_EQ(pixelAt(*shown, 35, 5), (Rgba{255, 255, 255, 255}));
+    EXPECT_EQ(pixelAt(*shown, 14, 25), (Rgba{0, 0, 0, 255}));
+}
+
+} // namespace
+} // namespace trelmix::render_test

@@ -1,0 +1,163 @@
+#include "Render/RenderFixture.h"
+
+#include <algorithm>
+#include <random>
+
+namespace trelmix::render_test {
+namespace {
+
+using Color = std::array<std::uint8_t, 4>;
+
+std::vector<std::shared_ptr<const UIImage>> icons(int count, int size) {
+    std::vector<std::shared_ptr<const UIImage>> result;
+    for (int i = 0; i < count; ++i) {
+        result.push_back(
+            plainImage(size + i % 5, size + i % 7,
+                       Color{static_cast<std::uint8_t>(i * 4), static_cast<std::uint8_t>(255 - i * 3),
+                             static_cast<std::uint8_t>(i * 37 % 256), 255}));
+    }
+    return result;
+}
+
+TEST_F(RenderTest, tenThousandMarkersWithSixtyFourIconsAreOneDrawCall) {
+    for (const bool has32BitIndices : {true, false}) {
+        capabilities.has32BitIndices = has32BitIndices;
+        makeRenderer({});
+        const auto images = icons(64, 30);
+        Items items;
+        for (std::uint64_t i = 0; i < 10000; ++i) {
+            const double x = static_cast<double>(i % 100) - 50;
+            const double y = static_cast<double>(i / 100) - 50;
+            items.push_back(imageItem(images[i * 7 % 64], ground(x, y, x + 3, y + 3), i));
+        }
+        EXPECT_EQ(draw(frameOf(items, cameraAt({}, 120)), 120, 120).drawCalls, 1);
+        items.insert(items.begin(), 10000, nullptr);
+        std::copy(items.begin() + 10000, items.end(), items.begin());
+        for (std::size_t i = 10000; i < items.size(); ++i) {
+            auto item = std::make_shared<DrawItem>(*items[i]);
+            item->sequence = i;
+            items[i] = item;
+        }
+        EXPECT_LE(draw(frameOf(items, cameraAt({}, 120)), 120, 120).drawCalls, 2);
+    }
+}
+
+TEST_F(RenderTest, everyIconOfAnAtlasShowsItsOwnColoursToItsEdges) {
+    const auto images = icons(64, 200); // larger than one small page
+    Items items;
+    for (std::uint64_t i = 0; i < 64; ++i) {
+        const double x = static_cast<double>(i % 8) * 24 - 96;
+        const double y = 96 - static_cast<double>(i / 8) * 24;
+        items.push_back(imageItem(images[i], ground(x, y - 24, x + 24, y), i));
+    }
+    const auto shown = picture(frameOf(items, cameraAt({}, 192)), 192, 192);
+    for (int i = 0; i < 192 * 192; ++i) {
+        const int number = i / 192 / 24 * 8 + i % 192 / 24;
+        const Rgba expected = pixelAt(*images[static_cast<std::size_t>(number)], 0, 0);
+        ASSERT_EQ(pixelAt(*shown, i % 192, i / 192), expected) << number;
+    }
+}
+
+TEST_F(RenderTest, iconsThatAreNoLongerUsedMakeRoomForOthers) {
+    // Together more than a page holds.
+    const DrawCamera camera = cameraAt({}, 16);
+    std::size_t most = 0;
+    for (int i = 0; i < 400; ++i) {
+        const Color color{static_cast<std::uint8_t>(i % 256), 7, static_cast<std::uint8_t>(i / 2), 255};
+        const auto shown = picture(
+            frameOf({imageItem(plainImage(250, 250, color), ground(-20, -20, 20, 20), 1)}, camera), 16, 16);
+        ASSERT_EQ(pixelAt(*shown, 8, 8), (Rgba{color[0], color[1], color[2], 255})) << i;
+        most = std::max(most, renderer->textureBytes());
+    }
+    EXPECT_LE(most, 4U * 2048 * 4096);
+}
+
+TEST_F(RenderTest, oneMarkerThatMovesRewritesNoOther) {
+    const auto icon = plainImage(16, 16, {255, 0, 0, 255});
+    Items items;
+    for (std::uint64_t i = 0; i < 5000; ++i) {
+        const auto x = static_cast<double>(i) / 50 - 50;
+        items.push_back(imageItem(icon, ground(x, -20, x + 2, 20), i));
+    }
+    const DrawCamera camera = cameraAt({}, 100);
+    draw(frameOf(items, camera), 100, 100);
+    items[2500] = imageItem(icon, ground(3, -10, 5, 10), 2500);
+    EXPECT_LT(draw(frameOf(items, camera), 100, 100).rewrittenBytes, 4096U);
+}
+
+/// A random item; some of the kinds share images.
+std::shared_ptr<const DrawItem> randomItem(std::mt19937& random, std::uint64_t sequence,
+                                           const std::vector<std::shared_ptr<const UIImage>>& images) {
+    const auto number = [&](double low, double high) {
+        return std::uniform_real_distribution(low, high)(random);
+    };
+    const double x = number(-40, 40);
+    const double y = number(-40, 40);
+    const double size = number(4, 30);
+    std::shared_ptr<DrawItem> item;
+    switch (random() % 4) {
+    case 0:
+        item =
+            discItem({x, y, 0.05}, size / 2, {0, static_cast<float>(number(0, 0.5)), 0.3F, 0.6F}, sequence);
+        break;
+    case 1: {
+        auto mesh = std::make_shared<SCNMesh>();
+        const auto s = static_cast<float>(size);
+        mesh->vertices = {0, 0, 0, s, 0, 0, 0, s, 0};
+        mesh->indices = std::vector<std::uint8_t>{0, 1, 2};
+        item = std::make_shared<DrawItem>();
+        item->kind = DrawKind::fill;
+        item->mesh = mesh;
+        item->meshPosition = {x, y, 0};
+        item->color = {0.2F, 0, static_cast<float>(number(0, 0.7)), 0.7F};
+        item->sequence = sequence;
+        break;
+    }
+    default:
+        item = imageItem(images[random() % images.size()], ground(x, y, x + size, y + size), sequence,
+                         random() % 2 == 0);
+        item->opacity = random() % 2 == 0 ? 1.0F : 0.5F;
+        break;
+    }
+    item->renderingOrder = static_cast<std::int64_t>(sequence % 3);
+    return item;
+}
+
+TEST_F(RenderTest, aLongLifeOfChangesEndsInThePictureOfAFreshStart) {
+    std::mt19937 random(20);
+    Items items;
+    for (int step = 0; step < 60; ++step) {
+        const auto images = icons(6, 20 + step);
+        for (int change = 0; change < 8; ++change) {
+            const std::size_t at = items.empty() ? 0 : random() % items.size();
+            if (random() % 3 == 0 && !items.empty()) {
+                items.erase(items.begin() + static_cast<std::ptrdiff_t>(at));
+            } else if (random() % 2 == 0 && !items.empty()) {
+                items[at] = randomItem(random, items[at]->sequence, images);
+            } else {
+                items.push_back(
+                    randomItem(random, static_cast<std::uint64_t>(step) * 8 + random() % 8, images));
+            }
+        }
+        std::ranges::stable_sort(items, [](const auto& a, const auto& b) {
+            return std::tie(a->renderingOrder, a->sequence) < std::tie(b->renderingOrder, b->sequence);
+        });
+        const DrawFrame frame = frameOf(items, cameraAt({step * 3.0, 0, 0}, 64, 0.3, step));
+        const auto shown = picture(frame, 64, 64);
+        Renderer fresh(capabilities, context->graveyard(), {});
+        ASSERT_TRUE(fresh.draw(frame, 64, 64));
+        const auto expected = fresh.readBack(1);
+        ASSERT_TRUE(expected);
+        int worst = 0;
+        for (std::size_t i = 0; i < shown->pixels().size(); ++i) {
+            worst = std::max(worst, std::abs(int{shown->pixels()[i]} - int{(*expected)->pixels()[i]}));
+        }
+        // The origin is another, so that an edge may fall on the other side of a sample.
+        ASSERT_LE(worst, 96) << step;
+        EXPECT_NEAR(static_cast<double>(std::ranges::count(shown->pixels(), 255)),
+                    static_cast<double>(std::ranges::count((*expected)->pixels(), 255)), 16);
+    }
+}
+
+} // namespace
+} // namespace trelmix::render_test

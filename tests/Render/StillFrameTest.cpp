@@ -1,0 +1,79 @@
+#include "Render/RenderFixture.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+/// Counted on one thread only: the driver's own threads may allocate whenever they like.
+thread_local bool isCounting = false;
+std::atomic<int> allocations{0};
+
+void* counted(std::size_t size) {
+    if (isCounting) {
+        ++allocations;
+    }
+    if (void* memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    return counted(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace trelmix::render_test {
+namespace {
+
+TEST_F(RenderTest, aFrameLikeTheOneBeforeAllocatesAndRewritesNothing) {
+    Items items;
+    const auto tile = plainImage(64, 64, {0, 200, 0, 255});
+    const auto icon = plainImage(16, 16, {200, 0, 0, 128});
+    for (std::uint64_t i = 0; i < 300; ++i) {
+        const double x = static_cast<double>(i) / 3 - 50;
+        switch (i % 3) {
+        case 0:
+            items.push_back(imageItem(tile, ground(x, -50, x + 1, 50), i, true));
+            break;
+        case 1:
+            items.push_back(imageItem(icon, ground(x, -10, x + 9, 10), i));
+            break;
+        default:
+            items.push_back(discItem({x, 20, 0}, 5, {0, 0, 1, 1}, i));
+            break;
+        }
+    }
+    DrawFrame frame = frameOf(items, cameraAt({}, 100));
+    draw(frame, 100, 100);
+    draw(frame, 100, 100);
+    allocations = 0;
+    isCounting = true;
+    const auto still = renderer->draw(frame, 100, 100);
+    isCounting = false;
+    EXPECT_EQ(allocations, 0);
+    EXPECT_EQ(still->rewrittenBytes, 0U);
+    EXPECT_EQ(still->uploadedBytes, 0U);
+
+    // A camera that moves over the same list: only the order of what is visible may be written.
+    for (int i = 1; i <= 3; ++i) {
+        frame.camera = cameraAt({i * 4.0, 0, 0}, 100, 0.2, 0.1);
+        isCounting = i > 1;
+        const auto moved = renderer->draw(frame, 100, 100);
+        isCounting = false;
+        EXPECT_LE(moved->rewrittenBytes, 300U * 12);
+    }
+    EXPECT_EQ(allocations, 0);
+}
+
+} // namespace
+} // namespace trelmix::render_test

@@ -1,0 +1,107 @@
+#include "Render/RenderFixture.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace trelmix::render_test {
+namespace {
+
+/// Coloured waves with fine and coarse detail in a black frame.
+std::shared_ptr<const UIImage> waves(int width, int height) {
+    std::vector<std::uint8_t> pixels;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const auto wave = [&](double f) {
+                const bool isFrame = std::min({x, y, width - 1 - x, height - 1 - y}) < 12;
+                return static_cast<std::uint8_t>(
+                    isFrame ? 0 : std::lround(127.5 + 127 * std::sin(x / f) * std::cos(y / (f * 1.3))));
+            };
+            pixels.insert(pixels.end(), {wave(3), wave(11), wave(60), 255});
+        }
+    }
+    return UIImage::withPixels(width, height, std::move(pixels));
+}
+
+TEST_F(RenderTest, anImageBeyondTheLimitLooksAsItDoesInOnePiece) {
+    const auto image = waves(704, 320);
+    for (const bool usesLevels : {true, false}) {
+        for (const double unitsPerPixel : {0.4, 1.0, 3.3, 9.0}) {
+            const DrawFrame frame =
+                frameOf({imageItem(image, ground(-352, -160, 352, 160), 1, usesLevels)},
+                        cameraAt({}, 200, 0.6, 0.3, unitsPerPixel), UIColor::blackColor());
+            makeRenderer({});
+            const auto whole = picture(frame, 300, 200);
+            Renderer::Options options;
+            options.maximumTextureSize = 128;
+            makeRenderer(options);
+            const auto parts = picture(frame, 300, 200);
+            EXPECT_GT(draw(frame, 300, 200).drawCalls, 1);
+            int worst = 0;
+            double sum = 0;
+            for (std::size_t i = 0; i < whole->pixels().size(); ++i) {
+                const int difference = std::abs(int{whole->pixels()[i]} - int{parts->pixels()[i]});
+                worst = std::max(worst, difference);
+                sum += difference;
+            }
+            EXPECT_LE(worst, unitsPerPixel > 5 ? 24 : 6) << unitsPerPixel << " levels " << usesLevels;
+            EXPECT_LT(sum / static_cast<double>(whole->pixels().size()), 0.3) << unitsPerPixel;
+        }
+    }
+}
+
+TEST_F(RenderTest, imagesOfAnySizeWorkWithoutTheExtensionForIt) {
+    capabilities.hasLevelsOfAnySize = false;
+    makeRenderer({});
+    const auto shown = picture(
+        frameOf({imageItem(waves(97, 41), ground(-50, -50, 50, 50), 1, true)}, cameraAt({}, 32)), 32, 32);
+    EXPECT_NE(pixelAt(*shown, 16, 16), (Rgba{255, 255, 255, 255}));
+}
+
+TEST_F(RenderTest, texturesGoWithTheNodesThatShowThem) {
+    const auto all = ground(-9, -9, 9, 9);
+    auto tile = waves(256, 256);
+    const auto icon = plainImage(32, 32, {255, 0, 0, 255});
+    const DrawCamera camera = cameraAt({}, 32);
+    EXPECT_EQ(renderer->textureBytes(), 0U);
+    draw(frameOf({imageItem(tile, all, 1, true), imageItem(tile, all, 2, true), imageItem(icon, all, 3)},
+                 camera),
+         32, 32);
+    const std::size_t both = renderer->textureBytes();
+    // The node is another, the image is not: nothing is uploaded again.
+    EXPECT_EQ(
+        draw(frameOf({imageItem(tile, all, 7, true), imageItem(icon, all, 9)}, camera), 32, 32).uploadedBytes,
+        0U);
+    EXPECT_EQ(renderer->textureBytes(), both);
+    draw(frameOf({imageItem(icon, all, 9)}, camera), 32, 32);
+    EXPECT_LT(renderer->textureBytes(), both);
+    draw(frameOf({}, camera), 32, 32);
+    EXPECT_EQ(renderer->textureBytes(), 0U);
+    std::weak_ptr<const UIImage> gone = tile;
+    tile.reset();
+    EXPECT_TRUE(gone.expired());
+}
+
+TEST_F(RenderTest, uploadsAreSpreadOverFramesAndTheRestIsDrawnMeanwhile) {
+    Renderer::Options options;
+    options.uploadSecondsPerFrame = 0;
+    makeRenderer(options);
+    const auto all = ground(-9, -9, 9, 9);
+    const DrawFrame frame = frameOf({imageItem(plainImage(300, 300, {255, 0, 0, 255}), all, 1, true),
+                                     imageItem(plainImage(1000, 1000, {0, 0, 255, 255}), all, 2, true)},
+                                    cameraAt({}, 8));
+    FrameReport report = draw(frame, 8, 8);
+    EXPECT_EQ(report.uploadsLeft, 1);
+    EXPECT_EQ(pixelAt(**renderer->readBack(1), 4, 4), (Rgba{255, 0, 0, 255}));
+    int frames = 1;
+    while (report.uploadsLeft > 0 && frames < 20) {
+        report = draw(frame, 8, 8);
+        ++frames;
+    }
+    EXPECT_GT(frames, 4); // the large one comes in pieces of a megabyte
+    EXPECT_LT(frames, 20);
+    EXPECT_EQ(pixelAt(**renderer->readBack(1), 4, 4), (Rgba{0, 0, 255, 255}));
+    EXPECT_EQ(draw(frame, 8, 8).uploadedBytes, 0U);
+}
+
+} // namespace
+} // namespace trelmix::render_test
