@@ -81,6 +81,7 @@ void TrelmixMapEngineSceneView::setupSceneKit() {
     _defaultScene = std::make_shared<SCNScene>();
     _sceneView->setScene(_defaultScene);
     setupCamera();
+    setupGestureRecognisers();
     _sceneView->setSceneDelegate(self());
     _sceneView->setAllowsCameraControl(false);
     _sceneView->setIsPlaying(true);

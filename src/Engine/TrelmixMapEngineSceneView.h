@@ -4,6 +4,7 @@
 #include "Geo/GeoTypes.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/SCNView.h"
+#include "Platform/View/UIGestureRecognizer.h"
 
 #include <Trelmix/TrelmixLevelPlanNode.h>
 #include <Trelmix/TrelmixMapEngine.h>
@@ -15,13 +16,16 @@
 
 namespace trelmix {
 
+class MarkerNode;
+
 /// The engine: a view that hosts the scene, owns the camera, and changes it in one place only,
 /// `internalSetCamera`.
 ///
 /// Made by the factory. Its last reference may fall on any thread; it is then destroyed by the main queue.
 class TrelmixMapEngineSceneView final : public UIView,
                                         public TrelmixMapEngine,
-                                        public SCNSceneRendererDelegate {
+                                        public SCNSceneRendererDelegate,
+                                        public UIGestureRecognizerDelegate {
 public:
     static constexpr float kDefaultInitialZoom = 18.5F;
     /// Seconds of every animated camera change.
@@ -102,6 +106,10 @@ public:
     void informDelegateAboutIdle();
 
     void rendererUpdateAtTime(SCNView& view, double time) override;
+    /// While a marker is dragged any two; otherwise any two without a pan, and with one only while it cannot
+    /// scroll.
+    bool gestureRecognizerShouldRecognizeSimultaneouslyWith(UIGestureRecognizer& asked,
+                                                            UIGestureRecognizer& other) override;
 
 protected:
     void layoutSubviews() override;
@@ -111,6 +119,29 @@ private:
     void setupSceneKit();
     void setupCamera();
     std::shared_ptr<TrelmixMapEngineSceneView> self();
+
+    // Gestures (EngineGestures.cpp)
+    void setupGestureRecognisers();
+    void pinchGesture(UIGestureRecognizer& recognizer);
+    void rotationGesture(UIGestureRecognizer& recognizer);
+    void panGesture(UIGestureRecognizer& recognizer);
+    void doubleTapGesture();
+    void performMapScroll(double scrollX, double scrollY);
+    /// A displacement on screen, points, as a displacement of the camera's target in zoom-22 map points.
+    OpenGlPoint normalisedOpenGlPoint(ScreenPoint displacement) const;
+    bool canMoveByGesture() const { return _cameraProjection && !isDragging(); }
+
+    // Taps and drags (EngineTaps.cpp)
+    void tappingGesture(const UIGestureRecognizer& recognizer);
+    void longPressGesture(const UIGestureRecognizer& recognizer);
+    bool isDragging() const;
+    /// True when the tap stops there.
+    bool tapNode(const std::shared_ptr<SCNNode>& node);
+    void centreOnMarker(const MarkerNode& marker);
+    void beginDragAt(CGPoint location, UIGestureRecognizerState state);
+    void continueDrag(CGPoint location);
+    void endDrag();
+    std::optional<CLLocationCoordinate2D> groundCoordinateAt(CGPoint location) const;
 
     /// False when the delegate has made another camera meanwhile, and this one stops.
     bool announceChange(bool fromGesture);
@@ -138,6 +169,8 @@ private:
     float _minZoom = 15.0F;
     CLLocationCoordinate2D _boundsNorthEast = kCLLocationCoordinate2DInvalid;
     CLLocationCoordinate2D _boundsSouthWest = kCLLocationCoordinate2DInvalid;
+    std::shared_ptr<MarkerNode> _draggingMarker;
+    CGPoint _lastDraggingPoint;
     bool _hitTestBoundingBoxOnly = true;
     bool _renderedFirstTime = false;
     /// Whether a camera has been placed; until then the projection's zoom is a placeholder.

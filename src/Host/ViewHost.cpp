@@ -8,6 +8,7 @@
 #include "Platform/Render/Renderer.h"
 #include "Platform/View/TouchDispatcher.h"
 
+#include <algorithm>
 #include <cmath>
 #include <mutex>
 #include <optional>
@@ -49,6 +50,7 @@ public:
     }
 
     void touchBegan(std::int64_t identifier, CGPoint point, double time) override {
+        deliverMoves();
         _touches.handle({identifier, TouchPhase::began, inMap(point), time});
     }
 
@@ -56,19 +58,30 @@ public:
         _shiftsTwice = !_shiftsTwice;
         const double shift = _shiftsTwice ? 2 * kFraction : kFraction;
         const CGPoint place = inMap(point);
-        _touches.handle({identifier, TouchPhase::moved, {place.x + shift, place.y + shift}, time});
+        const bool movedBefore = std::any_of(_moves.begin(), _moves.end(), [identifier](const Touch& move) {
+            return move.identifier == identifier;
+        });
+        if (movedBefore) {
+            deliverMoves();
+        }
+        _moves.push_back({identifier, TouchPhase::moved, {place.x + shift, place.y + shift}, time});
     }
 
     void touchEnded(std::int64_t identifier, CGPoint, double time) override {
+        deliverMoves();
         // Where the finger was last seen: a lift is no movement.
         _touches.handle({identifier, TouchPhase::ended, {std::nan(""), std::nan("")}, time});
     }
 
     void touchCancelled(std::int64_t identifier, double time) override {
+        deliverMoves();
         _touches.handle({identifier, TouchPhase::cancelled, {std::nan(""), std::nan("")}, time});
     }
 
-    void cancelTouches() override { _touches.cancelAll(); }
+    void cancelTouches() override {
+        _moves.clear();
+        _touches.cancelAll();
+    }
 
     void setOverlayImages(std::vector<OverlayImage> images) override {
         const std::lock_guard guard(_overlayMutex);
@@ -78,7 +91,10 @@ public:
         }
     }
 
-    bool pump() override { return RunLoop::main().pump(); }
+    bool pump() override {
+        deliverMoves();
+        return RunLoop::main().pump();
+    }
     void waitForWork(double seconds) override { RunLoop::main().wait(seconds); }
 
     Drawing drawFrame(bool always) override {
@@ -125,6 +141,14 @@ public:
     }
 
 private:
+    /// Fingers that move together are one event: fed one by one, the first of them would look like a turn.
+    void deliverMoves() {
+        const std::vector<Touch> moves = std::exchange(_moves, {});
+        if (!moves.empty()) {
+            _touches.handle(moves);
+        }
+    }
+
     CGPoint inMap(CGPoint point) const {
         return {point.x - _layout.map.origin.x, point.y - _layout.map.origin.y};
     }
@@ -180,6 +204,7 @@ private:
     HostedEngine _engine;
     Options _options;
     TouchDispatcher _touches;
+    std::vector<Touch> _moves;
     Layout _layout;
     bool _layoutChanged = true;
     bool _shiftsTwice = false;

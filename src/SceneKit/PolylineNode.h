@@ -29,6 +29,7 @@ public:
     void update(float zoom, float rotation, float viewingAngle) override;
 
     float widthInMapPoints() const { return _uniforms->widthInMapPoints(); }
+    double hitMargin() const override { return static_cast<double>(widthInMapPoints()) * 0.5; }
 
     /// Without the vertices at which a line turns back on itself (by 175 degrees or more) and those within
     /// 0.1 m of the one before; the last leg is not looked at.

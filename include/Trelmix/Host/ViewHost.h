@@ -65,6 +65,7 @@ public:
     /// A finger, or a mouse's button, goes down. `identifier` names it until it ends; points are from the
     /// window's top left corner; `time` in seconds of any steady clock, the same one for all touches.
     virtual void touchBegan(std::int64_t identifier, CGPoint point, double time) = 0;
+    /// Moves of several fingers that come before the next `pump` are one event.
     virtual void touchMoved(std::int64_t identifier, CGPoint point, double time) = 0;
     virtual void touchEnded(std::int64_t identifier, CGPoint point, double time) = 0;
     /// The system has taken the finger away: what it did is cancelled.
