@@ -23,7 +23,7 @@ using Bytes = std::span<const std::byte>;
 constexpr std::size_t kLargestChunk = std::size_t{16} << 20;
 constexpr std::size_t kAllChunks = std::size_t{32} << 20;
 // Deflate packs at most 1,032 to 1: a file that promises more cannot be whole.
-constexpr std::int64_t kMostPixelBitsPerByte = 1040 * 8;
+constexpr std::int64_t kMostPixelBitsPerByte = std::int64_t{1040} * 8;
 
 const std::uint8_t* bytesOf(Bytes data) {
     return reinterpret_cast<const std::uint8_t*>(data.data());
