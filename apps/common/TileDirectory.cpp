@@ -79,7 +79,8 @@ Result<std::optional<TileBytes>> TileDirectory::tile(const TileIndex& tile) cons
     }
     const std::string path = pathOf(tile);
     std::error_code error;
-    if (!std::filesystem::exists(path, error)) {
+    // A pipe of that name would keep its reader waiting for ever.
+    if (!std::filesystem::is_regular_file(path, error)) {
         return std::optional<TileBytes>();
     }
     auto bytes = loadFile(path, kMaximumTileBytes);
