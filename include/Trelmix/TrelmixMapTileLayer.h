@@ -3,13 +3,20 @@
 #pragma once
 
 #include <Trelmix/Platform/UIImage.h>
+#include <Trelmix/Platform/URL.h>
 #include <Trelmix/TrelmixMapOverlay.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
 
 namespace trelmix {
 
-/// A raster map on the usual 256-point tile grid. It asks for each tile that comes into view once: the
-/// engine's delegate, which answers at once (`synchronousLayer`) or later (`provideTile`). Starts
-/// asynchronous, with zIndex 25.
+/// A raster map on the usual 256-point tile grid. It asks for each tile that comes into view once: an
+/// address (`imageUrlLayer`), or the engine's delegate, which answers at once (`synchronousLayer`) or later
+/// (`provideTile`). Starts with the delegate, asynchronous, and zIndex 25.
 ///
 /// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
 /// Main thread only, but for `provideTile`.
@@ -21,6 +28,27 @@ public:
     /// for. False: they are asked for by `tileRequestedForX` and answered by `provideTile`.
     virtual bool synchronousLayer() const = 0;
     virtual void setSynchronousLayer(bool synchronous) = 0;
+
+    /// Gives a tile's address; empty when it has none, and the tile then stays unanswered. Called without
+    /// any lock, on the thread that draws or on the main thread, for tiles of the world only. What it
+    /// throws is reported as a fault and counts as no address.
+    using ImageUrlConstructor =
+        std::function<std::optional<URL>(std::uint64_t x, std::uint64_t y, std::uint64_t zoom)>;
+
+    /// True, with a constructor: images come from addresses, through the cache and the network connection
+    /// that the process shares (`NetworkSettings.h`), and `provideTile` is ignored. An address is asked once;
+    /// what fails within 10 s, or is no image, answers the tile with none. Tiles beyond the world are
+    /// answered with none. Changes count for tiles that are asked for afterwards.
+    virtual bool imageUrlLayer() const = 0;
+    virtual void setImageUrlLayer(bool isUrlLayer) = 0;
+    virtual ImageUrlConstructor imageUrlConstructor() const = 0;
+    virtual void setImageUrlConstructor(ImageUrlConstructor constructor) = 0;
+
+    /// Bytes that answered images may take, levels of detail included; empty, as at the start, for no limit.
+    /// Beyond it the least recently shown images of tiles that are not shown are forgotten, and asked for
+    /// anew when they are needed again.
+    virtual std::optional<std::size_t> imageCacheLimit() const = 0;
+    virtual void setImageCacheLimit(std::optional<std::size_t> bytes) = 0;
 
     /// Answers a tile: with its image, or with none when there is none. Answers for tiles that are no longer
     /// wanted are dropped; a second answer replaces the first. Any thread.

@@ -42,6 +42,42 @@ void MapTileNode::setSynchronousLayer(bool synchronous) {
     }
 }
 
+bool MapTileNode::imageUrlLayer() const {
+    const SceneLock lock;
+    return _imageUrlLayer;
+}
+
+void MapTileNode::setImageUrlLayer(bool isUrlLayer) {
+    if (const MainEntry entry{"setImageUrlLayer"}) {
+        _imageUrlLayer = isUrlLayer;
+    }
+}
+
+MapTileNode::ImageUrlConstructor MapTileNode::imageUrlConstructor() const {
+    const SceneLock lock;
+    return _imageUrlConstructor;
+}
+
+void MapTileNode::setImageUrlConstructor(ImageUrlConstructor constructor) {
+    if (const MainEntry entry{"setImageUrlConstructor"}) {
+        _imageUrlConstructor.swap(constructor);
+        // What the old one holds is the application's, and may call back when it goes.
+        callOut([&constructor] { constructor = nullptr; });
+    }
+}
+
+std::optional<std::size_t> MapTileNode::imageCacheLimit() const {
+    const SceneLock lock;
+    return _mapTileImages.limit();
+}
+
+void MapTileNode::setImageCacheLimit(std::optional<std::size_t> bytes) {
+    if (const MainEntry entry{"setImageCacheLimit"}) {
+        _mapTileImages.setLimit(bytes);
+        trimImageCache();
+    }
+}
+
 std::string MapTileNode::description() const {
     return "Tile layer";
 }
@@ -97,6 +133,7 @@ void MapTileNode::clearEverything() {
 void MapTileNode::clearMapData() {
     ++_generation;
     _mapTileImages.clear();
+    _downloads.clear();
     const auto levels = std::move(_mapTiles);
     _mapTiles.clear();
     for (const auto& [zoom, tiles] : levels) {
@@ -198,6 +235,7 @@ void MapTileNode::checkTilesAtCurrentZoomLevel(const std::vector<TileKey>& tiles
         }
         tile->attachTo(map);
     }
+    trimImageCache();
 }
 
 } // namespace trelmix

@@ -4,13 +4,14 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "SceneKit/SingleMapTileNode.h"
 #include "SceneKit/TileGround.h"
+#include "SceneKit/TileImageCache.h"
 
 #include <Trelmix/TrelmixMapTileLayer.h>
 
 #include <map>
 #include <memory>
 #include <optional>
-#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace trelmix {
@@ -27,6 +28,12 @@ public:
 
     bool synchronousLayer() const override { return _synchronousLayer; }
     void setSynchronousLayer(bool synchronous) override;
+    bool imageUrlLayer() const override;
+    void setImageUrlLayer(bool isUrlLayer) override;
+    ImageUrlConstructor imageUrlConstructor() const override;
+    void setImageUrlConstructor(ImageUrlConstructor constructor) override;
+    std::optional<std::size_t> imageCacheLimit() const override;
+    void setImageCacheLimit(std::optional<std::size_t> bytes) override;
     void provideTile(std::int64_t x, std::int64_t y, std::int64_t zoom,
                      std::shared_ptr<const UIImage> image) override;
     std::size_t wantedTileCount() const override;
@@ -45,6 +52,7 @@ public:
 private:
     using TileList = std::vector<std::shared_ptr<SingleMapTileNode>>;
     struct CoverageNeed;
+    struct Download;
 
     MapTileNode();
     std::shared_ptr<MapTileNode> self();
@@ -58,11 +66,18 @@ private:
     // Their images (TileImages.cpp)
     bool readCachedTile(SingleMapTileNode& node);
     void insertCachedTile(const TileKey& key, const std::shared_ptr<const UIImage>& image);
-    void acceptTile(TileKey key, std::shared_ptr<const UIImage> image);
-    void provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image);
+    void acceptTile(TileKey key, std::shared_ptr<const UIImage> image, bool internally);
+    void provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image, bool internally);
+    bool loadsFromUrls() const { return _imageUrlLayer && _imageUrlConstructor; }
+    void trimImageCache();
     std::shared_ptr<SingleMapTileNode> shownTile(const TileKey& key) const;
     void askDelegateAtOnce(const TileKey& key);
     void askDelegate(const TileKey& key);
+
+    // Their way over the network (TileDownload.cpp)
+    std::optional<URL> addressOf(const TileKey& key) const;
+    void createMapUrlTileDownloadTask(const TileKey& key);
+    void acceptDownload(const TileKey& key, std::uint64_t generation, std::shared_ptr<const UIImage> image);
 
     // Tiles of other zooms (TileCleanup.cpp)
     void restartTileCleanupTimer();
@@ -73,6 +88,10 @@ private:
     bool isCoveredByTiles(const SingleMapTileNode& node, std::int64_t level, const CoverageNeed& need) const;
 
     bool _synchronousLayer = false;
+    bool _imageUrlLayer = false;
+    ImageUrlConstructor _imageUrlConstructor;
+    /// Tiles whose images are on their way from their addresses.
+    std::unordered_set<TileKey, TileKeyHash> _downloads;
     float _lastTileCheckZoom = 0;
     float _lastTileCheckRotation = -3.4F;
     float _lastTileCheckViewingAngle = -1.0F;
@@ -82,8 +101,7 @@ private:
     std::vector<TileKey> _lastTilesBeyondBox;
     /// By whole zoom, in order of creation.
     std::map<std::int64_t, TileList> _mapTiles;
-    /// An empty image records that the source answered and had none.
-    std::unordered_map<TileKey, std::shared_ptr<const UIImage>, TileKeyHash> _mapTileImages;
+    TileImageCache _mapTileImages;
     std::shared_ptr<Timer> _tileCleanupTimer;
     bool _startedCleanupTimer = false;
     /// Counts clearings, so that a check notices that the application cleared the layer while it was asked.

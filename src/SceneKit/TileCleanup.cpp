@@ -147,6 +147,7 @@ void MapTileNode::checkTilesAtOtherZoomLevels() {
     for (const auto& tile : covered) {
         tile->attachTo(nullptr);
     }
+    trimImageCache();
 }
 
 bool MapTileNode::isCoveredByLevels(const SingleMapTileNode& node, const std::vector<std::int64_t>& levels,

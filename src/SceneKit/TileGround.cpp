@@ -245,6 +245,15 @@ std::size_t TileKeyHash::operator()(const TileKey& key) const {
     return static_cast<std::size_t>(mix);
 }
 
+bool isInWorld(const TileKey& key) {
+    constexpr std::int64_t kDeepestCountable = 62;
+    if (key.zoom < 0 || key.zoom > kDeepestCountable) {
+        return false;
+    }
+    const std::int64_t side = std::int64_t{1} << key.zoom;
+    return key.x >= 0 && key.x < side && key.y >= 0 && key.y < side;
+}
+
 std::int64_t roundedZoom(float zoom) {
     return std::isfinite(zoom) ? static_cast<std::int64_t>(std::round(std::clamp(zoom, -1000.0F, 1000.0F)))
                                : -1;

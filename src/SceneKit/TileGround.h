@@ -36,6 +36,9 @@ struct TileNeed {
     std::vector<TileKey> beyondBox;
 };
 
+/// Whether the world has such a tile.
+bool isInWorld(const TileKey& key);
+
 /// Whole zoom of a zoom's tiles: the nearest, halves away from zero.
 std::int64_t roundedZoom(float zoom);
 

@@ -7,11 +7,11 @@
 namespace trelmix {
 
 bool MapTileNode::readCachedTile(SingleMapTileNode& node) {
-    const auto found = _mapTileImages.find(node.key());
-    if (found == _mapTileImages.end()) {
+    const auto* const answer = _mapTileImages.find(node.key());
+    if (answer == nullptr) {
         return false;
     }
-    node.finishLoading(found->second);
+    node.finishLoading(*answer);
     if (node.tileImage()) {
         restartTileCleanupTimer();
     }
@@ -23,7 +23,9 @@ void MapTileNode::requestTileImage(SingleMapTileNode& node) {
     if (readCachedTile(node)) {
         return;
     }
-    if (_synchronousLayer) {
+    if (loadsFromUrls()) {
+        createMapUrlTileDownloadTask(node.key());
+    } else if (_synchronousLayer) {
         askDelegateAtOnce(node.key());
     } else {
         askDelegate(node.key());
@@ -47,24 +49,25 @@ void MapTileNode::askDelegateAtOnce(const TileKey& key) {
     if (const auto delegate = map->delegate()) {
         image = callOut([&] { return delegate->tileForX(key.x, key.y, key.zoom); });
     }
-    provideOnMainThread(key, std::move(image));
+    provideOnMainThread(key, std::move(image), true);
 }
 
 void MapTileNode::provideTile(std::int64_t x, std::int64_t y, std::int64_t zoom,
                               std::shared_ptr<const UIImage> image) {
-    provideOnMainThread({x, y, zoom}, std::move(image));
+    provideOnMainThread({x, y, zoom}, std::move(image), false);
 }
 
-void MapTileNode::provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image) {
+void MapTileNode::provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image, bool internally) {
     if (Thread::isMainThread()) {
-        acceptTile(key, std::move(image));
+        acceptTile(key, std::move(image), internally);
         return;
     }
-    DispatchQueue::main().async([weak = std::weak_ptr(self()), key, image = std::move(image)]() mutable {
-        if (const auto layer = weak.lock()) {
-            layer->acceptTile(key, std::move(image));
-        }
-    });
+    DispatchQueue::main().async(
+        [weak = std::weak_ptr(self()), key, internally, image = std::move(image)]() mutable {
+            if (const auto layer = weak.lock()) {
+                layer->acceptTile(key, std::move(image), internally);
+            }
+        });
 }
 
 std::shared_ptr<SingleMapTileNode> MapTileNode::shownTile(const TileKey& key) const {
@@ -80,8 +83,11 @@ std::shared_ptr<SingleMapTileNode> MapTileNode::shownTile(const TileKey& key) co
     return nullptr;
 }
 
-void MapTileNode::acceptTile(TileKey key, std::shared_ptr<const UIImage> image) {
+void MapTileNode::acceptTile(TileKey key, std::shared_ptr<const UIImage> image, bool internally) {
     const SceneLock lock;
+    if (loadsFromUrls() && !internally) {
+        return;
+    }
     const auto tile = shownTile(key);
     if (!tile) {
         return;
@@ -91,10 +97,25 @@ void MapTileNode::acceptTile(TileKey key, std::shared_ptr<const UIImage> image) 
         restartTileCleanupTimer();
     }
     tile->finishLoading(std::move(image));
+    trimImageCache();
 }
 
 void MapTileNode::insertCachedTile(const TileKey& key, const std::shared_ptr<const UIImage>& image) {
-    _mapTileImages[key] = image;
+    _mapTileImages.insert(key, image);
+}
+
+void MapTileNode::trimImageCache() {
+    if (!_mapTileImages.isOverLimit()) {
+        return;
+    }
+    std::size_t shown = 0;
+    for (const auto& [zoom, tiles] : _mapTiles) {
+        for (const auto& tile : tiles) {
+            _mapTileImages.touch(tile->key());
+            ++shown;
+        }
+    }
+    _mapTileImages.trim(shown);
 }
 
 } // namespace trelmix
