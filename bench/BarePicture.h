@@ -1,0 +1,68 @@
+#pragma once
+
+#include "Platform/Render/FrameTarget.h"
+#include "Platform/Render/GLContext.h"
+#include "Platform/Render/GLShader.h"
+#include "Platform/Scene/DrawList.h"
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace trelmix::bench {
+
+struct SceneSize {
+    int markers = 0;
+    int polygons = 0;
+    int lines = 0;
+    int circles = 0;
+};
+
+/// A draw list and what it is made of.
+struct Scene {
+    std::shared_ptr<const DrawList> list;
+    std::vector<std::shared_ptr<const UIImage>> icons;
+};
+
+/// A town's worth of things on a ground of 4 x 4 tiles around the origin.
+Scene makeScene(const SceneSize& size);
+/// Gives every marker another place, in new items as the scene's collection makes them.
+void moveMarkers(Scene& scene, int frame);
+
+/// A scene drawn with no more calls and no more thought than it takes.
+class BarePicture {
+public:
+    BarePicture(const GLContext& context, const Scene& scene, int width, int height, int samples);
+    void writeMarkers(const Scene& scene);
+    void draw(const Matrix4d& clip);
+
+private:
+    struct Quad {
+        GLTexture texture;
+        std::array<Vector3d, 4> corners;
+        std::size_t firstVertex;
+    };
+    struct Mesh {
+        GLBuffer vertices;
+        GLBuffer indices;
+        GLsizei count = 0;
+    };
+    void addTiles(const Scene& scene);
+    void addMarkers(const Scene& scene);
+    void addMeshes(const Scene& scene);
+    void addCircles(const Scene& scene);
+    GLTexture upload(const UIImage& image, bool usesLevels) const;
+    Mesh makeMesh(const std::vector<float>& vertices, const std::vector<std::uint32_t>& indices) const;
+    GLProgram makeProgram(const char* vertex, const char* fragment) const;
+    void drawTiles(const Matrix4d& clip);
+
+    std::shared_ptr<GLGraveyard> _graveyard;
+    FrameTarget _target;
+    GLProgram _images, _fills, _lines, _circles;
+    std::vector<Quad> _tiles;
+    GLBuffer _tileVertices;
+    GLTexture _iconSheet;
+    Mesh _markers, _polygons, _bands, _discs;
+};
+
+} // namespace trelmix::bench
