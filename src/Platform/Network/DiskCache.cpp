@@ -101,8 +101,7 @@ public:
         if (note(sqlite3_open_v2(_path.c_str(), &_handle, flags, nullptr))) {
             prepareFile();
         }
-        struct stat status = {};
-        _inode = ::stat(_path.c_str(), &status) == 0 ? status.st_ino : 0;
+        _inode = inodeAtPath();
     }
 
     ~Database() {
@@ -151,15 +150,22 @@ public:
     /// Takes the file out of the way, unless somebody else has already put another in its place.
     void setAside() {
         close();
-        struct stat status = {};
-        if (::stat(_path.c_str(), &status) == 0 && status.st_ino == _inode) {
+        if (isInPlace()) {
             std::rename(_path.c_str(), (_path + ".damaged").c_str());
             ::unlink((_path + "-wal").c_str());
             ::unlink((_path + "-shm").c_str());
         }
     }
 
+    /// False when the file has been removed or replaced: what is written would be lost.
+    bool isInPlace() const { return inodeAtPath() == _inode; }
+
 private:
+    ino_t inodeAtPath() const {
+        struct stat status = {};
+        return ::stat(_path.c_str(), &status) == 0 ? status.st_ino : 0;
+    }
+
     bool note(int code) {
         fault = code == SQLITE_ROW || code == SQLITE_DONE ? SQLITE_OK : code;
         return fault == SQLITE_OK;
@@ -356,9 +362,6 @@ void DiskCache::checkFault() {
     if (isDamage(fault)) {
         _database->setAside();
         _database = nullptr;
-    } else if (fault == SQLITE_READONLY_DBMOVED) {
-        // Somebody has cleared the folder.
-        _database = nullptr;
     } else if (const int primary = fault & 0xff;
                primary == SQLITE_FULL || primary == SQLITE_IOERR || primary == SQLITE_READONLY) {
         _unwritableFor = kPause;
@@ -378,6 +381,10 @@ std::optional<std::vector<std::byte>> DiskCache::find(const std::string& address
 
 bool DiskCache::store(const std::string& address, std::span<const std::byte> body) {
     const std::lock_guard guard(_mutex);
+    if (_database && !_database->isInPlace()) {
+        // Somebody has cleared the folder.
+        _database = nullptr;
+    }
     Database* const open = database();
     if (open == nullptr || costOf(address.size(), body.size()) > static_cast<std::int64_t>(_limit)) {
         return false;

@@ -117,6 +117,8 @@ bool prepareAttempt(Transfer& transfer, Steady::time_point now) {
     set(CURLOPT_USERAGENT, settings.userAgent.c_str());
     set(CURLOPT_WRITEFUNCTION, &receiveBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(&transfer));
+    // Known before the body comes, when the server says so.
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(settings.largestBody));
     set(CURLOPT_HEADERFUNCTION, &receiveHeader);
     set(CURLOPT_HEADERDATA, static_cast<void*>(&transfer));
     if (!settings.caFile.empty()) {

@@ -1,0 +1,116 @@
+// A process that is killed while it fills the cache loses nothing that it had finished.
+#include "Platform/Network/DiskCache.h"
+
+#include "Apps/ScratchFolder.h"
+#include "support/AnswerSamples.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <random>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace trelmix {
+namespace {
+
+constexpr std::uint64_t kPlenty = std::uint64_t{1} << 30;
+
+int killCount() {
+    const char* const text = std::getenv("TRELMIX_KILL_COUNT");
+    const int count = text != nullptr ? std::atoi(text) : 0;
+    return count > 0 ? count : 20;
+}
+
+/// Stores entries without end and writes the number of each that is finished.
+[[noreturn]] void fillForEver(const std::string& folder, int first, int report) {
+    DiskCache cache(folder, kPlenty);
+    for (int number = first;; ++number) {
+        if (cache.store(sampleAddress(number), sampleBody(number)) &&
+            ::write(report, &number, sizeof number) != sizeof number) {
+            ::_exit(1);
+        }
+        cache.find(sampleAddress(number / 2));
+    }
+}
+
+struct Filler {
+    Filler(const std::string& folder, int first) {
+        int ends[2] = {};
+        if (::pipe(ends) != 0) {
+            return;
+        }
+        child = ::fork();
+        if (child == 0) {
+            ::close(ends[0]);
+            fillForEver(folder, first, ends[1]);
+        }
+        ::close(ends[1]);
+        report = ends[0];
+    }
+    ~Filler() {
+        kill();
+        ::close(report);
+    }
+    Filler(const Filler&) = delete;
+    Filler& operator=(const Filler&) = delete;
+
+    bool takeReport() {
+        int number = 0;
+        const bool isThere = ::read(report, &number, sizeof number) == sizeof number;
+        if (isThere) {
+            finished.push_back(number);
+        }
+        return isThere;
+    }
+    void kill() {
+        if (child > 0) {
+            ::kill(child, SIGKILL);
+            ::waitpid(std::exchange(child, -1), nullptr, 0);
+        }
+    }
+
+    pid_t child = -1;
+    int report = -1;
+    std::vector<int> finished;
+};
+
+TEST(CacheKill, everyFinishedEntryIsWholeAfterEachKill) {
+    const apps::ScratchFolder folder;
+    const std::string place = folder.path("cache");
+    std::minstd_rand random(std::random_device{}());
+    for (int round = 0; round < killCount(); ++round) {
+        // Two at once, one of which is killed at some moment; the other goes on a little.
+        Filler killed(place, 0);
+        Filler other(place, 1'000'000);
+        const auto some = random() % 40;
+        for (unsigned i = 0; i < some; ++i) {
+            ASSERT_TRUE(killed.takeReport());
+        }
+        // Anywhere within the work of one entry.
+        for (auto turns = random() % 200'000; turns > 0; --turns) {
+            std::atomic_signal_fence(std::memory_order_seq_cst);
+        }
+        killed.kill();
+        while (killed.takeReport()) {
+        }
+        ASSERT_TRUE(other.takeReport());
+        other.kill();
+        while (other.takeReport()) {
+        }
+        DiskCache cache(place, kPlenty);
+        for (const Filler* filler : {&killed, &other}) {
+            for (const int number : filler->finished) {
+                const auto found = cache.find(sampleAddress(number));
+                ASSERT_TRUE(found) << "round " << round << " lost entry " << number;
+                ASSERT_EQ(*found, sampleBody(number)) << "round " << round << ", entry " << number;
+            }
+        }
+        ASSERT_NE(::access((place + "/" + DiskCache::kFileName + ".damaged").c_str(), F_OK), 0);
+    }
+}
+
+} // namespace
+} // namespace trelmix

@@ -1,0 +1,223 @@
+#include "Platform/Network/URLSession.h"
+
+#include "Apps/ScratchFolder.h"
+#include "support/TileServer.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <sys/stat.h>
+
+namespace trelmix {
+namespace {
+
+using End = TileReply::End;
+
+const std::string kBody = "the body of an answer";
+
+URLSession::Settings quickSettings() {
+    return {"Test/1 (somebody@example.org)", "", 1 << 20, {0.01, 0.05}};
+}
+
+std::string text(const URLSession::Answer& answer) {
+    return answer ? std::string(reinterpret_cast<const char*>(answer->data()), answer->size())
+                  : "failed: " + answer.reason();
+}
+
+/// A server with one way to reply, and a session.
+struct Talk {
+    explicit Talk(TileServer::Handler handler, URLSession::Settings settings = quickSettings())
+        : server(std::move(handler)), session(std::move(settings)) {}
+
+    std::future<URLSession::Answer> begin(const std::string& url, double timeout = 10) {
+        auto promise = std::make_shared<std::promise<URLSession::Answer>>();
+        session.load({URL::fromString(url).value(), timeout},
+                     [promise](URLSession::Answer answer) { promise->set_value(std::move(answer)); });
+        return promise->get_future();
+    }
+    URLSession::Answer load(const std::string& path, double timeout = 10) {
+        return begin(server.address() + path, timeout).get();
+    }
+
+    TileServer server;
+    URLSession session;
+};
+
+TEST(URLSession, passingFaultsAreRepeatedUntilTheyPass) {
+    const std::vector<std::pair<const char*, TileReply>> faults = {
+        {"reset", {"", End::reset}},
+        {"closed", {"", End::close}},
+        {"reset within the body", TileReply::truncated(kBody).ending(End::reset)},
+        {"cut short", TileReply::truncated(kBody)},
+        {"503", TileReply::of("503 Busy", "<html>later</html>")},
+        {"429", TileReply::of("429 Slow down", "", "Retry-After: 0\r\n")},
+        {"500 in chunks", {"HTTP/1.1 500 Oh\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n0\r\n\r\n"}},
+    };
+    for (const auto& [name, fault] : faults) {
+        Talk talk([&fault = fault](const TileRequest& request) {
+            return request.count <= 2 ? fault : TileReply::ok(kBody);
+        });
+        EXPECT_EQ(text(talk.load("/a")), kBody) << name;
+        EXPECT_EQ(talk.server.count("/a"), 3) << name;
+    }
+}
+
+TEST(URLSession, lastingFaultsEndWithAReasonAndAreNotRepeated) {
+    const std::string flood(64 << 10, 'x');
+    const std::string header = "X-Long: " + std::string(60 << 10, 'x') + "\r\n";
+    const std::vector<std::pair<const char*, TileReply>> faults = {
+        {"missing", TileReply::of("404 Not Found", "<html>no</html>")},
+        {"not changed", TileReply::of("304 Not Modified", "")},
+        {"not for long", TileReply::of("503 Busy", "", "Retry-After: 3600\r\n")},
+        {"too large by its own words", {"HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\n", End::hold}},
+        {"endless", {"HTTP/1.1 200 OK\r\n\r\n" + flood, End::endless}},
+        {"endless headers", {"HTTP/1.1 200 OK\r\n" + header + header + header + header + header}},
+        {"no HTTP", {"SSH-2.0-OpenSSH_9\r\n", End::close}},
+        {"to a file", TileReply::of("302 Found", "", "Location: file:///etc/hostname\r\n")},
+        {"to another service", TileReply::of("302 Found", "", "Location: ftp://127.0.0.1/x\r\n")},
+    };
+    for (const auto& [name, fault] : faults) {
+        Talk talk([&fault = fault](const TileRequest&) { return fault; });
+        talk.server.release();
+        const auto answer = talk.load("/a");
+        EXPECT_FALSE(answer) << name;
+        EXPECT_FALSE(answer.reason().empty()) << name;
+        EXPECT_EQ(talk.server.count("/a"), 1) << name;
+    }
+}
+
+TEST(URLSession, followsFiveRedirectsAndNoMore) {
+    Talk talk([](const TileRequest& request) {
+        const int left = request.path[1] - '0';
+        return left == 0
+                   ? TileReply::ok(kBody)
+                   : TileReply::of("302 Found", "ignored", "Location: /" + std::to_string(left - 1) + "\r\n");
+    });
+    EXPECT_EQ(text(talk.load("/5")), kBody);
+    EXPECT_FALSE(talk.load("/6"));
+    Talk circle([](const TileRequest&) { return TileReply::of("302 Found", "", "Location: /\r\n"); });
+    EXPECT_FALSE(circle.load("/"));
+    EXPECT_EQ(circle.server.count("/"), 6);
+}
+
+TEST(URLSession, aFaultThatLastsBeyondTheTimeOutEndsThere) {
+    Talk silent([](const TileRequest&) { return TileReply::ok(kBody).ending(End::hold); });
+    EXPECT_FALSE(silent.load("/a", 0.2));
+    Talk busy([](const TileRequest&) { return TileReply::of("503 Busy", ""); });
+    EXPECT_EQ(busy.load("/a", 0.3).reason(), "is answered with status 503");
+    EXPECT_GT(busy.server.count("/a"), 2);
+}
+
+TEST(URLSession, aServerThatStopsAndComesBackIsAskedAgain) {
+    Talk talk([](const TileRequest&) { return TileReply::ok(kBody); });
+    EXPECT_EQ(text(talk.load("/a")), kBody);
+    talk.server.stop();
+    auto late = talk.begin(talk.server.address() + "/b", 30);
+    talk.server.comeBack();
+    EXPECT_EQ(text(late.get()), kBody);
+}
+
+TEST(URLSession, asksAHostForSixAtATimeInTheOrderOfTheCalls) {
+    Talk talk([](const TileRequest&) { return TileReply::ok(kBody).ending(End::hold); });
+    std::vector<std::future<URLSession::Answer>> answers;
+    for (int i = 10; i < 40; ++i) {
+        answers.push_back(talk.begin(talk.server.address() + "/" + std::to_string(i)));
+    }
+    ASSERT_TRUE(talk.server.waitForRequests(6));
+    auto first = talk.server.paths();
+    std::sort(first.begin(), first.end());
+    EXPECT_EQ(first, (std::vector<std::string>{"/10", "/11", "/12", "/13", "/14", "/15"}));
+    talk.server.release();
+    for (auto& answer : answers) {
+        EXPECT_EQ(text(answer.get()), kBody);
+    }
+    EXPECT_EQ(talk.server.mostAtOnce(), 6);
+}
+
+TEST(URLSession, saysWhoAsksAndTakesPackedAnswers) {
+    Talk talk([&](const TileRequest& asked) { return TileReply::ok(asked.text); });
+    const std::string request = text(talk.load("/a"));
+    EXPECT_NE(request.find("User-Agent: Test/1 (somebody@example.org)\r\n"), std::string::npos) << request;
+    EXPECT_NE(request.find("gzip"), std::string::npos) << request;
+}
+
+TEST(URLSession, droppedWhileItWorksItAnswersNothingAndLetsGoOfEverything) {
+    TileServer server([](const TileRequest&) { return TileReply::ok(kBody).ending(End::hold); });
+    const auto held = std::make_shared<int>(0);
+    {
+        URLSession session(quickSettings());
+        for (int i = 0; i < 20; ++i) {
+            session.load({URL::fromString(server.address() + "/" + std::to_string(i)).value()},
+                         [held](const URLSession::Answer&) { ++*held; });
+        }
+        ASSERT_TRUE(server.waitForRequests(3));
+    }
+    EXPECT_EQ(*held, 0);
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(URLSession, aSessionMayEndInsideItsLastAnswer) {
+    TileServer server([](const TileRequest&) { return TileReply::ok(kBody); });
+    auto session = std::make_shared<URLSession>(quickSettings());
+    const auto done = std::make_shared<std::promise<void>>();
+    auto isDone = done->get_future();
+    std::promise<void> handOver;
+    auto* const raw = session.get();
+    raw->load({URL::fromString(server.address() + "/a").value()},
+              [done, isHandedOver = handOver.get_future().share(),
+               last = session](const URLSession::Answer&) mutable {
+                  isHandedOver.wait();
+                  last.reset();
+                  done->set_value();
+              });
+    session.reset();
+    handOver.set_value();
+    isDone.wait();
+}
+
+TEST(URLSession, readsFilesButNothingElseOfTheFileSystem) {
+    const apps::ScratchFolder folder;
+    const std::string path = folder.path("a b.png");
+    folder.write("a b.png", kBody);
+    folder.write("large", std::string(2 << 20, 'x'));
+    ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    Talk talk([](const TileRequest&) { return TileReply::ok(""); });
+    const std::string base = "file://" + folder.path("");
+    EXPECT_EQ(text(talk.begin(base + "a%20b.png?x#y").get()), kBody);
+    for (const char* name : {"none", "pipe", "large", ""}) {
+        EXPECT_FALSE(talk.begin(base + name).get()) << name;
+    }
+}
+
+TEST(URL, takesAddressesOfTheThreeSchemesAndNothingElse) {
+    for (const char* good :
+         {"http://a/b", "HTTPS://user@Example.org:8080?x", "file:///a", "file://localhost/a"}) {
+        EXPECT_TRUE(URL::fromString(good)) << good;
+    }
+    for (const char* bad :
+         {"", "a", "http:/a", "http://", "http:///a", "http://:80/", "ftp://a/b", "file://host/a", "file://",
+          "file:///a%00b", "http://a/b c", "http://a/\r\nX: y", "javascript://a"}) {
+        EXPECT_FALSE(URL::fromString(bad)) << bad;
+    }
+    EXPECT_FALSE(URL::fromString("http://a/" + std::string(URL::kMaximumLength, 'x')));
+    EXPECT_EQ(URL::fromString("HTTPS://user@Example.org:8080?x")->authority(), "example.org:8080");
+    EXPECT_EQ(URL::fromString("file:///a%2Fb%zz%4")->filePath(), "/a/b%zz%4");
+}
+
+TEST(RetryPolicy, waitsLongerEachTimeWithinItsLimitAndTheTimeThatIsLeft) {
+    const RetryPolicy policy;
+    for (int attempt = 1; attempt < 100; ++attempt) {
+        const double least = policy.delay(attempt, 0, 100, 0).value();
+        const double most = policy.delay(attempt, 0, 100, 1).value();
+        EXPECT_LE(least, most);
+        EXPECT_GE(least, policy.firstDelay / 2);
+        EXPECT_LE(most, policy.longestDelay);
+        EXPECT_GE(policy.delay(attempt + 1, 0, 100, 0.5).value(), policy.delay(attempt, 0, 100, 0.5).value());
+    }
+    EXPECT_EQ(policy.delay(1, 5, 10, 0.5), 5);
+    EXPECT_EQ(policy.delay(1, 10, 10, 0.5), std::nullopt);
+    EXPECT_EQ(policy.delay(3, 0, 0.1, 0.5), std::nullopt);
+}
+
+} // namespace
+} // namespace trelmix
