@@ -123,7 +123,7 @@ void refuseDoubledIds(const SceneFile& scene) {
 
 SceneFile readScene(const JsonCursor& root, const std::string& folder) {
     root.expectObject({"view", "camera", "limits", "tiles", "levelPlans", "markers", "circles", "polygons",
-                       "polylines", "geojson"});
+                       "polylines", "geojson", "sideView"});
     SceneFile scene;
     if (const auto view = root.member("view")) {
         scene.view = readView(*view);
@@ -136,6 +136,9 @@ SceneFile readScene(const JsonCursor& root, const std::string& folder) {
     }
     forEachItem(root, "tiles", [&](const JsonCursor& at) { scene.tiles.push_back(readTiles(at, folder)); });
     readOverlaySections(root, folder, scene);
+    if (const auto sideView = root.member("sideView")) {
+        scene.sideView = readSideView(*sideView, folder);
+    }
     refuseDoubledIds(scene);
     return scene;
 }

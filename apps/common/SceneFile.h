@@ -113,6 +113,36 @@ struct SceneGeoJson {
     std::optional<std::string> attribution;
 };
 
+/// A place on one level of the side view's structure.
+struct ScenePosition {
+    CLLocationCoordinate2D coordinate;
+    std::int64_t level = 0;
+};
+
+struct SceneSideMarker {
+    std::string identifier;
+    std::string icon;
+    ScenePosition position;
+};
+
+struct SceneSidePath {
+    std::vector<ScenePosition> points;
+    std::optional<UIColor> color;
+    /// Points.
+    std::optional<double> width;
+};
+
+struct SceneSideView {
+    std::string image;
+    std::string levels;
+    std::optional<std::int64_t> displayedLevel;
+    std::optional<ScenePosition> userPosition;
+    /// Empty without a user position.
+    std::string userIcon;
+    std::vector<SceneSideMarker> markers;
+    std::optional<SceneSidePath> path;
+};
+
 /// A scene as its file describes it; nothing that it names has been opened. Paths are joined with the file's
 /// folder.
 struct SceneFile {
@@ -126,6 +156,7 @@ struct SceneFile {
     std::vector<ScenePolygon> polygons;
     std::vector<ScenePolyline> polylines;
     std::vector<SceneGeoJson> geojson;
+    std::optional<SceneSideView> sideView;
 };
 
 /// Reads and checks a scene file; the reason begins with the path and names the place in the file.

@@ -21,11 +21,6 @@ std::vector<CLLocationCoordinate2D> readCoordinates(const JsonCursor& at, std::s
     return coordinates;
 }
 
-std::optional<UIColor> optionalColor(const JsonCursor& at) {
-    const auto color = at.member("color");
-    return color ? std::optional(readColor(*color)) : std::nullopt;
-}
-
 std::optional<double> optionalNumber(const JsonCursor& at, std::string_view key, double least, double most) {
     const auto number = at.member(key);
     return number ? std::optional(number->number(least, most)) : std::nullopt;
@@ -105,7 +100,7 @@ ScenePolyline readPolyline(const JsonCursor& at) {
     line.overlay = readOverlay(at);
     line.vertices = readCoordinates(at.required("vertices"), 2);
     line.color = optionalColor(at);
-    line.width = optionalNumber(at, "width", 0, kMaximumLineWidth);
+    line.width = optionalWidth(at);
     return line;
 }
 
@@ -115,7 +110,7 @@ SceneGeoJson readGeoJson(const JsonCursor& at, const std::string& folder) {
     geojson.overlay = readOverlay(at);
     geojson.file = readPath(at.required("file"), folder);
     geojson.color = optionalColor(at);
-    geojson.width = optionalNumber(at, "width", 0, kMaximumLineWidth);
+    geojson.width = optionalWidth(at);
     geojson.radius = optionalNumber(at, "radius", 0, kMaximumMetres);
     if (const auto icon = at.member("icon")) {
         geojson.icon = readPath(*icon, folder);
@@ -127,6 +122,15 @@ SceneGeoJson readGeoJson(const JsonCursor& at, const std::string& folder) {
 }
 
 } // namespace
+
+std::optional<UIColor> optionalColor(const JsonCursor& at) {
+    const auto color = at.member("color");
+    return color ? std::optional(readColor(*color)) : std::nullopt;
+}
+
+std::optional<double> optionalWidth(const JsonCursor& at) {
+    return optionalNumber(at, "width", 0, kMaximumLineWidth);
+}
 
 SceneOverlay readOverlay(const JsonCursor& at) {
     SceneOverlay overlay;
