@@ -1,0 +1,206 @@
+#include "SideviewStage.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace trelmix {
+namespace {
+
+class SideviewGestures : public SideviewStage {
+protected:
+    void SetUp() override {
+        SideviewStage::SetUp();
+        setUp();
+        connect();
+        // Room to pan in both directions.
+        sideview->scrollView()->setZoomScale(0.8, false);
+        start = targetLongitude();
+    }
+
+    bool isScrolling() const { return sideview->scrollView()->isScrollEnabled(); }
+    double footprintX() const { return sideview->sideviewCameraRectangle()->frame().origin.x; }
+    bool cameraMoved() {
+        rest();
+        const bool moved = targetLongitude() != start;
+        start = targetLongitude();
+        return moved;
+    }
+    CGPoint takeOffsetChange() {
+        const CGPoint now = sideview->scrollView()->contentOffset();
+        const CGPoint before = std::exchange(offset, now);
+        return {now.x - before.x, now.y - before.y};
+    }
+    void enterDragMode(CGPoint at = {150, 50}) {
+        story->down(1, at).wait(0.6);
+        ASSERT_FALSE(isScrolling());
+    }
+    void drag(CGPoint from, CGPoint to) {
+        story->down(1, from).move(1, {(from.x + to.x) / 2, from.y}).move(1, to).up(1);
+    }
+
+    double start = 0;
+    CGPoint offset;
+};
+
+TEST_F(SideviewGestures, normallyATapMovesTheCameraAndAPanThePicture) {
+    const double footprint = footprintX();
+    story->tap({60, 50});
+    EXPECT_EQ(takeLog(), "tap; ");
+    RunLoop::main().drain();
+    EXPECT_EQ(footprintX(), footprint) << "the camera is on its way and reports when it rests";
+    EXPECT_TRUE(cameraMoved());
+    EXPECT_NE(footprintX(), footprint);
+
+    takeOffsetChange();
+    drag({200, 80}, {140, 80});
+    EXPECT_EQ(takeLog(), "");
+    EXPECT_FALSE(cameraMoved());
+    EXPECT_GT(takeOffsetChange().x, 40);
+    EXPECT_TRUE(isScrolling());
+}
+
+TEST_F(SideviewGestures, aLongPressTurnsThePanThatFollowsIntoADragOfTheCamera) {
+    takeOffsetChange();
+    const double footprint = footprintX();
+    enterDragMode();
+    story->move(1, {200, 50}).move(1, {220, 50});
+    EXPECT_EQ(takeLog(), "scroll; scroll; ");
+    RunLoop::main().drain();
+    EXPECT_NE(footprintX(), footprint) << "not animated: the camera is there at once";
+    EXPECT_FALSE(isScrolling());
+    story->up(1);
+    EXPECT_TRUE(isScrolling());
+    EXPECT_TRUE(cameraMoved());
+    EXPECT_EQ(takeOffsetChange(), CGPoint{}) << "the picture stayed where it was";
+    story->tap({60, 50});
+    EXPECT_EQ(takeLog(), "tap; ");
+}
+
+TEST_F(SideviewGestures, inCameraDragModeTapsAndLongPressesDoNothing) {
+    enterDragMode();
+    story->up(1);
+    EXPECT_FALSE(isScrolling()) << "the mode lasts until a pan finishes";
+    story->tap({60, 50});
+    story->down(1, {60, 50}).wait(0.6).up(1);
+    EXPECT_EQ(takeLog(), "");
+    EXPECT_FALSE(cameraMoved());
+    EXPECT_FALSE(isScrolling());
+}
+
+TEST_F(SideviewGestures, aLongPressWithoutAPanNeverSticks) {
+    const auto wake = [&](const char* how, auto tellStory) {
+        enterDragMode();
+        story->up(1);
+        tellStory();
+        EXPECT_TRUE(isScrolling()) << how;
+        takeLog();
+        story->tap({60, 50});
+        EXPECT_EQ(takeLog(), "tap; ") << how;
+        rest();
+    };
+    wake("a later pan ends", [&] { drag({60, 50}, {120, 50}); });
+    wake("a later pan is cancelled", [&] { story->down(1, {60, 50}).move(1, {120, 50}).cancel(1); });
+    wake("all touches are lost", [&] { story->down(1, {60, 50}).move(1, {120, 50}).cancelAll(); });
+    wake("two fingers", [&] {
+        story->down(1, {60, 50}).down(2, {160, 50});
+        story->move({{1, {90, 50}}, {2, {190, 50}}}).move({{1, {120, 50}}, {2, {220, 50}}}).up(1).up(2);
+    });
+    wake("the pan has no engine to move", [&] {
+        sideview->setDisplayedLevel(0, nullptr);
+        drag({60, 50}, {120, 50});
+        sideview->setDisplayedLevel(0, engine);
+    });
+    wake("zooming is enabled again", [&] { sideview->setEnableZooming(true); });
+}
+
+TEST_F(SideviewGestures, withoutZoomingATapMovesTheCameraAndEveryPanDragsIt) {
+    sideview->setEnableZooming(false);
+    EXPECT_FALSE(isScrolling());
+    EXPECT_EQ(sideview->scrollView()->zoomScale(), 0.25);
+    takeOffsetChange();
+    story->tap({60, 50});
+    EXPECT_EQ(takeLog(), "tap; ");
+    EXPECT_TRUE(cameraMoved());
+    story->down(1, {60, 50}).wait(0.6).up(1);
+    EXPECT_FALSE(isScrolling());
+    drag({200, 50}, {240, 50});
+    EXPECT_EQ(takeLog(), "scroll; scroll; ");
+    EXPECT_TRUE(cameraMoved());
+    EXPECT_FALSE(isScrolling());
+    EXPECT_EQ(takeOffsetChange(), CGPoint{});
+}
+
+TEST_F(SideviewGestures, withNothingToMoveTouchesDoNothing) {
+    const auto touchAll = [&] {
+        story->tap({60, 50});
+        enterDragMode();
+        story->move(1, {220, 50}).up(1);
+        EXPECT_EQ(takeLog(), "");
+        EXPECT_TRUE(isScrolling());
+    };
+    sideview->setDisplayedLevel(0, nullptr);
+    touchAll();
+    sideview->setDisplayedLevel(0, makeEngine()); // has no camera yet
+    touchAll();
+}
+
+TEST_F(SideviewGestures, theApplicationMayDoAnythingInsideACall) {
+    listener->onCall = [&] { setUp(); };
+    story->tap({60, 50});
+    EXPECT_EQ(takeLog(), "tap; ");
+    EXPECT_FALSE(cameraMoved()) << "the tap was on a picture that is gone";
+
+    listener->onCall = [&] { sideview->setDisplayedLevel(0, nullptr); };
+    story->tap({60, 50});
+    EXPECT_FALSE(cameraMoved());
+    connect();
+
+    listener->onCall = [&] { sideview.reset(); };
+    const std::weak_ptr<UIView> weak = sideview;
+    story->tap({60, 50});
+    EXPECT_TRUE(weak.expired());
+    EXPECT_EQ(takeLog(), "tap; tap; ");
+}
+
+TEST_F(SideviewGestures, aPinchZoomsBetweenTheWholeWidthAndTheBitmapsOwnSize) {
+    const auto pinch = [&](double from, double to) {
+        story->down(1, {180 - from, 60}).down(2, {180 + from, 60});
+        story->move({{1, {180 - to, 60}}, {2, {180 + to, 60}}});
+        story->move({{1, {180 - to, 60}}, {2, {180 + to, 60}}}).up(1).up(2);
+        return sideview->scrollView()->zoomScale();
+    };
+    EXPECT_EQ(pinch(20, 150), 1.0);
+    EXPECT_EQ(pinch(150, 10), 0.25);
+    EXPECT_FALSE(cameraMoved());
+}
+
+/// A metre in the picture is a metre on the ground, along the picture's bearing.
+TEST_F(SideviewGestures, aTapMovesTheTargetByTheDistanceThatThePicturesScaleGives) {
+    for (const double zoom : {0.25, 0.5, 1.0}) {
+        sideview->scrollView()->setZoomScale(zoom, false);
+        for (const CGPoint tapped : {CGPoint{90, 30}, CGPoint{333, 60}, CGPoint{187, 10}}) {
+            const CLLocationCoordinate2D from = engine->camera()->target();
+            const CGPoint inPicture = sideview->convertPointToView(tapped, sideview->sideviewImageView());
+            story->tap(tapped).wait(0.5);
+            rest();
+            const CLLocationCoordinate2D to = engine->camera()->target();
+            const double expected = (inPicture.x - imageX(from.longitude)) / kScale;
+            // On the sphere of the map's radius, eastwards positive.
+            constexpr double kMetresPerDegree = 6372797.6 * std::numbers::pi / 180;
+            const double east = (to.longitude - from.longitude) * kMetresPerDegree *
+                                std::cos(from.latitude * std::numbers::pi / 180);
+            EXPECT_NEAR(east, expected, 0.01) << zoom << ", " << tapped.x;
+            EXPECT_NEAR((to.latitude - from.latitude) * kMetresPerDegree, 0, 0.01);
+
+            const auto [left, right] = seenExtent();
+            const CGRect footprint = sideview->sideviewCameraRectangle()->frame();
+            EXPECT_NEAR(footprint.origin.x, left, 1e-4);
+            EXPECT_NEAR(footprint.size.width, right - left, 1e-4);
+            EXPECT_NEAR(footprint.origin.y, kCeiling[0], 1e-9);
+            EXPECT_NEAR(footprint.size.height, kFloor[0] - kCeiling[0], 1e-9);
+        }
+    }
+}
+
+} // namespace
+} // namespace trelmix
