@@ -106,8 +106,7 @@ public:
     }
 
     std::shared_ptr<const SCNMesh> mesh(CGPoint origin) const {
-        const std::size_t count = _triangles.size() / 3 * 3;
-        if (_failed || count == 0) {
+        if (_failed || _triangles.empty()) {
             return nullptr;
         }
         auto mesh = std::make_shared<SCNMesh>();
@@ -119,9 +118,9 @@ public:
             }
         }
         if (_vertices.size() <= 256) {
-            mesh->indices = std::vector<std::uint8_t>(_triangles.begin(), _triangles.begin() + count);
+            mesh->indices = std::vector<std::uint8_t>(_triangles.begin(), _triangles.end());
         } else {
-            mesh->indices = std::vector<std::uint32_t>(_triangles.begin(), _triangles.begin() + count);
+            mesh->indices = _triangles;
         }
         return mesh;
     }

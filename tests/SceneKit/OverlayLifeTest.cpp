@@ -1,0 +1,130 @@
+// What every kind of overlay has in common: coming, going, and staying behind.
+
+#include "support/EngineFixture.h"
+
+#include <Trelmix/TrelmixMapEngineFactory.h>
+
+#include <limits>
+
+namespace trelmix {
+namespace {
+
+constexpr CLLocationCoordinate2D kHere{54.32, 10.14};
+constexpr CLLocationCoordinate2D kNear{54.321, 10.142};
+
+std::shared_ptr<const UIImage> image() {
+    return UIImage::withPixels(2, 2, std::vector<std::uint8_t>(16, 255));
+}
+
+std::vector<std::shared_ptr<TrelmixMapOverlay>> oneOfEach() {
+    const std::vector<CLLocation> places{CLLocation{kHere}, CLLocation{kNear}, CLLocation{54.32, 10.15}};
+    auto circle = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kHere, 20);
+    circle->setColor(UIColor::redColor());
+    auto polygon = TrelmixMapEngineFactory::createMapPolygonWithCorners(places);
+    polygon->setColor(UIColor::blueColor());
+    return {TrelmixMapEngineFactory::createMapMarkerWith(image(), kHere), circle, polygon,
+            TrelmixMapEngineFactory::createMapPolylineWithVertices(places),
+            TrelmixMapEngineFactory::createLevelPlanNodeWith(image(), kHere, kNear)};
+}
+
+using OverlayLifeTest = EngineFixture;
+
+TEST_F(OverlayLifeTest, eachIsDrawnAboveTheKindBelowIt) {
+    for (const auto& overlay : oneOfEach()) {
+        overlay->setMap(engine);
+    }
+    step();
+    std::vector<std::int64_t> orders;
+    for (const auto& item : lastFrame.list->items) {
+        orders.push_back(item->renderingOrder);
+    }
+    EXPECT_EQ(orders, (std::vector<std::int64_t>{-75, -74, -73, -72, -71}));
+}
+
+TEST_F(OverlayLifeTest, eachComesBackAfterItWasTakenOffAndMovesToAnotherMap) {
+    engine->initialiseWithTarget(kHere, 18);
+    const auto second = makeEngine();
+    second->initialiseWithTarget({54.4, 10.2}, 18);
+    for (const auto& overlay : oneOfEach()) {
+        overlay->setMap(engine);
+        step();
+        ASSERT_EQ(lastFrame.list->items.size(), 1U) << overlay->description();
+        const auto before = lastFrame.list->items[0];
+        overlay->setMap(nullptr);
+        step();
+        EXPECT_TRUE(lastFrame.list->items.empty()) << overlay->description();
+        overlay->setMap(engine);
+        step();
+        ASSERT_EQ(lastFrame.list->items.size(), 1U) << overlay->description();
+        EXPECT_EQ(lastFrame.list->items[0]->corners, before->corners) << overlay->description();
+        EXPECT_EQ(lastFrame.list->items[0]->image, before->image) << overlay->description();
+        overlay->setMap(second);
+        step();
+        EXPECT_TRUE(lastFrame.list->items.empty()) << overlay->description();
+        const DrawFrame frame = second->sceneView()->nextFrame(Clock::now());
+        ASSERT_EQ(frame.list->items.size(), 1U) << overlay->description();
+        const DrawItem& after = *frame.list->items[0];
+        EXPECT_TRUE(after.corners != before->corners || after.meshPosition != before->meshPosition);
+        overlay->setMap(nullptr);
+    }
+}
+
+TEST_F(OverlayLifeTest, anOverlayDestroyedWhileAnimatedLeavesNothingBehind) {
+    engine->initialiseWithTarget(kHere, 18);
+    auto marker = TrelmixMapEngineFactory::createMapMarkerWith(image(), kHere);
+    auto circle = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kHere, 20);
+    marker->setIsFlat(true);
+    marker->setMap(engine);
+    circle->setMap(engine);
+    marker->setRotation(90, true, 1);
+    marker->setCoordinate(kNear, true, 1);
+    circle->updateCircleWithCoordinate(kNear, 10, true, 1);
+    step(0.5);
+    const std::weak_ptr<TrelmixMapOverlay> weak[] = {marker, circle};
+    marker->setMap(nullptr);
+    circle->setMap(nullptr);
+    marker.reset();
+    circle.reset();
+    EXPECT_TRUE(weak[0].expired() && weak[1].expired());
+    step(1);
+}
+
+TEST_F(OverlayLifeTest, outlivesItsEngineAsAnOverlayWithoutAMap) {
+    const auto overlays = oneOfEach();
+    for (const auto& overlay : overlays) {
+        overlay->setMap(engine);
+    }
+    step();
+    engine = makeEngine();
+    for (const auto& overlay : overlays) {
+        EXPECT_EQ(overlay->map(), nullptr);
+        overlay->setMap(engine);
+    }
+    step();
+    EXPECT_EQ(lastFrame.list->items.size(), overlays.size());
+}
+
+TEST_F(OverlayLifeTest, coordinatesThatAreNowhereNeverMakeTheFirstCameraUnusable) {
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    for (const CLLocationCoordinate2D bad :
+         {kCLLocationCoordinate2DInvalid, CLLocationCoordinate2D{kNan, kNan}, {-90, 0}, {90, 0}}) {
+        const std::vector<CLLocation> places{CLLocation{bad}, CLLocation{bad}, CLLocation{bad}};
+        const std::vector<std::shared_ptr<TrelmixMapOverlay>> overlays{
+            TrelmixMapEngineFactory::createMapMarkerWith(image(), bad),
+            TrelmixMapEngineFactory::createMapCircleWithCoordinate(bad, 20),
+            TrelmixMapEngineFactory::createMapPolygonWithCorners(places),
+            TrelmixMapEngineFactory::createMapPolylineWithVertices(places),
+            TrelmixMapEngineFactory::createLevelPlanNodeWith(image(), bad, bad)};
+        for (const auto& overlay : overlays) {
+            engine = makeEngine();
+            overlay->setMap(engine);
+            step();
+            const auto record = engine->camera();
+            ASSERT_TRUE(record);
+            EXPECT_TRUE(CLLocationCoordinate2DIsValid(record->target())) << overlay->description();
+        }
+    }
+}
+
+} // namespace
+} // namespace trelmix
