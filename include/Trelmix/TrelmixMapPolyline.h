@@ -27,7 +27,8 @@ public:
     virtual float width() const = 0;
     virtual void setWidth(float width) = 0;
 
-    /// On a map: without the vertices that the line's clean-up dropped (repeated ones and full reversals).
+    /// On a map: without the vertices that the line's clean-up dropped (repeated ones, full
+    /// reversals and places that the map does not have).
     virtual std::vector<CLLocation> polylineVertices() const = 0;
     virtual void setPolylineVertices(std::vector<CLLocation> vertices) = 0;
 };
