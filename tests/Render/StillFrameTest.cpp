@@ -10,6 +10,15 @@ namespace {
 thread_local bool isCounting = false;
 std::atomic<int> allocations{0};
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SANITIZER_HAS_THE_ALLOCATOR
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define SANITIZER_HAS_THE_ALLOCATOR
+#endif
+#endif
+
+#ifndef SANITIZER_HAS_THE_ALLOCATOR
 void* counted(std::size_t size) {
     if (isCounting) {
         ++allocations;
@@ -19,9 +28,11 @@ void* counted(std::size_t size) {
     }
     throw std::bad_alloc();
 }
+#endif
 
 } // namespace
 
+#ifndef SANITIZER_HAS_THE_ALLOCATOR
 void* operator new(std::size_t size) {
     return counted(size);
 }
@@ -31,6 +42,7 @@ void operator delete(void* memory) noexcept {
 void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
+#endif
 
 namespace trelmix::render_test {
 namespace {
