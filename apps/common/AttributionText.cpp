@@ -95,10 +95,14 @@ std::string withSingleBlanks(std::string_view text) {
 
 } // namespace
 
+std::string plainLine(std::string_view text) {
+    return withSingleBlanks(onlyUtf8(text));
+}
+
 std::string joinedAttributions(const std::vector<std::string>& texts) {
     std::vector<std::string> plain;
     for (const auto& text : texts) {
-        std::string line = withSingleBlanks(onlyUtf8(withoutEntities(withoutTags(text))));
+        std::string line = plainLine(withoutEntities(withoutTags(text)));
         if (line.size() > kMaximumLength) {
             line = onlyUtf8(line.substr(0, kMaximumLength)) + "\xE2\x80\xA6";
         }

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace trelmix::apps {
@@ -18,6 +19,10 @@ std::shared_ptr<const UIImage> pinImage(UIColor color);
 /// show.
 /// @param scale pixels per point.
 std::shared_ptr<const UIImage> attributionImage(const std::string& text, double scale, double maximumWidth);
+
+/// What can be shown of a text from outside: without bytes that are no UTF-8 and without control characters,
+/// blanks one at a time.
+std::string plainLine(std::string_view text);
 
 /// The texts of several sources as one line: without HTML, each once, separated by bars.
 std::string joinedAttributions(const std::vector<std::string>& texts);
