@@ -11,12 +11,22 @@ constexpr GLuint kVertex = 0;
 constexpr GLuint kNormal = 1;
 constexpr GLuint kTangent = 2;
 
+/// A program has no input for its node's opacity, but the colours that its handlers write are premultiplied:
+/// scaled, they carry it.
 class CurrentProgramWriter final : public UniformWriter {
 public:
+    explicit CurrentProgramWriter(float opacity) : _opacity(opacity) {}
     void glUniform1f(int location, float value) override { ::glUniform1f(location, value); }
     void glUniform4fv(int location, int count, const float* values) override {
-        ::glUniform4fv(location, count, values);
+        for (int i = 0; i < count; ++i, values += 4) {
+            const float scaled[4] = {values[0] * _opacity, values[1] * _opacity, values[2] * _opacity,
+                                     values[3] * _opacity};
+            ::glUniform4fv(location + i, 1, scaled);
+        }
     }
+
+private:
+    float _opacity;
 };
 
 /// Everything that a compiled program depends on.
@@ -70,7 +80,7 @@ int ShaderProgram::draw(const MeshBuffers& mesh, const std::array<float, 16>& ma
                         VertexArrays& arrays) {
     glUniformMatrix4fv(_matrix, 1, GL_FALSE, matrix.data());
     if (item.bindings) {
-        CurrentProgramWriter writer;
+        CurrentProgramWriter writer(item.opacity);
         for (const auto& [symbol, handler] : *item.bindings) {
             // A uniform that the shaders do not use has no place to be written to.
             const GLint location = locationOf(symbol);

@@ -17,6 +17,7 @@ class UniformWriter {
 public:
     virtual ~UniformWriter() = default;
     virtual void glUniform1f(int location, float value) = 0;
+    /// Colours, premultiplied; the node's opacity is worked in.
     virtual void glUniform4fv(int location, int count, const float* values) = 0;
 };
 
