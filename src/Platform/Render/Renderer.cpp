@@ -4,7 +4,7 @@
 #include "Platform/Render/FrameTarget.h"
 #include "Platform/Render/OverlayPainter.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace trelmix {
@@ -103,8 +103,15 @@ std::string Renderer::Parts::prepare() {
 }
 
 void Renderer::Parts::setState() {
-    for (const GLenum feature : {GL_DEPTH_TEST, GL_STENCIL_TEST, GL_CULL_FACE, GL_SCISSOR_TEST, GL_DITHER,
-                                 GL_POLYGON_OFFSET_FILL, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE}) {
+    constexpr std::array<GLenum, 8> features{GL_DEPTH_TEST,
+                                             GL_STENCIL_TEST,
+                                             GL_CULL_FACE,
+                                             GL_SCISSOR_TEST,
+                                             GL_DITHER,
+                                             GL_POLYGON_OFFSET_FILL,
+                                             GL_SAMPLE_ALPHA_TO_COVERAGE,
+                                             GL_SAMPLE_COVERAGE};
+    for (const GLenum feature : features) {
         glDisable(feature);
     }
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
