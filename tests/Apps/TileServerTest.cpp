@@ -18,6 +18,12 @@ public:
     }
     bool synchronousLayer() const override { return false; }
     void setSynchronousLayer(bool) override {}
+    bool imageUrlLayer() const override { return false; }
+    void setImageUrlLayer(bool) override {}
+    ImageUrlConstructor imageUrlConstructor() const override { return {}; }
+    void setImageUrlConstructor(ImageUrlConstructor) override {}
+    std::optional<std::size_t> imageCacheLimit() const override { return {}; }
+    void setImageCacheLimit(std::optional<std::size_t>) override {}
     std::size_t wantedTileCount() const override { return 0; }
     std::size_t answeredTileCount() const override { return 0; }
     std::shared_ptr<TrelmixMapEngine> map() const override { return nullptr; }
