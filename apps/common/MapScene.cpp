@@ -4,6 +4,22 @@
 
 namespace trelmix::apps {
 
+namespace {
+
+/// Bytes of each tile layer: enough for going back and forth without loading anew.
+constexpr std::size_t kImageCacheLimit = std::size_t{128} << 20U;
+
+void loadFromUrls(TrelmixMapTileLayer& layer, const std::string& urlTemplate) {
+    layer.setImageUrlLayer(true);
+    layer.setImageUrlConstructor([urlTemplate](std::uint64_t x, std::uint64_t y, std::uint64_t zoom) {
+        return URL::fromString(
+            filledTemplate(urlTemplate, {static_cast<std::int64_t>(x), static_cast<std::int64_t>(y),
+                                         static_cast<std::int64_t>(zoom)}));
+    });
+}
+
+} // namespace
+
 void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay) {
     if (keys.zIndex) {
         overlay.setZIndex(*keys.zIndex);
@@ -57,7 +73,12 @@ MapScene buildMapScene(const SceneFile& scene, const SceneContent& content, cons
     for (std::size_t i = 0; i < scene.tiles.size(); ++i) {
         auto layer = TrelmixMapEngineFactory::createMapTilesNode();
         applyOverlayKeys(scene.tiles[i].overlay, *layer);
-        map.tileServer->serve(layer, content.tiles[i]);
+        layer->setImageCacheLimit(kImageCacheLimit);
+        if (content.tiles[i]) {
+            map.tileServer->serve(layer, content.tiles[i]);
+        } else {
+            loadFromUrls(*layer, scene.tiles[i].url);
+        }
         layer->setMap(map.engine);
         map.layers.push_back(std::move(layer));
     }

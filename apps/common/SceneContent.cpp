@@ -29,7 +29,9 @@ public:
         std::vector<std::string> attributions;
         for (const auto& tiles : scene.tiles) {
             content.tiles.push_back(openTiles(tiles, placeOf("tiles", content.tiles.size())));
-            attributions.push_back(tiles.attribution.value_or(content.tiles.back()->store().attribution()));
+            const auto& source = content.tiles.back();
+            attributions.push_back(
+                tiles.attribution.value_or(source ? source->store().attribution() : std::string()));
         }
         for (const auto& plan : scene.levelPlans) {
             const std::string place = placeOf("levelPlans", content.levelPlans.size());
@@ -54,6 +56,9 @@ private:
     }
 
     static std::shared_ptr<const TileSource> openTiles(const SceneTiles& tiles, const std::string& place) {
+        if (!tiles.url.empty()) {
+            return nullptr;
+        }
         if (tiles.mbtiles.empty()) {
             return std::make_shared<TileSource>(std::make_unique<TileDirectory>(tiles.directory));
         }

@@ -21,6 +21,7 @@ struct SceneGeoJsonContent {
 
 /// The files that a scene names, opened and decoded: one entry for each of the scene's, in the same order.
 struct SceneContent {
+    /// Empty where the tiles come from addresses.
     std::vector<std::shared_ptr<const TileSource>> tiles;
     std::vector<std::shared_ptr<const UIImage>> levelPlans;
     /// Empty where the marker has no icon of its own.

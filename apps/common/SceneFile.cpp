@@ -2,6 +2,9 @@
 
 #include "common/Files.h"
 #include "common/SceneFileReading.h"
+#include "common/TileStore.h"
+
+#include <Trelmix/Platform/URL.h>
 
 #include <cmath>
 #include <filesystem>
@@ -77,23 +80,34 @@ SceneLimits readLimits(const JsonCursor& at) {
     return limits;
 }
 
+void expectTemplate(const JsonCursor& at) {
+    for (const std::string_view part : {"{z}", "{x}", "{y}"}) {
+        if (at.text().find(part) == std::string::npos) {
+            at.fail("must contain " + std::string(part));
+        }
+    }
+}
+
 SceneTiles readTiles(const JsonCursor& at, const std::string& folder) {
-    at.expectObject({"mbtiles", "directory", "attribution", "zIndex", "visible", "id"});
+    at.expectObject({"mbtiles", "directory", "url", "attribution", "zIndex", "visible", "id"});
     SceneTiles tiles;
     tiles.overlay = readOverlay(at);
     const auto mbtiles = at.member("mbtiles");
     const auto directory = at.member("directory");
-    if (mbtiles.has_value() == directory.has_value()) {
-        at.fail("needs exactly one of the keys \"mbtiles\" and \"directory\"");
+    const auto url = at.member("url");
+    if (int{mbtiles.has_value()} + int{directory.has_value()} + int{url.has_value()} != 1) {
+        at.fail("needs exactly one of the keys \"mbtiles\", \"directory\" and \"url\"");
     }
     if (mbtiles) {
         tiles.mbtiles = readPath(*mbtiles, folder);
-    } else {
+    } else if (directory) {
         tiles.directory = readPath(*directory, folder);
-        for (const std::string_view part : {"{z}", "{x}", "{y}"}) {
-            if (directory->text().find(part) == std::string::npos) {
-                directory->fail("must contain " + std::string(part));
-            }
+        expectTemplate(*directory);
+    } else {
+        tiles.url = url->text();
+        expectTemplate(*url);
+        if (!URL::fromString(filledTemplate(tiles.url, {}))) {
+            url->fail("must be an address like \"https://host/{z}/{x}/{y}.png\"");
         }
     }
     if (const auto attribution = at.member("attribution")) {

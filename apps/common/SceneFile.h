@@ -48,12 +48,14 @@ struct SceneOverlay {
     std::string id;
 };
 
-/// Exactly one of the two sources is given.
+/// Exactly one of the three sources is given.
 struct SceneTiles {
     SceneOverlay overlay;
     std::string mbtiles;
     /// A path with {z}, {x} and {y} in it.
     std::string directory;
+    /// An http, https or file address with {z}, {x} and {y} in it.
+    std::string url;
     /// Absent: what the archive says.
     std::optional<std::string> attribution;
 };

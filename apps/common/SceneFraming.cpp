@@ -48,7 +48,7 @@ void addFeature(CoordinateList& places, const GeoJsonFeature& feature, double ra
 CoordinateList placesOfScene(const SceneFile& scene, const SceneContent& content) {
     CoordinateList places;
     for (const auto& source : content.tiles) {
-        if (const auto bounds = source->store().bounds()) {
+        if (const auto bounds = source ? source->store().bounds() : std::nullopt) {
             addBox(places, bounds->southWest, bounds->northEast);
         }
     }

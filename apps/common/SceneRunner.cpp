@@ -1,7 +1,5 @@
 #include "common/SceneRunner.h"
 
-#include <thread>
-
 namespace trelmix::apps {
 
 namespace {
@@ -10,7 +8,9 @@ using Clock = std::chrono::steady_clock;
 
 // The layers look for tiles at most once in a second of the map's clock.
 constexpr double kBetweenTileChecks = 1.0;
-constexpr std::chrono::milliseconds kPatience{50};
+/// Seconds.
+constexpr double kPatience = 0.05;
+constexpr std::chrono::milliseconds kQuiet{500};
 // Where a check finds new tiles every time, the picture is not going to settle.
 constexpr int kMaximumChecks = 20;
 
@@ -31,6 +31,7 @@ void pumpAll(OffscreenHost& host, Clock::time_point end) {
 TileCount waitForAnswers(OffscreenHost& host, const MapScene& map, Clock::time_point end,
                          const std::function<void(TileCount)>& progress) {
     TileCount count;
+    auto quietSince = Clock::now();
     while (true) {
         pumpAll(host, end);
         count = countOf(map);
@@ -40,13 +41,16 @@ TileCount waitForAnswers(OffscreenHost& host, const MapScene& map, Clock::time_p
         if (count.answered >= count.wanted || Clock::now() >= end) {
             return count;
         }
-        if (map.tileServer->waitUntilAnswered(kPatience)) {
-            pumpAll(host, end);
-            if (countOf(map).answered == count.answered) {
-                // Nobody owes an answer, so a layer must be going to ask again.
-                std::this_thread::sleep_for(kPatience);
-                host.step(kBetweenTileChecks);
-            }
+        const bool isOwed = !map.tileServer->waitUntilAnswered(std::chrono::milliseconds(0));
+        host.wait(kPatience);
+        pumpAll(host, end);
+        const auto now = Clock::now();
+        if (isOwed || countOf(map).answered != count.answered) {
+            quietSince = now;
+        } else if (now - quietSince > kQuiet) {
+            // Perhaps a layer is going to ask again; what is on its way over a network comes all the same.
+            host.step(kBetweenTileChecks);
+            quietSince = now;
         }
     }
 }

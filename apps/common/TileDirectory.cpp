@@ -36,17 +36,7 @@ struct Range {
 TileDirectory::TileDirectory(std::string pathTemplate) : _template(std::move(pathTemplate)) {}
 
 std::string TileDirectory::pathOf(const TileIndex& tile) const {
-    std::string path;
-    for (std::size_t i = 0; i < _template.size();) {
-        const std::string_view rest = std::string_view(_template).substr(i, 3);
-        if (rest == "{z}" || rest == "{x}" || rest == "{y}") {
-            path += std::to_string(rest[1] == 'z' ? tile.zoom : rest[1] == 'x' ? tile.x : tile.y);
-            i += 3;
-        } else {
-            path += _template[i++];
-        }
-    }
-    return path;
+    return filledTemplate(_template, tile);
 }
 
 std::optional<TileIndex> TileDirectory::indexOf(const std::string& path) const {

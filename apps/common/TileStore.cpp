@@ -23,6 +23,20 @@ bool isInWorld(const TileIndex& tile) {
     return tile.x >= 0 && tile.x < across && tile.y >= 0 && tile.y < across;
 }
 
+std::string filledTemplate(std::string_view text, const TileIndex& tile) {
+    std::string filled;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::string_view rest = text.substr(i, 3);
+        if (rest == "{z}" || rest == "{x}" || rest == "{y}") {
+            filled += std::to_string(rest[1] == 'z' ? tile.zoom : rest[1] == 'x' ? tile.x : tile.y);
+            i += 3;
+        } else {
+            filled += text[i++];
+        }
+    }
+    return filled;
+}
+
 TileBounds boundsOfTiles(std::int64_t zoom, std::int64_t west, std::int64_t north, std::int64_t east,
                          std::int64_t south) {
     const double across = std::exp2(static_cast<double>(zoom));

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace trelmix::apps {
@@ -26,6 +27,9 @@ inline constexpr std::uint64_t kMaximumTileBytes = 32ULL << 20U;
 
 /// Whether the world has such a tile.
 bool isInWorld(const TileIndex& tile);
+
+/// The text with the tile's numbers in place of {z}, {x} and {y}.
+std::string filledTemplate(std::string_view text, const TileIndex& tile);
 
 /// The corners of a rectangle on the map, degrees.
 struct TileBounds {

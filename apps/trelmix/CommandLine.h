@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/NetworkOptions.h"
 #include "common/SceneFile.h"
 
 #include <optional>
@@ -27,6 +28,7 @@ struct RenderOptions {
     double timeoutSeconds = 60;
     bool allowMissingTiles = false;
     bool noAttribution = false;
+    NetworkOptions network;
 };
 
 struct LocateOptions {

@@ -40,7 +40,7 @@ TileCount drawAll(OffscreenHost& host, const MapScene& map, double timeoutSecond
 // Damaged tiles are gaps, not failures, but somebody who sees the gap wants to know.
 void mentionDamagedTiles(const SceneContent& content) {
     for (const auto& source : content.tiles) {
-        if (const std::size_t count = source->faultCount(); count > 0) {
+        if (const std::size_t count = source ? source->faultCount() : 0; count > 0) {
             complain(source->store().name() + ": " + source->firstFault() +
                          (count > 1 ? " (and " + std::to_string(count - 1) + " more)" : ""),
                      ExitCode::done);
@@ -66,6 +66,9 @@ ExitCode writePicture(OffscreenHost& host, const std::string& attribution, const
 } // namespace
 
 ExitCode render(const RenderOptions& options) {
+    if (const std::string fault = applyNetworkOptions(options.network); !fault.empty()) {
+        return complain(fault, ExitCode::badInput);
+    }
     const auto scene = readScene(options.view);
     if (!scene) {
         return complain(scene.reason(), ExitCode::badInput);

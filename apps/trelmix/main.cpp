@@ -18,6 +18,16 @@ void addViewOptions(CLI::App& command, ViewOptions& options) {
         ->type_name("LAT,LON,ZOOM,ROTATION,ANGLE");
 }
 
+void addNetworkOptions(CLI::App& command, NetworkOptions& options) {
+    command
+        .add_option("--cache", options.cache, "Where tiles from addresses are kept (the user's cache folder)")
+        ->type_name("DIR|off");
+    command.add_option("--user-agent", options.userAgent, "What tile servers are told about who asks")
+        ->type_name("TEXT");
+    command.add_option("--ca-file", options.caFile, "Certificates to trust instead of the system's (PEM)")
+        ->type_name("FILE");
+}
+
 int run(int argc, char** argv) {
     // Everything behind `view` belongs to the program with the window.
     if (argc >= 2 && std::string_view(argv[1]) == "view") {
@@ -39,6 +49,8 @@ int run(int argc, char** argv) {
     renderCommand->add_flag("--allow-missing-tiles", renderOptions.allowMissingTiles,
                             "Succeed although tiles were not answered in time");
     renderCommand->add_flag("--no-attribution", renderOptions.noAttribution, "Leave the sources' names out");
+
+    addNetworkOptions(*renderCommand, renderOptions.network);
 
     LocateOptions locateOptions;
     auto* locateCommand = app.add_subcommand(

@@ -46,6 +46,8 @@ public:
 
     bool pump() override { return RunLoop::main().pump(); }
 
+    void wait(double seconds) override { RunLoop::main().wait(seconds); }
+
     ImageResult image() override {
         if (!_hasPicture) {
             return ImageResult::failure(_failure.empty() ? "no frame has been drawn yet" : _failure);

@@ -58,6 +58,9 @@ protected:
         layer.reset();
         server.stop();
         shutDownNetwork();
+        // Answers that were under way find nobody.
+        EXPECT_TRUE(decodersAreIdle());
+        RunLoop::main().drain();
         setNetworkSettings(before);
         EngineFixture::TearDown();
     }
@@ -81,6 +84,9 @@ protected:
             RunLoop::main().pump();
         }
         return true;
+    }
+    static bool decodersAreIdle() {
+        return pumpUntil([] { return WorkerPool::decoders().pendingCount() == 0; });
     }
     bool answered() {
         return pumpUntil([this] {
@@ -154,7 +160,7 @@ TEST_F(UrlTileLayer, whatWasLoadedOnceComesFromTheDiskWithoutTheServer) {
     show();
     ASSERT_TRUE(answered());
     // Waits for the answers that are being stored, and forgets what memory has.
-    ASSERT_TRUE(pumpUntil([] { return WorkerPool::decoders().pendingCount() == 0; }));
+    ASSERT_TRUE(decodersAreIdle());
     shutDownNetwork();
     server.stop();
     layer->setMap(nullptr);
@@ -250,9 +256,7 @@ TEST_F(UrlTileLayer, answersThatComeAfterTheEndOfLayerAndEngineAreDropped) {
     EXPECT_TRUE(weak.expired());
     server.release();
     ASSERT_TRUE(server.waitForRequests(tiles)) << "what was asked for is loaded all the same";
-    ASSERT_TRUE(pumpUntil([] { return WorkerPool::decoders().pendingCount() == 0; }));
-    shutDownNetwork();
-    RunLoop::main().drain();
+    ASSERT_TRUE(decodersAreIdle());
 }
 
 TEST_F(UrlTileLayer, answersFromBeforeItWasClearedDoNotReachTheLayer) {
@@ -264,7 +268,7 @@ TEST_F(UrlTileLayer, answersFromBeforeItWasClearedDoNotReachTheLayer) {
     show();
     server.release();
     ASSERT_TRUE(server.waitForRequests(asked.size()));
-    ASSERT_TRUE(pumpUntil([] { return WorkerPool::decoders().pendingCount() == 0; }));
+    ASSERT_TRUE(decodersAreIdle());
     EXPECT_EQ(layer->answeredTileCount(), 0U);
     shutDownNetwork();
     RunLoop::main().drain();

@@ -101,10 +101,8 @@ public:
         }
         _acceptor.join();
         ::close(_listener);
-        for (std::thread& thread : _threads) {
-            thread.join();
-        }
-        _threads.clear();
+        std::unique_lock lock(_mutex);
+        _changed.wait(lock, [this] { return _connections.empty(); });
     }
 
     /// Lets everything that is held go on, and holds nothing any more.
@@ -145,7 +143,8 @@ private:
                 return;
             }
             _connections.push_back(connection);
-            _threads.emplace_back([this, connection] { serve(connection); });
+            // A thread says that it ends by taking its connection off the list.
+            std::thread([this, connection] { serve(connection); }).detach();
         }
     }
 
@@ -165,8 +164,9 @@ private:
             }
         }
         const std::lock_guard guard(_mutex);
-        _connections.remove(connection);
         ::close(connection);
+        _connections.remove(connection);
+        _changed.notify_all();
     }
 
     static bool receive(int connection, std::string& input, std::size_t& end) {
@@ -232,7 +232,6 @@ private:
     bool _isStopping = false;
     bool _isReleased = false;
     std::list<int> _connections;
-    std::vector<std::thread> _threads;
     std::vector<std::string> _paths;
     std::map<std::string, int> _counts;
     int _running = 0;

@@ -43,6 +43,8 @@ public:
     virtual void step(double seconds) = 0;
     /// Runs main-queue blocks and due timers; true when there were any.
     virtual bool pump() = 0;
+    /// Sleeps until something is queued for the main thread, at most `seconds`. For waiting for tiles.
+    virtual void wait(double seconds) = 0;
     /// The picture of the last step; fails before the first and when it cannot be read back.
     virtual Result<std::shared_ptr<const UIImage>> image() = 0;
     /// How many draw calls the last step made.
