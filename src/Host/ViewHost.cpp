@@ -49,33 +49,33 @@ public:
         return true;
     }
 
+    // What a touch sets off may destroy this host: the dispatcher is called last, and once.
     void touchBegan(std::int64_t identifier, CGPoint point, double time) override {
-        deliverMoves();
-        _touches.handle({identifier, TouchPhase::began, inMap(point), time});
+        deliver({identifier, TouchPhase::began, inMap(point), time});
     }
 
     void touchMoved(std::int64_t identifier, CGPoint point, double time) override {
         _shiftsTwice = !_shiftsTwice;
         const double shift = _shiftsTwice ? 2 * kFraction : kFraction;
         const CGPoint place = inMap(point);
-        const bool movedBefore = std::any_of(_moves.begin(), _moves.end(), [identifier](const Touch& move) {
-            return move.identifier == identifier;
-        });
-        if (movedBefore) {
-            deliverMoves();
+        std::vector<Touch> before;
+        if (std::any_of(_moves.begin(), _moves.end(),
+                        [identifier](const Touch& move) { return move.identifier == identifier; })) {
+            before.swap(_moves);
         }
         _moves.push_back({identifier, TouchPhase::moved, {place.x + shift, place.y + shift}, time});
+        if (!before.empty()) {
+            _touches.handle(before);
+        }
     }
 
     void touchEnded(std::int64_t identifier, CGPoint, double time) override {
-        deliverMoves();
         // Where the finger was last seen: a lift is no movement.
-        _touches.handle({identifier, TouchPhase::ended, {std::nan(""), std::nan("")}, time});
+        deliver({identifier, TouchPhase::ended, {std::nan(""), std::nan("")}, time});
     }
 
     void touchCancelled(std::int64_t identifier, double time) override {
-        deliverMoves();
-        _touches.handle({identifier, TouchPhase::cancelled, {std::nan(""), std::nan("")}, time});
+        deliver({identifier, TouchPhase::cancelled, {std::nan(""), std::nan("")}, time});
     }
 
     void cancelTouches() override {
@@ -92,7 +92,10 @@ public:
     }
 
     bool pump() override {
-        deliverMoves();
+        if (!_moves.empty()) {
+            const std::vector<Touch> moves = std::exchange(_moves, {});
+            _touches.handle(moves);
+        }
         return RunLoop::main().pump();
     }
     void waitForWork(double seconds) override { RunLoop::main().wait(seconds); }
@@ -127,8 +130,12 @@ public:
         if (!_renderer) {
             return Result<std::shared_ptr<const UIImage>>::failure("no frame has been drawn yet");
         }
+        const double scale = [this] {
+            const SceneLock lock;
+            return _layout.scale;
+        }();
         const GLStateGuard guard(*_capabilities);
-        return _renderer->readBack(_layout.scale);
+        return _renderer->readBack(scale);
     }
 
     std::string failure() const override { return _failure; }
@@ -142,11 +149,10 @@ public:
 
 private:
     /// Fingers that move together are one event: fed one by one, the first of them would look like a turn.
-    void deliverMoves() {
-        const std::vector<Touch> moves = std::exchange(_moves, {});
-        if (!moves.empty()) {
-            _touches.handle(moves);
-        }
+    void deliver(const Touch& touch) {
+        std::vector<Touch> touches = std::exchange(_moves, {});
+        touches.push_back(touch);
+        _touches.handle(touches);
     }
 
     CGPoint inMap(CGPoint point) const {

@@ -86,7 +86,7 @@ public:
     virtual Drawing drawFrame(bool always = false) = 0;
     /// The picture of the last frame, without the overlay images. On the drawing thread.
     virtual Result<std::shared_ptr<const UIImage>> image() = 0;
-    /// Why the last `drawFrame` failed.
+    /// Why the last `drawFrame` failed; empty when it did not. On the drawing thread.
     virtual std::string failure() const = 0;
     /// Forgets the context's objects; the next `drawFrame` makes them anew in the context current then. For a
     /// context that was lost.

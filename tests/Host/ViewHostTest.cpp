@@ -1,0 +1,201 @@
+// What a host draws, and what it leaves alone.
+#include "Host/HostStage.h"
+
+#include <cmath>
+
+namespace trelmix {
+namespace {
+
+using Color = std::array<int, 3>;
+using Drawing = ViewHost::Drawing;
+
+constexpr Color kRed{255, 0, 0};
+constexpr Color kGreen{0, 255, 0};
+constexpr Color kBlue{0, 0, 255};
+
+class ViewHostTest : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        auto made = GLContext::makeOffscreen();
+        ASSERT_TRUE(made) << made.reason();
+        context = std::move(*made);
+        window = std::make_unique<TestWindow>(200, 150);
+        engine->setBackgroundColor(UIColor{1, 0, 0, 1});
+        engine->initialiseWithTarget({53.5, 10}, 17);
+        auto made2 = ViewHost::make(engine, kLayout, {});
+        ASSERT_TRUE(made2) << made2.reason();
+        host = std::move(*made2);
+    }
+    void TearDown() override {
+        host.reset();
+        window.reset();
+        context.reset();
+        EngineFixture::TearDown();
+    }
+
+    Drawing frame(bool always = false) {
+        Clock::set(Clock::now() + kFrame);
+        const Drawing drawing = host->drawFrame(always);
+        host->pump();
+        return drawing;
+    }
+    /// Draws until nothing changes; false when it never ends.
+    bool comesToRest() {
+        for (int i = 0; i < 200; ++i) {
+            if (frame() == Drawing::unchanged) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static constexpr ViewHost::Layout kLayout{{200, 150}, {{20, 10}, {100, 80}}, 1};
+    std::unique_ptr<GLContext> context;
+    std::unique_ptr<TestWindow> window;
+    std::unique_ptr<ViewHost> host;
+};
+
+TEST_F(ViewHostTest, mapAndImagesLieInTheirPlacesAndTheRestOfTheWindowStays) {
+    window->fill(0, 1, 0);
+    host->setOverlayImages({{plainImage(10, {0, 0, 255}), {{110, 80}, {30, 20}}}});
+    ASSERT_TRUE(comesToRest());
+    for (const auto& [x, y, color] : std::vector<std::tuple<int, int, Color>>{{20, 10, kRed},
+                                                                              {119, 10, kRed},
+                                                                              {20, 89, kRed},
+                                                                              {19, 10, kGreen},
+                                                                              {120, 10, kGreen},
+                                                                              {20, 9, kGreen},
+                                                                              {20, 90, kGreen},
+                                                                              {110, 80, kBlue},
+                                                                              {139, 99, kBlue},
+                                                                              {109, 79, kRed},
+                                                                              {140, 99, kGreen},
+                                                                              {139, 100, kGreen}}) {
+        EXPECT_EQ(window->pixel(x, y), color) << x << ", " << y;
+    }
+    const auto picture = host->image();
+    ASSERT_TRUE(picture);
+    EXPECT_EQ((*picture)->pixelWidth(), 100) << "the map alone";
+}
+
+TEST_F(ViewHostTest, everythingIsLargerWithTwoPixelsAPoint) {
+    ASSERT_TRUE(host->setLayout({{100, 75}, {{10, 5}, {50, 40}}, 2}));
+    host->setOverlayImages({{plainImage(10, {0, 0, 255}), {{55, 40}, {15, 10}}}});
+    window->fill(0, 1, 0);
+    ASSERT_TRUE(comesToRest());
+    EXPECT_EQ(window->pixel(20, 10), kRed);
+    EXPECT_EQ(window->pixel(19, 10), kGreen);
+    EXPECT_EQ(window->pixel(110, 80), kBlue);
+    EXPECT_EQ(window->pixel(139, 99), kBlue);
+    EXPECT_EQ(window->pixel(140, 99), kGreen);
+    EXPECT_EQ((*host->image())->scale(), 2);
+}
+
+TEST_F(ViewHostTest, aFrameWithoutChangesLeavesTheWindowAlone) {
+    ASSERT_TRUE(comesToRest());
+    const auto isDrawnAfter = [&](const std::function<void()>& change) {
+        window->fill(0, 1, 0);
+        change();
+        const bool isDrawn = frame() == Drawing::drawn;
+        EXPECT_EQ(window->pixel(50, 50) == kRed, isDrawn);
+        EXPECT_TRUE(comesToRest());
+        return isDrawn;
+    };
+    const auto image = plainImage(4, {0, 0, 255});
+    EXPECT_FALSE(isDrawnAfter([] {}));
+    EXPECT_TRUE(isDrawnAfter([&] { engine->setCamera(0, 0, 18, false); }));
+    EXPECT_FALSE(isDrawnAfter([&] { engine->setCamera(0, 0, 18, false); }));
+    EXPECT_TRUE(isDrawnAfter([&] { host->setOverlayImages({{image, {{0, 0}, {4, 4}}}}); }));
+    EXPECT_FALSE(isDrawnAfter([&] { host->setOverlayImages({{image, {{0, 0}, {4, 4}}}}); }));
+    EXPECT_TRUE(isDrawnAfter([&] { host->setOverlayImages({}); }));
+    EXPECT_TRUE(isDrawnAfter([&] { host->setLayout({{200, 150}, {{0, 0}, {180, 80}}, 1}); }));
+    engine->setCamera(90, 30, 19, true);
+    EXPECT_EQ(frame(), Drawing::drawn);
+    EXPECT_EQ(frame(), Drawing::drawn) << "a camera on its way";
+    EXPECT_TRUE(comesToRest());
+    EXPECT_EQ(frame(true), Drawing::drawn) << "asked for";
+}
+
+TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
+    GLuint names[2];
+    glGenTextures(1, &names[0]);
+    glGenBuffers(1, &names[1]);
+    glActiveTexture(GL_TEXTURE1);
+    glBindTexture(GL_TEXTURE_2D, names[0]);
+    glBindBuffer(GL_ARRAY_BUFFER, names[1]);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(1, 2, 3, 4);
+    glEnable(GL_BLEND);
+    glEnable(GL_CULL_FACE);
+    glBlendFunc(GL_ZERO, GL_SRC_COLOR);
+    glViewport(5, 6, 7, 8);
+    glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, GL_TRUE);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
+    const auto state = [] {
+        std::vector<GLint> values;
+        for (const GLenum name :
+             {GL_ACTIVE_TEXTURE, GL_TEXTURE_BINDING_2D, GL_ARRAY_BUFFER_BINDING, GL_SCISSOR_TEST,
+              GL_SCISSOR_BOX, GL_BLEND, GL_CULL_FACE, GL_BLEND_SRC_RGB, GL_BLEND_DST_ALPHA, GL_VIEWPORT,
+              GL_COLOR_WRITEMASK, GL_UNPACK_ALIGNMENT, GL_FRAMEBUFFER_BINDING, GL_CURRENT_PROGRAM,
+              GL_ELEMENT_ARRAY_BUFFER_BINDING, GL_RENDERBUFFER_BINDING}) {
+            GLint value[4] = {};
+            glGetIntegerv(name, value);
+            values.insert(values.end(), std::begin(value), std::end(value));
+        }
+        return values;
+    };
+    const auto before = state();
+    host->setOverlayImages({{plainImage(4, {0, 0, 255}), {{0, 0}, {4, 4}}}});
+    EXPECT_EQ(frame(), Drawing::drawn);
+    EXPECT_TRUE(host->image());
+    EXPECT_EQ(state(), before);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    glDisable(GL_SCISSOR_TEST);
+    EXPECT_EQ(window->pixel(50, 50), kRed) << "drawn whole in spite of it";
+    glDeleteTextures(1, &names[0]);
+    glDeleteBuffers(1, &names[1]);
+}
+
+TEST_F(ViewHostTest, drawingWithoutAContextFailsAndGoesOnWithOne) {
+    context->release();
+    EXPECT_FALSE(host->image());
+    EXPECT_EQ(frame(), Drawing::failed);
+    EXPECT_FALSE(host->failure().empty());
+    ASSERT_TRUE(context->makeCurrent());
+    EXPECT_EQ(frame(), Drawing::drawn);
+    EXPECT_EQ(host->failure(), "");
+}
+
+TEST_F(ViewHostTest, aLostContextIsReplacedByTheNextOne) {
+    host->setOverlayImages({{plainImage(4, {0, 0, 255}), {{0, 0}, {4, 4}}}});
+    ASSERT_TRUE(comesToRest());
+    host->contextWasLost();
+    window.reset();
+    context.reset();
+    context = std::move(*GLContext::makeOffscreen());
+    window = std::make_unique<TestWindow>(200, 150);
+    EXPECT_EQ(frame(), Drawing::drawn);
+    EXPECT_EQ(window->pixel(50, 50), kRed);
+    EXPECT_EQ(window->pixel(2, 2), kBlue);
+}
+
+TEST_F(ViewHostTest, layoutsOutOfRangeAndForeignEnginesAreRefused) {
+    ASSERT_TRUE(comesToRest());
+    const double nan = std::nan("");
+    for (const auto& [width, height, scale] : {std::array{0.0, 80.0, 1.0},
+                                               {100.0, -1.0, 1.0},
+                                               {nan, 80.0, 1.0},
+                                               {100.0, 80.0, 0.0},
+                                               {100.0, 80.0, nan},
+                                               {20000.0, 80.0, 1.0},
+                                               {100.0, 80.0, 1e300}}) {
+        EXPECT_FALSE(host->resize(width, height, scale)) << width << " " << height << " " << scale;
+        EXPECT_FALSE(ViewHost::make(engine, {{100, 80}, {{0, 0}, {width, height}}, scale}, {}));
+    }
+    EXPECT_EQ(frame(), Drawing::unchanged) << "the layout is the old one";
+    EXPECT_FALSE(ViewHost::make(nullptr, kLayout, {}));
+}
+
+} // namespace
+} // namespace trelmix

@@ -1,0 +1,188 @@
+// Touches as a window hands them over.
+#include "support/DelegateLog.h"
+#include "support/EngineFixture.h"
+
+#include <Trelmix/Host/ViewHost.h>
+#include <Trelmix/TrelmixMapEngineFactory.h>
+
+#include <cmath>
+
+namespace trelmix {
+namespace {
+
+constexpr ViewHost::Layout kLayout{{800, 700}, {{0, 50}, {800, 600}}, 1};
+constexpr CGPoint kMapOrigin{0, 50};
+
+class ViewHostTouchTest : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->initialiseWithTarget({53.5, 10}, 17);
+        auto made = ViewHost::make(engine, kLayout, {});
+        ASSERT_TRUE(made) << made.reason();
+        host = std::move(*made);
+    }
+    void TearDown() override {
+        host.reset();
+        EngineFixture::TearDown();
+    }
+
+    CLLocationCoordinate2D groundAt(CGPoint point) const {
+        return engine->projection()->worldCoordinateFor({point.x - kMapOrigin.x, point.y - kMapOrigin.y});
+    }
+    CGPoint pointOf(CLLocationCoordinate2D place) const {
+        const CGPoint inMap = engine->projection()->screenCoordinateFor(place);
+        return {inMap.x + kMapOrigin.x, inMap.y + kMapOrigin.y};
+    }
+    double now() {
+        time += kFrame;
+        return time;
+    }
+    void settle(double seconds = 1) {
+        step(seconds);
+        step(seconds);
+    }
+    /// Down, moves in equal steps, up; pumped after each.
+    void drag(CGPoint from, CGPoint to, int steps) {
+        host->touchBegan(1, from, now());
+        for (int i = 1; i <= steps; ++i) {
+            const double part = static_cast<double>(i) / steps;
+            host->touchMoved(1, {from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part}, now());
+            host->pump();
+        }
+        host->touchEnded(1, to, now());
+        settle();
+    }
+
+    std::unique_ptr<ViewHost> host;
+    double time = 5;
+};
+
+double distance(CGPoint a, CGPoint b) {
+    return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+TEST_F(ViewHostTouchTest, theGroundStaysUnderADraggedFingerAlsoAlongAnAxis) {
+    const struct {
+        CGPoint from;
+        CGPoint to;
+        int steps;
+    } drags[] = {{{400, 300}, {600, 300}, 200}, {{400, 300}, {400, 100}, 200}, {{200, 500}, {190, 640}, 7},
+                 {{700, 100}, {100, 600}, 30},  {{400, 300}, {380, 300}, 1},   {{100, 400}, {700, 400}, 3}};
+    for (const double rotation : {0.0, 37.0}) {
+        engine->setCamera(rotation, 0, 17, false);
+        for (const auto& d : drags) {
+            const auto place = groundAt(d.from);
+            drag(d.from, d.to, d.steps);
+            EXPECT_LE(distance(pointOf(place), d.to), 0.5)
+                << d.from.x << "," << d.from.y << " by " << d.steps;
+        }
+    }
+}
+
+TEST_F(ViewHostTouchTest, aMapWhoseHeightAloneChangesStillFollowsTheFinger) {
+    ASSERT_TRUE(host->setLayout({{800, 700}, {{0, 50}, {800, 300}}, 1}));
+    const auto place = groundAt({300, 200});
+    drag({300, 200}, {500, 300}, 20);
+    EXPECT_LE(distance(pointOf(place), {500, 300}), 0.5);
+}
+
+TEST_F(ViewHostTouchTest, twoFingersThatMoveInOneFrameAreOneEvent) {
+    const double before = engine->camera()->rotation();
+    host->touchBegan(1, {300, 350}, now());
+    host->touchBegan(2, {500, 350}, now());
+    for (int i = 1; i <= 20; ++i) {
+        // Fed one by one, the first finger of each step would look like a turn of a degree.
+        const double y = 350 - 4.0 * i;
+        const double at = now();
+        host->touchMoved(1, {300, y}, at);
+        host->touchMoved(2, {500, y}, at);
+        host->pump();
+    }
+    host->touchEnded(1, {}, now());
+    host->touchEnded(2, {}, now());
+    settle();
+    EXPECT_GT(engine->camera()->viewingAngle(), 20) << "two fingers that go up tilt";
+    EXPECT_NEAR(engine->camera()->rotation(), before, 1e-6);
+    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 17);
+}
+
+TEST_F(ViewHostTouchTest, aTapHitsWhatLiesThereAndACancelledOneNothing) {
+    struct Taps : DelegateLog {
+        bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>&) override {
+            ++markers;
+            return true;
+        }
+        int markers = 0;
+    };
+    const auto taps = std::make_shared<Taps>();
+    engine->setDelegate(taps);
+    const auto icon = UIImage::withPixels(20, 20, std::vector<std::uint8_t>(1600, 255));
+    const auto marker = TrelmixMapEngineFactory::createMapMarkerWith(icon, groundAt({500, 200}));
+    marker->setMap(engine);
+    step();
+    host->touchBegan(1, {500, 200}, now());
+    host->touchCancelled(1, now());
+    settle();
+    EXPECT_EQ(taps->markers, 0);
+    host->touchBegan(1, {503, 197}, now());
+    host->touchEnded(1, {503, 197}, now());
+    settle();
+    EXPECT_EQ(taps->markers, 1);
+    marker->setMap(nullptr);
+    settle();
+}
+
+TEST_F(ViewHostTouchTest, inputWithoutSenseMovesNothing) {
+    const double nan = std::nan("");
+    const auto before = *engine->camera();
+    host->touchMoved(7, {1, 2}, now());
+    host->touchEnded(7, {1, 2}, now());
+    host->touchCancelled(7, now());
+    for (const CGPoint point : {CGPoint{nan, 5}, {5, INFINITY}, {-500, 300}, {5000, 300}, {400, 10}}) {
+        host->touchBegan(1, point, now());
+        host->touchMoved(1, {nan, nan}, nan);
+        host->pump();
+        host->touchEnded(1, {nan, nan}, -1);
+        host->cancelTouches();
+    }
+    settle();
+    EXPECT_EQ(engine->camera()->target().latitude, before.target().latitude);
+    EXPECT_EQ(engine->camera()->zoom(), before.zoom());
+    // Before the first camera.
+    const auto fresh = makeEngine();
+    auto early = ViewHost::make(fresh, kLayout, {});
+    ASSERT_TRUE(early);
+    (*early)->touchBegan(1, {400, 300}, now());
+    (*early)->touchMoved(1, {500, 400}, now());
+    (*early)->touchEnded(1, {500, 400}, now());
+    settle();
+    EXPECT_FALSE(fresh->camera());
+}
+
+TEST_F(ViewHostTouchTest, theHostMayBeDestroyedInsideAnyCallItCauses) {
+    for (const int event : {0, 1, 2, 3}) {
+        const auto log = std::make_shared<DelegateLog>();
+        engine->setDelegate(log);
+        log->onWillMove = [this] { host.reset(); };
+        host->touchBegan(1, {400, 300}, now());
+        host->touchMoved(1, {430, 330}, now());
+        // Each of these delivers the move.
+        if (event == 0) {
+            host->touchMoved(1, {460, 360}, now());
+        } else if (event == 1) {
+            host->touchEnded(1, {460, 360}, now());
+        } else if (event == 2) {
+            host->touchBegan(2, {100, 100}, now());
+        } else {
+            host->pump();
+        }
+        EXPECT_FALSE(host) << event;
+        engine->setDelegate({});
+        settle();
+        host = std::move(*ViewHost::make(engine, kLayout, {}));
+    }
+}
+
+} // namespace
+} // namespace trelmix
