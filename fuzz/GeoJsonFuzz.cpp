@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const GeoJsonFeature& feature : file->features) {
         for (const GeoJsonArea& area : feature.areas) {
             const CoordinateList outline = outlineWithHoles(area.rings);
-            if (outline.size() < 3 || !std::all_of(outline.begin(), outline.end(), CLLocationCoordinate2DIsValid)) {
+            if (outline.size() < 3 ||
+                !std::all_of(outline.begin(), outline.end(), CLLocationCoordinate2DIsValid)) {
                 std::abort();
             }
         }
