@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace trelmix::apps {
 
 /// What the program's shell hears.
@@ -43,6 +47,10 @@ ExitCode locate(const LocateOptions& options);
 /// Hands over to the program with the window; comes back only when that fails. Takes what stands behind
 /// `view`.
 ExitCode view(const char* ownPath, const std::vector<std::string>& arguments);
+
+/// The scene's name and the options that fill these records.
+void addViewOptions(CLI::App& command, ViewOptions& options);
+void addNetworkOptions(CLI::App& command, NetworkOptions& options);
 
 /// Reads the scene file and applies the options. The reason names the file or the option.
 Result<SceneFile> readScene(const ViewOptions& options);

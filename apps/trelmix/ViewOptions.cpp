@@ -1,6 +1,7 @@
 #include "trelmix/CommandLine.h"
 
 #include <charconv>
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <iostream>
 #include <string_view>
@@ -56,6 +57,26 @@ std::string applyCamera(const ViewOptions& options, std::optional<SceneCamera>& 
 }
 
 } // namespace
+
+void addViewOptions(CLI::App& command, ViewOptions& options) {
+    command.add_option("scene", options.sceneFile, "Scene file (JSON)")->required()->type_name("SCENE.json");
+    command.add_option("--size", options.size, "Size in points")->type_name("WxH");
+    command.add_option("--scale", options.scale, "Pixels per point")
+        ->type_name("S")
+        ->check(CLI::Range(0.1, 16.0));
+    command.add_option("--camera", options.camera, "Camera instead of the scene's")
+        ->type_name("LAT,LON,ZOOM,ROTATION,ANGLE");
+}
+
+void addNetworkOptions(CLI::App& command, NetworkOptions& options) {
+    command
+        .add_option("--cache", options.cache, "Where tiles from addresses are kept (the user's cache folder)")
+        ->type_name("DIR|off");
+    command.add_option("--user-agent", options.userAgent, "What tile servers are told about who asks")
+        ->type_name("TEXT");
+    command.add_option("--ca-file", options.caFile, "Certificates to trust instead of the system's (PEM)")
+        ->type_name("FILE");
+}
 
 Result<SceneFile> readScene(const ViewOptions& options) {
     auto scene = readSceneFile(options.sceneFile);

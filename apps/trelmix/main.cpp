@@ -8,26 +8,6 @@ namespace {
 
 using namespace trelmix::apps;
 
-void addViewOptions(CLI::App& command, ViewOptions& options) {
-    command.add_option("scene", options.sceneFile, "Scene file (JSON)")->required()->type_name("SCENE.json");
-    command.add_option("--size", options.size, "Size in points")->type_name("WxH");
-    command.add_option("--scale", options.scale, "Pixels per point")
-        ->type_name("S")
-        ->check(CLI::Range(0.1, 16.0));
-    command.add_option("--camera", options.camera, "Camera instead of the scene's")
-        ->type_name("LAT,LON,ZOOM,ROTATION,ANGLE");
-}
-
-void addNetworkOptions(CLI::App& command, NetworkOptions& options) {
-    command
-        .add_option("--cache", options.cache, "Where tiles from addresses are kept (the user's cache folder)")
-        ->type_name("DIR|off");
-    command.add_option("--user-agent", options.userAgent, "What tile servers are told about who asks")
-        ->type_name("TEXT");
-    command.add_option("--ca-file", options.caFile, "Certificates to trust instead of the system's (PEM)")
-        ->type_name("FILE");
-}
-
 int run(int argc, char** argv) {
     // Everything behind `view` belongs to the program with the window.
     if (argc >= 2 && std::string_view(argv[1]) == "view") {
