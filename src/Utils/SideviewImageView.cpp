@@ -3,6 +3,8 @@
 #include "Platform/Graphics/Canvas.h"
 #include "Utils/SideviewScrollView.h"
 
+#include <utility>
+
 namespace trelmix {
 
 std::shared_ptr<SideviewImageView> SideviewImageView::make(std::shared_ptr<const UIImage> image) {
@@ -35,7 +37,7 @@ std::shared_ptr<const UIImage> SideviewImageView::createImage() const {
     }
     Canvas canvas(*_originalImage);
     strokePath(canvas);
-    const auto image = canvas.image();
+    const auto image = std::move(canvas).image();
     return image ? image : _originalImage;
 }
 

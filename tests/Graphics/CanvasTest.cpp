@@ -183,5 +183,23 @@ TEST(Canvas, sizesThatNoBitmapCanHaveGiveNoImage) {
     EXPECT_FALSE(Canvas(5, 5, std::nan("")).isValid());
 }
 
+TEST(Canvas, anImageLongerThanCairoReadsIsDrawnFromASmallerLevel) {
+    constexpr int kLength = 40000;
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < kLength; ++i) {
+        const bool isRed = i >= kLength / 2;
+        pixels.insert(pixels.end(), {static_cast<std::uint8_t>(isRed ? 255 : 0), 0, 0, 255});
+    }
+    const auto image = UIImage::withPixels(kLength, 1, std::move(pixels));
+    Canvas canvas(100, 2);
+    canvas.drawImage(*image, {{0, 0}, {100, 2}});
+    // Far too small to see, and no reason to wait.
+    canvas.drawImage(*image, {{0, 0}, {1e-300, 1e-300}});
+    const auto drawn = std::move(canvas).image();
+    EXPECT_FALSE(canvas.isValid());
+    EXPECT_EQ(pixelAt(*drawn, 48, 0), (Pixel{0, 0, 0, 255}));
+    EXPECT_EQ(pixelAt(*drawn, 51, 1), (Pixel{255, 0, 0, 255}));
+}
+
 } // namespace
 } // namespace trelmix

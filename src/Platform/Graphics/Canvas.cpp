@@ -10,6 +10,7 @@
 #include <cmath>
 #include <iterator>
 #include <new>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,8 @@ static_assert(std::endian::native == std::endian::little);
 namespace {
 
 constexpr int kLargestSide = 32767;
+// Halvings that take any image down to one pixel.
+constexpr std::size_t kMostLevels = 30;
 constexpr std::size_t kLongestText = 1000;
 // Pixels from the origin. Cairo's own numbers wrap around a little farther out.
 constexpr double kFarAway = 4.0e6;
@@ -129,6 +132,33 @@ double largestScale(cairo_t* context) {
     return std::max(std::hypot(matrix.xx, matrix.yx), std::hypot(matrix.xy, matrix.yy));
 }
 
+/// One of an image's levels of detail.
+struct Level {
+    std::span<const std::uint8_t> pixels;
+    int width = 0;
+    int height = 0;
+};
+
+/// The smallest level that still has a pixel for every pixel drawn, of those that Cairo can read.
+Level levelFor(const UIImage& image, CGSize drawn, double pixelsPerPoint) {
+    const double reduction =
+        std::min(image.pixelWidth() / drawn.width, image.pixelHeight() / drawn.height) / pixelsPerPoint;
+    const int longest = std::max(image.pixelWidth(), image.pixelHeight());
+    Level level{image.pixels(), image.pixelWidth(), image.pixelHeight()};
+    std::size_t number = 0;
+    double left = reduction;
+    while (number < kMostLevels && (left >= 2 || (longest >> number) > kLargestSide)) {
+        left /= 2;
+        ++number;
+    }
+    if (number == 0) {
+        return level;
+    }
+    const auto levels = image.levels();
+    number = std::min(number, levels.size() - 1);
+    return {levels[number], std::max(1, level.width >> number), std::max(1, level.height >> number)};
+}
+
 /// False when letters of this size cannot be drawn.
 bool selectFont(cairo_t* context, double size, bool isBold) {
     if (!(size > 0) || !(size * largestScale(context) <= kLargestLetter)) {
@@ -208,12 +238,24 @@ Canvas::~Canvas() = default;
 Canvas::Canvas(Canvas&& other) noexcept = default;
 Canvas& Canvas::operator=(Canvas&& other) noexcept = default;
 
-std::shared_ptr<const UIImage> Canvas::image() const {
+std::shared_ptr<const UIImage> Canvas::image() const& {
     if (!_surface) {
         return nullptr;
     }
     cairo_surface_flush(_surface->surface.get());
     return UIImage::withPixels(_surface->width, _surface->height, _surface->pixels, _surface->pointScale);
+}
+
+std::shared_ptr<const UIImage> Canvas::image() && {
+    const std::unique_ptr<Surface> surface = std::move(_surface);
+    if (!surface) {
+        return nullptr;
+    }
+    // Nobody may draw on the pixels any more once they are an image's.
+    surface->context.reset();
+    surface->surface.reset();
+    return UIImage::withPixels(surface->width, surface->height, std::move(surface->pixels),
+                               surface->pointScale);
 }
 
 void Canvas::clear(UIColor color) {
@@ -264,23 +306,24 @@ void Canvas::drawImage(const UIImage& image, CGRect rect, double alpha) {
     if (!_surface || !isUsable(rect) || !(alpha > 0)) {
         return;
     }
+    cairo_t* const context = _surface->context.get();
+    const Level level = levelFor(image, rect.size, largestScale(context));
     // Only ever read: Cairo takes the pixels of a source and of a target by the same type.
-    auto* const pixels = const_cast<std::uint8_t*>(image.pixels().data());
-    const Cairo<cairo_surface_t> source = surfaceOn(pixels, image.pixelWidth(), image.pixelHeight());
+    auto* const pixels = const_cast<std::uint8_t*>(level.pixels.data());
+    const Cairo<cairo_surface_t> source = surfaceOn(pixels, level.width, level.height);
     if (!source) {
         return;
     }
-    cairo_t* const context = _surface->context.get();
     const Cairo<cairo_pattern_t> pattern(cairo_pattern_create_for_surface(source.get()));
     cairo_matrix_t toImage;
-    cairo_matrix_init_scale(&toImage, image.pixelWidth() / rect.size.width,
-                            image.pixelHeight() / rect.size.height);
+    cairo_matrix_init_scale(&toImage, level.width / rect.size.width, level.height / rect.size.height);
     cairo_matrix_translate(&toImage, -rect.origin.x, -rect.origin.y);
     if (!isInvertible(toImage)) {
         return;
     }
     cairo_pattern_set_matrix(pattern.get(), &toImage);
-    cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_GOOD);
+    // Cairo's own filters for shrinking read the whole image each time, which the levels have done once.
+    cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_BILINEAR);
     // The rectangle ends the image; its own border pixels must not fade into what lies beyond.
     cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_PAD);
     cairo_save(context);

@@ -30,7 +30,9 @@ public:
     /// False when the size was refused.
     bool isValid() const { return _surface != nullptr; }
     /// A copy of what has been drawn; empty when the canvas is not valid.
-    std::shared_ptr<const UIImage> image() const;
+    std::shared_ptr<const UIImage> image() const&;
+    /// The same without a copy; the canvas is no longer valid.
+    std::shared_ptr<const UIImage> image() &&;
 
     /// Replaces everything within the clip, transparency included.
     void clear(UIColor color);

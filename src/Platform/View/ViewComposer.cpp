@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace trelmix {
 namespace {
@@ -42,7 +43,7 @@ Result<std::shared_ptr<const UIImage>> ViewComposer::compose(UIView& root, doubl
     const CGPoint frameOrigin = root.frame().origin;
     const Place place{{-frameOrigin.x, -frameOrigin.y}, 1, {{0, 0}, size}};
     drawView(root, place, {canvas, static_cast<int>(width), static_cast<int>(height), scale});
-    return canvas.image();
+    return std::move(canvas).image();
 }
 
 ViewComposer::Place ViewComposer::placeOf(const UIView& view, const Place& place) {
@@ -64,7 +65,7 @@ void ViewComposer::drawView(const UIView& view, const Place& place, const Target
     // What lies below becomes translucent as one picture: its parts must not show through each other.
     Canvas group(target.width, target.height, target.scale);
     drawOpaque(view, placeOf(view, place), {group, target.width, target.height, target.scale});
-    if (const std::shared_ptr<const UIImage> picture = group.image()) {
+    if (const std::shared_ptr<const UIImage> picture = std::move(group).image()) {
         target.canvas.drawImage(*picture, {{0, 0}, picture->size()}, view.alpha());
     }
 }
