@@ -1,0 +1,66 @@
+#pragma once
+
+#include <Trelmix/Platform/CGGeometry.h>
+#include <Trelmix/Platform/UIColor.h>
+#include <Trelmix/Platform/UIImage.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace trelmix::pictures {
+
+/// 0 to 255 each.
+using Rgb = std::array<double, 3>;
+
+Rgb rgb(UIColor color);
+
+/// A finished picture; pixel (x, y) has its centre at (x + 0.5, y + 0.5).
+class Picture {
+public:
+    Picture() = default;
+    explicit Picture(std::shared_ptr<const UIImage> pixels) : image(std::move(pixels)) {}
+
+    int width() const { return image ? image->pixelWidth() : 0; }
+    int height() const { return image ? image->pixelHeight() : 0; }
+    Rgb at(int x, int y) const {
+        const auto* p = image->pixels().data() + 4 * (static_cast<std::ptrdiff_t>(y) * width() + x);
+        return {static_cast<double>(p[0]), static_cast<double>(p[1]), static_cast<double>(p[2])};
+    }
+    /// How much of the pixel the colour covers, when nothing but it and the background is there.
+    double coverage(int x, int y, Rgb color, Rgb background) const;
+    /// Writes it into the working folder, for whoever looks into a failure.
+    void save(const std::string& name) const;
+
+    std::shared_ptr<const UIImage> image;
+};
+
+/// An opaque picture whose pixel (x, y) has the colour that the function gives.
+std::shared_ptr<const UIImage> painted(int width, int height, const std::function<Rgb(int x, int y)>& color);
+std::shared_ptr<const UIImage> plain(int width, int height, Rgb color);
+
+/// What one colour covers inside a rectangle of pixels.
+struct Blob {
+    double area = 0;
+    CGPoint centre;
+};
+struct Window {
+    int left;
+    int top;
+    int right; ///< not included
+    int bottom;
+};
+Blob blobIn(const Picture& picture, const Window& window, Rgb color, Rgb background);
+
+using Outline = std::vector<CGPoint>;
+
+/// Area and centroid of a polygon.
+Blob blobOf(const Outline& outline);
+/// The pixels that the outline touches, and `margin` more on every side, within a picture of that size.
+Window windowAround(const Outline& outline, int margin, int width, int height);
+/// Distance to the border of a convex outline, greater than 0 inside.
+double depthInside(const Outline& outline, CGPoint point);
+
+} // namespace trelmix::pictures
