@@ -1,25 +1,16 @@
 #include "common/SceneContent.h"
 
 #include "common/Drawing.h"
-#include "common/Files.h"
 #include "common/Json.h"
 #include "common/MbtilesArchive.h"
+#include "common/SceneImage.h"
 #include "common/TileDirectory.h"
 
-#include <filesystem>
 #include <map>
 
 namespace trelmix::apps {
 
 namespace {
-
-constexpr std::uint64_t kMaximumImageBytes = 256ULL << 20U;
-
-// "name@2x.png" has two pixels a point.
-double scaleOfImageName(const std::string& path) {
-    const std::string stem = std::filesystem::path(path).stem().string();
-    return stem.ends_with("@2x") ? 2 : stem.ends_with("@3x") ? 3 : 1;
-}
 
 /// Opens what the scene names; throws `JsonError` with the place in the scene.
 class Loader {
@@ -76,15 +67,11 @@ private:
         }
         auto& known = images[path];
         if (!known) {
-            const auto bytes = loadFile(path, kMaximumImageBytes);
-            if (!bytes) {
-                throw JsonError(place + ": " + path + ": " + bytes.reason());
+            auto loaded = loadSceneImage(path);
+            if (!loaded) {
+                throw JsonError(place + ": " + loaded.reason());
             }
-            std::string reason;
-            known = UIImage::withData(*bytes, scaleOfImageName(path), &reason);
-            if (!known) {
-                throw JsonError(place + ": " + path + ": " + reason);
-            }
+            known = std::move(*loaded);
         }
         return known;
     }

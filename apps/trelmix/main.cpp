@@ -1,4 +1,5 @@
 #include "trelmix/CommandLine.h"
+#include "trelmix/SideviewCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
@@ -39,6 +40,13 @@ int run(int argc, char** argv) {
     locateCommand->add_flag("--corners", locateOptions.corners,
                             "Print the ground in the view's corners instead");
 
+    SideviewOptions sideviewOptions;
+    auto* sideviewCommand = app.add_subcommand("sideview", "Write one picture of a scene's side view");
+    addViewOptions(*sideviewCommand, sideviewOptions.view);
+    sideviewCommand->add_option("-o,--output", sideviewOptions.output, "Picture to write")
+        ->required()
+        ->type_name("SIDE.png");
+
     app.add_subcommand("view", "Open a scene in a window (runs trelmix-view)");
 
     try {
@@ -48,6 +56,9 @@ int run(int argc, char** argv) {
             return app.exit(error);
         }
         return complain(error.what() + std::string(" (see trelmix --help)"), ExitCode::badInput);
+    }
+    if (*sideviewCommand) {
+        return renderSideview(sideviewOptions);
     }
     return *renderCommand ? render(renderOptions) : locate(locateOptions);
 }
