@@ -221,3 +221,46 @@ TEST_F(ProgramTest, viewSaysWhatIsMissingWhenThereIsNoWindowProgram) {
     EXPECT_EQ(WEXITSTATUS(status), 2);
     EXPECT_NE(textOf(folder.path("err")).find("trelmix-view: is neither beside"), std::string::npos);
 }
+
+TEST_F(ProgramTest, aSideViewIsWrittenAsHighAsItsPictureOrAsAsked) {
+    std::vector<std::uint8_t> grey(400 * 100 * 4, 200);
+    for (std::size_t i = 3; i < grey.size(); i += 4) {
+        grey[i] = 255;
+    }
+    folder.write("side.png", UIImage::withPixels(400, 100, std::move(grey))->pngData());
+    folder.write("levels.json", R"({"bearing": 90, "southLatitude": -0.001, "northLatitude": 0.001,
+        "westLongitude": -0.002, "eastLongitude": 0.002,
+        "levels": [{"levelNumber": 3, "levelbounds": [{"relativeheight": 0, "ceilingheight": 5}]}]})");
+    const auto sceneWith = [](const std::string& levels) {
+        return R"({"view": {"width": 200, "height": 150}, "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 20},
+            "sideView": {"image": "side.png", "levels": ")" +
+               levels + R"(", "path": {"color": "#0000ff", "points": [
+            {"lat": 0, "lon": -0.0016, "level": 3}, {"lat": 0, "lon": -0.0012, "level": 3}]}}})";
+    };
+    folder.write("ship.json", sceneWith("levels.json"));
+    folder.write("lost.json", sceneWith("none.json"));
+    folder.write("town.json", kTown);
+
+    const Outcome written = run("sideview ship.json -o a.png");
+    ASSERT_EQ(written.exitCode, 0) << written.errors;
+    const auto fitted = picture("a.png");
+    ASSERT_TRUE(fitted);
+    EXPECT_EQ(fitted->size(), (CGSize{200, 50}));
+    EXPECT_EQ(pixelOf(*fitted, 30, 25), (std::array{0, 0, 255}));
+    EXPECT_EQ(pixelOf(*fitted, 150, 40), (std::array{200, 200, 200}));
+    EXPECT_GT(pixelOf(*fitted, 100, 40)[0], pixelOf(*fitted, 100, 40)[1] + 50) << "the camera's footprint";
+
+    EXPECT_EQ(run("sideview ship.json -o b.png --size 100x80 --scale 2").exitCode, 0);
+    EXPECT_EQ(picture("b.png")->size(), (CGSize{200, 160}));
+
+    const std::pair<const char*, const char*> faults[] = {
+        {"sideview town.json -o c.png", "town.json: sideView: is missing"},
+        {"sideview lost.json -o c.png", "lost.json: sideView.levels: none.json: cannot open"},
+        {"sideview ship.json", "--output"},
+    };
+    for (const auto& [arguments, reason] : faults) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments;
+        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
+    }
+}
