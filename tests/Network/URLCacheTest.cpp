@@ -4,6 +4,7 @@
 #include "support/AnswerSamples.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -93,6 +94,18 @@ TEST_F(DiskCacheTest, aDamagedFileIsSetAsideAndMadeAnew) {
         EXPECT_EQ(::access((file() + ".damaged").c_str(), F_OK), 0) << name;
         std::filesystem::remove_all(folder.path("cache"));
     }
+}
+
+TEST_F(DiskCacheTest, aFileThatAsksForEndlessWorkIsSetAside) {
+    std::filesystem::create_directories(folder.path("cache"));
+    sqlite3* raw = nullptr;
+    ASSERT_EQ(sqlite3_open(file().c_str(), &raw), SQLITE_OK);
+    sqlite3_exec(raw,
+                 "CREATE VIEW state AS WITH RECURSIVE n(bytes) AS (SELECT 1 UNION ALL SELECT bytes FROM n)"
+                 " SELECT bytes FROM n; CREATE VIEW entry AS SELECT 1 AS cost; PRAGMA user_version = 1;",
+                 nullptr, nullptr, nullptr);
+    sqlite3_close(raw);
+    EXPECT_TRUE(open()->store(sampleAddress(1), sampleBody(1)));
 }
 
 TEST_F(DiskCacheTest, anEntryWhoseBytesHaveChangedIsNotReturned) {

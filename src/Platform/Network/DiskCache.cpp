@@ -19,6 +19,10 @@ constexpr std::size_t kMostRememberedUses = 256;
 /// How long a disk that failed is left alone, in operations.
 constexpr int kPause = 64;
 constexpr int kVersion = 1;
+/// A damaged file can hold questions without an end. Virtual instructions of one operation; an honest one of
+/// the largest files takes a small part of them.
+constexpr int kInstructionsPerLook = 100'000;
+constexpr int kMostLooks = 200;
 
 constexpr const char* kSettings = "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304;"
                                   "PRAGMA cache_size=-1024; PRAGMA temp_store=MEMORY;"
@@ -74,8 +78,8 @@ std::int64_t checksumOf(const std::string& address, std::span<const std::byte> b
 bool isDamage(int code) {
     const int primary = code & 0xff;
     return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_FORMAT ||
-           primary == SQLITE_ERROR || primary == SQLITE_MISMATCH || primary == SQLITE_CONSTRAINT ||
-           code == SQLITE_IOERR_SHORT_READ;
+           primary == SQLITE_ERROR || primary == SQLITE_INTERRUPT || primary == SQLITE_MISMATCH ||
+           primary == SQLITE_CONSTRAINT || code == SQLITE_IOERR_SHORT_READ;
 }
 
 struct StatementDeleter {
@@ -117,6 +121,7 @@ public:
     int fault = SQLITE_OK;
 
     std::optional<std::vector<std::byte>> find(const std::string& address) {
+        _looks = 0;
         std::optional<std::vector<std::byte>> body;
         {
             const auto row = statement(Query::find);
@@ -141,6 +146,7 @@ public:
     }
 
     bool store(const std::string& address, std::span<const std::byte> body, std::uint64_t limit) {
+        _looks = 0;
         return change([&] {
             return runWith(Query::remove, address) && addUses() && run(Query::tick) &&
                    insert(address, body) && trim(limit);
@@ -178,6 +184,9 @@ private:
         sqlite3_busy_timeout(_handle, kBusyMilliseconds);
         sqlite3_limit(_handle, SQLITE_LIMIT_LENGTH, kLargestValue);
         sqlite3_db_config(_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+        sqlite3_progress_handler(
+            _handle, kInstructionsPerLook,
+            [](void* self) { return ++static_cast<Database*>(self)->_looks > kMostLooks ? 1 : 0; }, this);
         if (!execute(kSettings)) {
             return;
         }
@@ -322,6 +331,7 @@ private:
     std::string _path;
     sqlite3* _handle = nullptr;
     ino_t _inode = 0;
+    int _looks = 0;
     std::array<std::unique_ptr<sqlite3_stmt, StatementDeleter>, queryCount> _statements;
     /// Entries that were found since the last transaction, in order: a look-up alone writes nothing.
     std::vector<std::int64_t> _uses;
