@@ -14,15 +14,6 @@ constexpr std::chrono::milliseconds kQuiet{500};
 // Where a check finds new tiles every time, the picture is not going to settle.
 constexpr int kMaximumChecks = 20;
 
-TileCount countOf(const MapScene& map) {
-    TileCount count;
-    for (const auto& layer : map.layers) {
-        count.answered += layer->answeredTileCount();
-        count.wanted += layer->wantedTileCount();
-    }
-    return count;
-}
-
 void pumpAll(OffscreenHost& host, Clock::time_point end) {
     while (host.pump() && Clock::now() < end) {
     }
@@ -56,6 +47,15 @@ TileCount waitForAnswers(OffscreenHost& host, const MapScene& map, Clock::time_p
 }
 
 } // namespace
+
+TileCount countOf(const MapScene& map) {
+    TileCount count;
+    for (const auto& layer : map.layers) {
+        count.answered += layer->answeredTileCount();
+        count.wanted += layer->wantedTileCount();
+    }
+    return count;
+}
 
 TileCount runUntilTilesAreDrawn(OffscreenHost& host, const MapScene& map,
                                 std::chrono::duration<double> timeout,

@@ -16,6 +16,8 @@ struct TileCount {
     std::size_t wanted = 0;
 };
 
+TileCount countOf(const MapScene& map);
+
 /// Steps the host until every tile in view is answered and drawn, or until the time is up; the last frame
 /// then shows what there is. Time is real time, also while the map's own clock stands.
 /// @param progress called after every change of the counts; may be empty.

@@ -1,0 +1,259 @@
+#include "view/ViewApp.h"
+
+#include "common/Files.h"
+#include "common/SceneImage.h"
+#include "view/CameraControl.h"
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <iostream>
+#include <SDL.h>
+
+namespace trelmix::apps {
+
+namespace {
+
+/// Milliseconds: the longest that an answer on the main queue waits for being taken.
+constexpr int kPatience = 8;
+constexpr std::chrono::seconds kMessageTime{4};
+
+Result<LoadedScene> load(const ViewOptions& options) {
+    auto file = readScene(options);
+    if (!file) {
+        return Result<LoadedScene>::failure(file.reason());
+    }
+    auto content = loadSceneContent(*file, options.sceneFile);
+    if (!content) {
+        return Result<LoadedScene>::failure(content.reason());
+    }
+    LoadedScene scene{options.sceneFile, std::move(*file), std::move(*content), std::nullopt};
+    if (scene.file.sideView) {
+        const auto picture = loadSceneImage(scene.file.sideView->image);
+        if (!picture) {
+            return Result<LoadedScene>::failure(options.sceneFile + ": sideView.image: " + picture.reason());
+        }
+        scene.sidePicture = (*picture)->size();
+    }
+    return scene;
+}
+
+bool isSame(const std::optional<SceneCamera>& a, const std::optional<SceneCamera>& b) {
+    if (!a || !b) {
+        return a.has_value() == b.has_value();
+    }
+    return a->target.latitude == b->target.latitude && a->target.longitude == b->target.longitude &&
+           a->zoom == b->zoom && a->rotation == b->rotation && a->viewingAngle == b->viewingAngle;
+}
+
+} // namespace
+
+ViewApp::ViewApp(WindowOptions options)
+    : _options(std::move(options)), _sceneWatch(_options.view.sceneFile) {}
+
+ViewApp::~ViewApp() = default;
+
+std::unique_ptr<ViewApp> ViewApp::open(WindowOptions options, Failure& failure) {
+    std::unique_ptr<ViewApp> app(new ViewApp(std::move(options)));
+    failure = app->openWindow();
+    return failure.reason.empty() ? std::move(app) : nullptr;
+}
+
+ViewApp::Failure ViewApp::openWindow() {
+    auto scene = load(_options.view);
+    if (!scene) {
+        return {ExitCode::badInput, scene.reason()};
+    }
+    const double scale = _options.view.scale.value_or(1);
+    const std::string name = std::filesystem::path(_options.view.sceneFile).filename().string();
+    auto window = Window::open(name, {scene->file.view.width * scale, scene->file.view.height * scale});
+    if (!window) {
+        return {Window::isDriverMissing(window.reason()) ? ExitCode::noDriver : ExitCode::badInput,
+                window.reason()};
+    }
+    _window = std::move(*window);
+    _scene = std::move(*scene);
+    _layout = currentLayout();
+    const auto camera = cameraOfScene(_scene.file, _scene.content, _layout.map.size);
+    if (!camera) {
+        return {ExitCode::badInput, _options.view.sceneFile + ": " + camera.reason()};
+    }
+    _sceneCamera = *camera;
+    const std::string fault = showScene(std::move(_scene), *camera);
+    return {Stage::isDriverAtFault(fault) ? ExitCode::noDriver : ExitCode::badInput, fault};
+}
+
+std::string ViewApp::showScene(LoadedScene scene, const SceneCamera& camera) {
+    cancelTouches();
+    // The window has one stage at a time.
+    _stage.reset();
+    _scene = std::move(scene);
+    _layout = currentLayout();
+    auto stage = Stage::make(*_window, _scene, camera, _layout, [this](const std::string& hit) { say(hit); });
+    if (!stage) {
+        return stage.reason();
+    }
+    _stage = std::move(*stage);
+    updateLayout();
+    return {};
+}
+
+ScreenLayout ViewApp::currentLayout() const {
+    const CGSize units = _window->size();
+    const CGSize pixels = _window->pixelSize();
+    const double density = units.width > 0 && pixels.width > 0 ? pixels.width / units.width : 1;
+    return layoutFor(pixels, _options.view.scale.value_or(density), _scene.sidePicture);
+}
+
+void ViewApp::updateLayout() {
+    _layoutIsStale = false;
+    _layout = currentLayout();
+    _input.setWindow(_window->size(), _layout.window);
+    _stage->setLayout(_layout);
+}
+
+ExitCode ViewApp::run() {
+    while (step()) {
+    }
+    return _exitCode;
+}
+
+bool ViewApp::step() {
+    SDL_Event event;
+    for (bool isThere = SDL_WaitEventTimeout(&event, kPatience) != 0; isThere;
+         isThere = SDL_PollEvent(&event) != 0) {
+        _input.handle(event);
+    }
+    if (_sceneWatch.hasChanged()) {
+        reloadScene();
+    }
+    if (!_stage) {
+        return false;
+    }
+    if (_layoutIsStale) {
+        updateLayout();
+    }
+    _stage->host().pump();
+    updateOverlays();
+    if (_options.frames) {
+        endWhenDone();
+    }
+    return !_quits;
+}
+
+void ViewApp::updateOverlays() {
+    const auto camera = _stage->engine().camera();
+    Hud::State state;
+    state.map = _layout.map;
+    state.scale = _layout.scale;
+    state.rotation = camera ? camera->rotation() : 0;
+    state.metresPerPoint = metresPerPoint(_stage->engine(), _layout.map.size);
+    state.tiles = countOf(_stage->map());
+    state.attribution = _scene.content.attribution;
+    state.message = Clock::now() < _messageEnd ? _message : std::string();
+    state.showsHelp = _showsHelp;
+    std::vector<ViewHost::OverlayImage> images;
+    if (const SidePanel* side = _stage->side()) {
+        images.push_back({side->image(), _layout.side});
+    }
+    _hud.addTo(images, state);
+    _stage->host().setOverlayImages(std::move(images));
+}
+
+void ViewApp::reloadScene() {
+    auto scene = load(_options.view);
+    if (!scene) {
+        complainAndShow(scene.reason());
+        return;
+    }
+    SceneCamera camera = _sceneCamera;
+    const auto shown = _stage->engine().camera();
+    const bool keepsCamera = isSame(scene->file.camera, _scene.file.camera) && shown;
+    if (keepsCamera) {
+        camera = {shown->target(), static_cast<double>(shown->zoom()), shown->rotation(),
+                  shown->viewingAngle()};
+    }
+    const auto framed = cameraOfScene(scene->file, scene->content, _layout.map.size);
+    if (!framed) {
+        complainAndShow(_options.view.sceneFile + ": " + framed.reason());
+        return;
+    }
+    _sceneCamera = *framed;
+    // The limits are the process's: those of a scene that has none are the widest.
+    _stage->engine().setMaxZoom(_stage->engine().maxSupportedZoom());
+    _stage->engine().setMinZoom(_stage->engine().minSupportedZoom());
+    if (std::string fault = showScene(std::move(*scene), keepsCamera ? camera : *framed); !fault.empty()) {
+        _exitCode = complain(fault, Stage::isDriverAtFault(fault) ? ExitCode::noDriver : ExitCode::badInput);
+        return;
+    }
+    show("Scene read again");
+}
+
+void ViewApp::endWhenDone() {
+    const std::chrono::duration<double> passed = Clock::now() - _start;
+    const bool isLate = passed.count() >= _options.timeoutSeconds;
+    if (!isLate && (_stage->thread().updateCount() < *_options.frames || !_stage->isSettled())) {
+        return;
+    }
+    _quits = true;
+    if (!_options.screenshot.empty()) {
+        _exitCode = writePicture(_options.screenshot);
+    }
+    const TileCount tiles = countOf(_stage->map());
+    if (_exitCode == ExitCode::done && tiles.answered < tiles.wanted) {
+        _exitCode = complain(std::to_string(tiles.wanted - tiles.answered) + " of " +
+                                 std::to_string(tiles.wanted) + " tiles were not answered in time",
+                             ExitCode::tilesUnanswered);
+    }
+}
+
+void ViewApp::savePicture() {
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    char stamp[32] = "";
+    if (::localtime_r(&now, &parts) != nullptr) {
+        std::strftime(stamp, sizeof stamp, "map-%Y%m%d-%H%M%S", &parts);
+    }
+    std::string path = std::string(stamp) + ".png";
+    for (int i = 2; std::filesystem::exists(path); ++i) {
+        path = std::string(stamp) + "-" + std::to_string(i) + ".png";
+    }
+    if (writePicture(path) == ExitCode::done) {
+        say("saved " + path);
+    }
+}
+
+ExitCode ViewApp::writePicture(const std::string& path) {
+    const auto picture = _stage->picture(_layout);
+    if (!picture) {
+        complainAndShow("the picture cannot be read back: " + picture.reason());
+        return ExitCode::noDriver;
+    }
+    const auto png = (*picture)->pngData();
+    const std::string fault = png.empty() ? "cannot be made: out of memory" : saveFile(path, png);
+    if (!fault.empty()) {
+        complainAndShow(path + ": " + fault);
+    }
+    return fault.empty() ? ExitCode::done : ExitCode::badInput;
+}
+
+void ViewApp::say(const std::string& line) {
+    if (_options.print) {
+        _options.print(line);
+    } else {
+        std::cout << line << std::endl;
+    }
+    show(line);
+}
+
+void ViewApp::show(const std::string& message) {
+    _message = message;
+    _messageEnd = Clock::now() + kMessageTime;
+}
+
+void ViewApp::complainAndShow(const std::string& message) {
+    complain(message, ExitCode::badInput);
+    show(message);
+}
+
+} // namespace trelmix::apps

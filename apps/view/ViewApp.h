@@ -1,0 +1,103 @@
+#pragma once
+
+#include "trelmix/CommandLine.h"
+#include "view/FileWatch.h"
+#include "view/Hud.h"
+#include "view/InputMapper.h"
+#include "view/Stage.h"
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace trelmix::apps {
+
+struct WindowOptions {
+    ViewOptions view;
+    /// The program ends by itself after so many frames, once every tile is there.
+    std::optional<std::uint64_t> frames;
+    /// Where the window's picture goes at that end; empty for nowhere.
+    std::string screenshot;
+    /// How long that end waits for tiles.
+    double timeoutSeconds = 60;
+    /// Hears each line that the program prints; standard output when empty.
+    std::function<void(const std::string&)> print;
+};
+
+/// The program with the window: takes events, keeps the pictures over the map up to date, and follows the
+/// scene file. One at a time in a process. Main thread.
+class ViewApp final : private InputTarget {
+public:
+    struct Failure {
+        ExitCode code = ExitCode::badInput;
+        std::string reason;
+    };
+
+    /// Opens the window; empty with a failure when that cannot be done.
+    static std::unique_ptr<ViewApp> open(WindowOptions options, Failure& failure);
+    ~ViewApp() override;
+    ViewApp(const ViewApp&) = delete;
+    ViewApp& operator=(const ViewApp&) = delete;
+
+    /// Steps until the end.
+    ExitCode run();
+    /// Waits a little for an event, handles what there is, and brings the window up to date. False at the
+    /// end.
+    bool step();
+
+    Stage& stage() const { return *_stage; }
+    Window& window() const { return *_window; }
+    const ScreenLayout& layout() const { return _layout; }
+    /// The last line that was printed, or what went wrong last; shown in the window for some seconds.
+    const std::string& message() const { return _message; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    enum class Owner { map, side, northArrow };
+
+    explicit ViewApp(WindowOptions options);
+    Failure openWindow();
+    std::string showScene(LoadedScene scene, const SceneCamera& camera);
+    ScreenLayout currentLayout() const;
+    void updateLayout();
+    void updateOverlays();
+    void reloadScene();
+    void endWhenDone();
+    void savePicture();
+    ExitCode writePicture(const std::string& path);
+    void say(const std::string& line);
+    void show(const std::string& message);
+    void complainAndShow(const std::string& message);
+
+    void touch(Phase phase, std::int64_t identifier, CGPoint point, double time) override;
+    void cancelTouches() override;
+    void wheel(CGPoint point, double notches) override;
+    void turn(CGPoint start, CGPoint distance) override;
+    void command(Command command) override;
+    void windowChanged() override;
+    void sideCommand(SidePanel& side, Command command);
+    void touchMap(Phase phase, std::int64_t identifier, CGPoint point, double time);
+
+    WindowOptions _options;
+    InputMapper _input{*this};
+    Hud _hud;
+    FileWatch _sceneWatch;
+    LoadedScene _scene;
+    SceneCamera _sceneCamera;
+    std::unique_ptr<Window> _window;
+    ScreenLayout _layout;
+    std::unique_ptr<Stage> _stage;
+    std::map<std::int64_t, Owner> _touches;
+    std::string _message;
+    Clock::time_point _messageEnd;
+    Clock::time_point _start = Clock::now();
+    bool _showsHelp = false;
+    bool _layoutIsStale = false;
+    bool _quits = false;
+    ExitCode _exitCode = ExitCode::done;
+};
+
+} // namespace trelmix::apps

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <Trelmix/Host/RenderThread.h>
+#include <Trelmix/Platform/CGGeometry.h>
+#include <Trelmix/Platform/Result.h>
+#include <Trelmix/Platform/UIImage.h>
+
+#include <memory>
+#include <string>
+
+struct SDL_Window;
+
+namespace trelmix::apps {
+
+/// A resizable window with an OpenGL ES context that no thread has current yet.
+///
+/// One at a time in a process. Main thread, except for the three operations that say so.
+class Window {
+public:
+    /// The size is in the window system's units, which on high-density displays have several pixels.
+    static Result<std::unique_ptr<Window>> open(const std::string& title, CGSize size);
+    /// Whether a reason given by `open` means that there is no OpenGL ES driver.
+    static bool isDriverMissing(const std::string& reason);
+    ~Window();
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    CGSize size() const;
+    CGSize pixelSize() const;
+    void setTitle(const std::string& title);
+
+    /// Binds the context to the calling thread.
+    bool makeCurrent();
+    /// Shows what has been drawn; the thread that has the context.
+    void present();
+    /// Leaves the calling thread without a context.
+    void release();
+    /// The three above for a render thread, which must end before the window.
+    RenderThread::Surface surface();
+
+    /// What has been drawn since the last `present`; the thread that has the context.
+    std::shared_ptr<const UIImage> drawnPicture(int width, int height, double scale) const;
+
+private:
+    Window() = default;
+
+    SDL_Window* _window = nullptr;
+    void* _context = nullptr;
+};
+
+} // namespace trelmix::apps
