@@ -103,7 +103,9 @@ ScaleBar scaleBarFor(double metresPerPoint, double maximumLength) {
     const double times = longest >= 5 * power ? 5 : longest >= 2 * power ? 2 : 1;
     const double metres = times * power;
     std::ostringstream text;
-    text << (metres >= 1000 ? metres / 1000 : metres >= 1 ? metres : metres * 100)
+    text << (metres >= 1000 ? metres / 1000
+             : metres >= 1  ? metres
+                            : metres * 100)
          << (metres >= 1000 ? " km"
              : metres >= 1  ? " m"
                             : " cm");

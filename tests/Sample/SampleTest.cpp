@@ -122,8 +122,9 @@ TEST(SampleTown, aPictureAcrossTileBordersIsTheOneThatTheTilesWereCutFrom) {
                                                          large[(y + row) * largeStride + x * 4 + column]));
             }
         }
-        // Rounding of the offsets may move a blend by a step; anything drawn otherwise shows far more.
-        EXPECT_LE(worst, 3) << zoom;
+        // Cut at a border, an edge may fall into the next of the rasteriser's 15 rows a pixel: one of them at
+        // full contrast is 17 of 255. A label or a shape that is cut or missing shows far more.
+        EXPECT_LE(worst, 17) << zoom;
     }
 }
 
