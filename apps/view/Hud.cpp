@@ -46,6 +46,10 @@ std::string progressText(TileCount tiles) {
 
 } // namespace
 
+std::string Hud::helpText() {
+    return kHelpText;
+}
+
 template <class Key, class Make>
 const Hud::Image& Hud::made(Made<Key>& memory, const Key& key, const State& state, Make make) {
     const double width = state.map.size.width;
@@ -94,7 +98,7 @@ void Hud::addTo(std::vector<ViewHost::OverlayImage>& images, const State& state)
     }
     placer.place(made(_message, state.message, state, label), map.origin.x + kMargin, map.origin.y + kMargin);
 
-    const Image& help = made(_help, std::string(state.showsHelp ? kHelpText : ""), state, label);
+    const Image& help = made(_help, state.showsHelp ? helpText() : std::string(), state, label);
     if (help) {
         placer.place(help, map.origin.x + (map.size.width - help->size().width) / 2,
                      map.origin.y + (map.size.height - help->size().height) / 2);

@@ -30,6 +30,9 @@ public:
         bool showsHelp = false;
     };
 
+    /// What mouse and keys do, in lines.
+    static std::string helpText();
+
     /// Appends what has to be drawn in that state.
     void addTo(std::vector<ViewHost::OverlayImage>& images, const State& state);
     /// Whether a point of the window lies on the north arrow, as it was drawn last.

@@ -122,7 +122,11 @@ void InputMapper::handleMotion(const SDL_Event& event) {
 
 void InputMapper::handleFinger(const SDL_Event& event) {
     const auto& finger = event.tfinger;
-    if (finger.touchId == SDL_MOUSE_TOUCHID) {
+    const SDL_TouchDeviceType kind = SDL_GetTouchDeviceType(finger.touchId);
+    const bool isTouchPad =
+        kind == SDL_TOUCH_DEVICE_INDIRECT_ABSOLUTE || kind == SDL_TOUCH_DEVICE_INDIRECT_RELATIVE;
+    // A touch pad moves the mouse, which has events of its own.
+    if (finger.touchId == SDL_MOUSE_TOUCHID || isTouchPad) {
         return;
     }
     const std::pair<std::int64_t, std::int64_t> key{finger.touchId, finger.fingerId};

@@ -18,7 +18,8 @@ ScreenLayout layoutFor(CGSize windowPixels, double scale, std::optional<CGSize> 
     if (sidePicture && sidePicture->width > 0) {
         // A side view shows its picture smaller, but never larger than it is.
         const double shrink = std::min(1.0, width / scale / sidePicture->width);
-        side = std::floor(std::min(sidePicture->height * shrink * scale, height * kLargestSidePart));
+        side = std::max(
+            1.0, std::floor(std::min(sidePicture->height * shrink * scale, height * kLargestSidePart)));
     }
     const auto points = [scale](double x, double y, double w, double h) {
         return CGRect{{x / scale, y / scale}, {w / scale, h / scale}};
@@ -26,8 +27,9 @@ ScreenLayout layoutFor(CGSize windowPixels, double scale, std::optional<CGSize> 
     ScreenLayout layout;
     layout.scale = scale;
     layout.window = {width / scale, height / scale};
-    layout.map = points(0, 0, width, height - side);
-    if (side >= 1) {
+    // Neither ever vanishes, however small the window is.
+    layout.map = points(0, 0, width, std::max(1.0, height - side));
+    if (side > 0) {
         layout.side = points(0, height - side, width, side);
     }
     return layout;

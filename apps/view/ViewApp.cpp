@@ -154,7 +154,9 @@ void ViewApp::updateOverlays() {
     state.showsHelp = _showsHelp;
     std::vector<ViewHost::OverlayImage> images;
     if (const SidePanel* side = _stage->side()) {
-        images.push_back({side->image(), _layout.side});
+        if (auto image = side->image()) {
+            images.push_back({std::move(image), _layout.side});
+        }
     }
     _hud.addTo(images, state);
     _stage->host().setOverlayImages(std::move(images));

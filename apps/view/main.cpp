@@ -10,6 +10,7 @@ using namespace trelmix::apps;
 int run(int argc, char** argv) {
     CLI::App app{"Shows a scene in a window: drag, pinch and turn the map; H shows what the keys do."};
     app.name("trelmix view");
+    app.footer(Hud::helpText());
     WindowOptions options;
     addViewOptions(app, options.view);
     NetworkOptions network;

@@ -134,13 +134,13 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
     glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
     const auto state = [] {
         std::vector<GLint> values;
-        for (const GLenum name :
+        for (const int name :
              {GL_ACTIVE_TEXTURE, GL_TEXTURE_BINDING_2D, GL_ARRAY_BUFFER_BINDING, GL_SCISSOR_TEST,
               GL_SCISSOR_BOX, GL_BLEND, GL_CULL_FACE, GL_BLEND_SRC_RGB, GL_BLEND_DST_ALPHA, GL_VIEWPORT,
               GL_COLOR_WRITEMASK, GL_UNPACK_ALIGNMENT, GL_FRAMEBUFFER_BINDING, GL_CURRENT_PROGRAM,
               GL_ELEMENT_ARRAY_BUFFER_BINDING, GL_RENDERBUFFER_BINDING}) {
             GLint value[4] = {};
-            glGetIntegerv(name, value);
+            glGetIntegerv(static_cast<GLenum>(name), value);
             values.insert(values.end(), std::begin(value), std::end(value));
         }
         return values;

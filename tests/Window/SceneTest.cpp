@@ -61,7 +61,8 @@ TEST_F(SceneWindowTest, aResizedWindowIsFilledAndKeepsWhatIsUnderTheFinger) {
     ASSERT_NE(window, nullptr);
     for (const auto& [width, height] : {std::pair{640, 300}, {900, 700}, {200, 150}}) {
         SDL_SetWindowSize(window, width, height);
-        ASSERT_TRUE(until([&] { return app->layout().window == CGSize{1.0 * width, 1.0 * height}; }));
+        const CGSize size{1.0 * width, 1.0 * height};
+        ASSERT_TRUE(until([&] { return app->layout().window == size; }));
         settle();
         const auto shown = picture();
         ASSERT_EQ(shown->pixelWidth(), width);

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -30,7 +31,9 @@ protected:
         options.print = [this](const std::string& line) { lines.push_back(line); };
         ViewApp::Failure failure;
         app = ViewApp::open(std::move(options), failure);
-        ASSERT_TRUE(app) << failure.reason;
+        if (!app) {
+            throw std::runtime_error(failure.reason);
+        }
         settle();
     }
 
