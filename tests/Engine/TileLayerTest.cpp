@@ -206,7 +206,7 @@ TEST_F(TileLayer, answeredInsideTheQuestionItWorks) {
 }
 
 TEST_F(TileLayer, aDelegateMayTakeTheLayerAwayOrDestroyTheEngineWhileItIsAsked) {
-    delegate->onRequest = [this](TileKey, const auto& asking) { asking->setMap(nullptr); };
+    delegate->onRequest = [](TileKey, const auto& asking) { asking->setMap(nullptr); };
     show();
     step();
     EXPECT_EQ(delegate->asked.size(), 1U);
