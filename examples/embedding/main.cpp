@@ -57,7 +57,7 @@ std::shared_ptr<const UIImage> square(int side, std::uint32_t rgb) {
     for (int i = 0; i < side * side; ++i) {
         const int inset = std::min({i % side, i / side, side - 1 - i % side, side - 1 - i / side});
         for (const int shift : {16, 8, 0}) {
-            pixels.push_back(inset < 2 ? 255 : static_cast<std::uint8_t>(rgb >> shift));
+            pixels.push_back(static_cast<std::uint8_t>(inset < 2 ? 255U : rgb >> shift));
         }
         pixels.push_back(255);
     }
