@@ -22,6 +22,35 @@ void setHints() {
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
 }
 
+/// Starts the window system and the driver, once in a process: they stay until its end, as drivers do not
+/// survive being unloaded reliably. Empty when it went well.
+std::string startVideo() {
+    if (SDL_WasInit(SDL_INIT_VIDEO) != 0) {
+        return {};
+    }
+    setHints();
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
+        return std::string("no window can be opened: ") + SDL_GetError();
+    }
+    std::string fault;
+    // Without a display SDL draws where nobody sees it, unless that is what was asked for.
+    const std::string driver = SDL_GetCurrentVideoDriver();
+    if ((driver == "offscreen" || driver == "dummy") && SDL_getenv("SDL_VIDEODRIVER") == nullptr) {
+        fault = "no window can be opened: there is no display (trelmix render needs none)";
+    }
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_ES);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 2);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 0);
+    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
+    if (fault.empty() && SDL_GL_LoadLibrary(nullptr) != 0) {
+        fault = std::string(SDL_GetError()) + "; " + kDriverHint;
+    }
+    if (!fault.empty()) {
+        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    }
+    return fault;
+}
+
 void* contextOf(SDL_Window* window) {
     for (const int version : {3, 2}) {
         SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, version);
@@ -36,20 +65,10 @@ void* contextOf(SDL_Window* window) {
 
 Result<std::unique_ptr<Window>> Window::open(const std::string& title, CGSize size) {
     using Made = Result<std::unique_ptr<Window>>;
-    setHints();
-    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
-        return Made::failure(std::string("no window can be opened: ") + SDL_GetError());
+    if (std::string fault = startVideo(); !fault.empty()) {
+        return Made::failure(std::move(fault));
     }
     std::unique_ptr<Window> made(new Window);
-    // Without a display SDL draws where nobody sees it, unless that is what was asked for.
-    const std::string driver = SDL_GetCurrentVideoDriver();
-    if ((driver == "offscreen" || driver == "dummy") && SDL_getenv("SDL_VIDEODRIVER") == nullptr) {
-        return Made::failure("no window can be opened: there is no display (trelmix render needs none)");
-    }
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_ES);
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 2);
-    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 0);
-    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
     const auto side = [](double units) { return static_cast<int>(std::clamp(units, 1.0, 16384.0)); };
     made->_window = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
                                      side(size.width), side(size.height),
@@ -73,7 +92,6 @@ Window::~Window() {
     if (_window != nullptr) {
         SDL_DestroyWindow(_window);
     }
-    SDL_QuitSubSystem(SDL_INIT_VIDEO);
 }
 
 CGSize Window::size() const {
@@ -114,7 +132,12 @@ RenderThread::Surface Window::surface() {
                 }
                 return isCurrent;
             },
-            [this] { present(); }, [this] { release(); }};
+            [this] { present(); },
+            [this] {
+                release();
+                // The thread is not one of SDL's, which would do this by themselves.
+                SDL_TLSCleanup();
+            }};
 }
 
 std::shared_ptr<const UIImage> Window::drawnPicture(int width, int height, double scale) const {
