@@ -130,7 +130,7 @@ void hitTest(benchmark::State& state) {
     Stage stage(10000);
     const auto camera = stage.frame().camera;
     for (auto _ : state) {
-        const SceneRay ray = SceneRay::through({640, 360}, {1280, 720}, camera);
+        const SceneRay ray = sceneRayThrough({640, 360}, {1280, 720}, camera);
         benchmark::DoNotOptimize(hitTestScene(*stage.engine->defaultScene(), ray, true));
     }
 }
@@ -152,7 +152,7 @@ void plainScanOfTheSameBoxes(benchmark::State& state) {
     }
     const auto dot = [](Vector3d a, Vector3d b) { return a.x * b.x + a.y * b.y + a.z * b.z; };
     for (auto _ : state) {
-        const SceneRay ray = SceneRay::through({640, 360}, {1280, 720}, frame.camera);
+        const SceneRay ray = sceneRayThrough({640, 360}, {1280, 720}, frame.camera);
         std::vector<std::pair<double, std::size_t>> hits;
         for (std::size_t i = 0; i < boxes.size(); ++i) {
             const auto& [corner, u, v] = boxes[i];

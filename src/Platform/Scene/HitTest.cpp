@@ -14,12 +14,13 @@ namespace {
 /// Scene units: closer hits count as one distance.
 constexpr double kSameDistance = 1e-6;
 
-double dot(Vector3d a, Vector3d b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
 Vector3d cross(Vector3d a, Vector3d b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+std::array<Vector3d, 4> shownCorners(SCNNode& node, const SCNPlane& plane) {
+    const auto& item = node.drawItem();
+    return item ? item->corners : planeCorners(node, plane);
 }
 
 struct Flat {
@@ -114,13 +115,28 @@ std::optional<double> hitNode(const SceneRay& ray, SCNNode& node, bool boxesOnly
     const SCNGeometry* geometry = node.geometry().get();
     if (const auto* plane = dynamic_cast<const SCNPlane*>(geometry)) {
         const bool isDisc = !boxesOnly && plane->cornerRadius() > 0;
-        const auto& item = node.drawItem();
-        return hitPlane(ray, item ? item->corners : planeCorners(node, *plane), isDisc);
+        return hitPlane(ray, shownCorners(node, *plane), isDisc);
     }
     if (const auto* mesh = dynamic_cast<const SCNMeshGeometry*>(geometry)) {
         return hitMesh(ray, node, *mesh, boxesOnly);
     }
     return std::nullopt;
+}
+
+/// Corners around all of the node that can be hit; nothing for lines, whose width changes with the zoom.
+std::optional<std::array<Vector3d, 4>> reachOf(SCNNode& node) {
+    const SCNGeometry* geometry = node.geometry().get();
+    if (const auto* plane = dynamic_cast<const SCNPlane*>(geometry)) {
+        return shownCorners(node, *plane);
+    }
+    const auto* mesh = dynamic_cast<const SCNMeshGeometry*>(geometry);
+    if (!mesh || !mesh->mesh() || !mesh->mesh()->tangents.empty()) {
+        return std::nullopt;
+    }
+    const Vector3d place = node.presentedPosition() + mesh->mesh()->origin;
+    const auto [minX, minY, maxX, maxY] = mesh->bounds();
+    return {{place + Vector3d{minX, minY, 0}, place + Vector3d{maxX, minY, 0},
+             place + Vector3d{minX, maxY, 0}, place + Vector3d{maxX, maxY, 0}}};
 }
 
 bool isAbove(const SCNHitTestResult& a, const SCNHitTestResult& b) {
@@ -146,7 +162,7 @@ void sortNearestFirst(std::vector<SCNHitTestResult>& hits) {
 
 } // namespace
 
-SceneRay SceneRay::through(CGPoint point, CGSize viewSize, const DrawCamera& camera) {
+SceneRay sceneRayThrough(CGPoint point, CGSize viewSize, const DrawCamera& camera) {
     const Matrix4d rotation = Matrix4d::rotation(camera.eulerAngles);
     const double focal = viewSize.height * 0.5 / std::tan(camera.fieldOfView * 0.5);
     const Vector3d eye = camera.position + rotation.transformPoint(camera.pivot * -1.0);
@@ -157,13 +173,18 @@ SceneRay SceneRay::through(CGPoint point, CGSize viewSize, const DrawCamera& cam
 std::vector<SCNHitTestResult> hitTestScene(SCNScene& scene, const SceneRay& ray, bool boxesOnly) {
     std::vector<SCNHitTestResult> hits;
     const double unit = std::sqrt(dot(ray.direction, ray.direction));
-    const auto nodes = scene.childNodes();
-    for (const auto& node : *nodes) {
+    for (const std::size_t place : scene._spheres.placesAlong(ray)) {
+        const auto& node = scene._children[place];
         if (node->isHidden() || !node->geometry()) {
             continue;
         }
         if (const auto t = hitNode(ray, *node, boxesOnly)) {
             hits.push_back({node, *t * unit});
+        }
+        if (!scene._spheres.knows(place)) {
+            if (const auto reach = reachOf(*node)) {
+                scene._spheres.enclose(place, *reach);
+            }
         }
     }
     sortNearestFirst(hits);

@@ -17,13 +17,8 @@ struct SCNHitTestResult {
     double distance = 0;
 };
 
-/// A straight line from the camera through a point of the view, in the scene.
-struct SceneRay {
-    Vector3d origin;
-    /// Not of unit length: a step of 1 goes as deep into the picture as the focal length in points.
-    Vector3d direction;
-    static SceneRay through(CGPoint point, CGSize viewSize, const DrawCamera& camera);
-};
+/// The ray under a point of the view.
+SceneRay sceneRayThrough(CGPoint point, CGSize viewSize, const DrawCamera& camera);
 
 /// Every visible node that the ray hits, nearest first; of nodes at one distance (less than 1e-6 apart) the
 /// topmost first. @param boxesOnly whether bounding boxes decide; otherwise what is drawn: discs, outlines,

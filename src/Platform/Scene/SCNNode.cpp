@@ -17,6 +17,7 @@ void SCNNode::setNeedsDrawing() {
     _needsDrawing = true;
     if (_scene) {
         _scene->_contentChanged = true;
+        _scene->_spheres.forget(_slot);
     }
 }
 

@@ -22,6 +22,7 @@ void SCNScene::addChildNode(const std::shared_ptr<SCNNode>& node) {
     node->_drawSequence = _nextSequence++;
     node->_needsDrawing = true;
     _children.push_back(node);
+    _spheres.add();
     _snapshot = nullptr;
     _orderChanged = true;
 }
@@ -31,6 +32,7 @@ void SCNScene::remove(SCNNode& node) {
     // The place may hold the last reference: it is given up only when everything here is consistent again.
     const std::shared_ptr<SCNNode> keep = std::move(_children[node._slot]);
     _children[node._slot] = nullptr;
+    _spheres.clear(node._slot);
     ++_emptyPlaces;
     _snapshot = nullptr;
     _orderChanged = true;
@@ -45,6 +47,7 @@ void SCNScene::compact() {
         _children[i]->_slot = i;
     }
     _emptyPlaces = 0;
+    _spheres.reset(_children.size());
 }
 
 std::shared_ptr<const SCNScene::NodeList> SCNScene::childNodes() {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "Platform/Scene/DrawList.h"
+#include "Platform/Scene/HitSpheres.h"
 #include "Platform/Scene/SCNNode.h"
 
 #include <memory>
 #include <vector>
 
 namespace trelmix {
+
+struct SCNHitTestResult;
 
 /// What a scene view shows: the children of one root.
 ///
@@ -35,6 +38,7 @@ public:
 
 private:
     friend class SCNNode;
+    friend std::vector<SCNHitTestResult> hitTestScene(SCNScene& scene, const SceneRay& ray, bool boxesOnly);
     void remove(SCNNode& node);
     void compact();
     void sortVisible();
@@ -42,6 +46,7 @@ private:
     /// Removed nodes leave an empty place until there are many.
     NodeList _children;
     std::size_t _emptyPlaces = 0;
+    HitSpheres _spheres;
     std::shared_ptr<const NodeList> _snapshot;
     std::vector<std::weak_ptr<SCNNode>> _acting;
     std::vector<SCNNode*> _painted;

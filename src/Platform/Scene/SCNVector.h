@@ -21,6 +21,10 @@ struct Vector3d {
     friend Vector3d operator*(Vector3d a, double s) { return {a.x * s, a.y * s, a.z * s}; }
 };
 
+inline double dot(Vector3d a, Vector3d b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
 inline SCNVector3 narrowed(Vector3d v) {
     return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
 }

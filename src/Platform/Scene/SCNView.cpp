@@ -26,7 +26,7 @@ std::optional<SceneRay> SCNView::rayThrough(CGPoint point) const {
     if (!std::isfinite(point.x) || !std::isfinite(point.y) || size.width <= 0 || size.height <= 0) {
         return std::nullopt;
     }
-    return SceneRay::through(point, size, drawCamera());
+    return sceneRayThrough(point, size, drawCamera());
 }
 
 std::vector<SCNHitTestResult> SCNView::hitTest(CGPoint point, bool boxesOnly) const {
