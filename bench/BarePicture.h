@@ -1,33 +1,15 @@
 #pragma once
 
+#include "BareScene.h"
 #include "Platform/Render/FrameTarget.h"
 #include "Platform/Render/GLContext.h"
 #include "Platform/Render/GLShader.h"
-#include "Platform/Scene/DrawList.h"
 
 #include <array>
 #include <memory>
 #include <vector>
 
 namespace trelmix::bench {
-
-struct SceneSize {
-    int markers = 0;
-    int polygons = 0;
-    int lines = 0;
-    int circles = 0;
-};
-
-/// A draw list and what it is made of.
-struct Scene {
-    std::shared_ptr<const DrawList> list;
-    std::vector<std::shared_ptr<const UIImage>> icons;
-};
-
-/// A town's worth of things on a ground of 4 x 4 tiles around the origin.
-Scene makeScene(const SceneSize& size);
-/// Gives every marker another place, in new items as the scene's collection makes them.
-void moveMarkers(Scene& scene, int frame);
 
 /// A scene drawn with no more calls and no more thought than it takes.
 class BarePicture {

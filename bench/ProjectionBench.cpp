@@ -130,7 +130,8 @@ void convertAll(benchmark::State& state, const std::vector<In>& inputs, Convert 
         benchmark::DoNotOptimize(answers.data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(inputs.size()));
+    state.counters["per"] = static_cast<double>(inputs.size());
+    state.counters["goalRatio"] = 1.3;
 }
 
 void forwardPlain(benchmark::State& state) {
@@ -163,13 +164,11 @@ void cameraChange(benchmark::State& state) {
     }
 }
 
-BENCHMARK(forwardPlain);
-BENCHMARK(forwardProjection);
-BENCHMARK(inversePlain);
-BENCHMARK(inverseProjection);
-BENCHMARK(cameraChange);
+BENCHMARK(forwardPlain)->Name("projection, forward, bare");
+BENCHMARK(forwardProjection)->Name("projection, forward");
+BENCHMARK(inversePlain)->Name("projection, inverse, bare");
+BENCHMARK(inverseProjection)->Name("projection, inverse");
+BENCHMARK(cameraChange)->Name("camera change");
 
 } // namespace
 } // namespace trelmix
-
-BENCHMARK_MAIN();

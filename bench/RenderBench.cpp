@@ -6,38 +6,24 @@
 #include "BarePicture.h"
 #include "Platform/Render/GLContext.h"
 #include "Platform/Render/Renderer.h"
+#include "Report.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
+#include <cstdlib>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace trelmix::bench {
 namespace {
 
-double seconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-/// Of the calling thread: the renderer's own work and that of the driver up to the hand-over to its
-/// rasterisers.
-double threadSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-double median(std::vector<double> values) {
-    std::ranges::nth_element(values, values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2));
-    return values[values.size() / 2];
-}
-
 struct Case {
     const char* name;
     SceneSize scene;
+    /// The most that a frame may take, in bare frames.
+    double goal;
     bool movesMarkers = false;
 };
 
@@ -58,14 +44,18 @@ DrawCamera cameraOf(const View& view, int frame) {
     return camera;
 }
 
-void measure(GLContext& context, const Case& c, const View& view, int frames) {
+std::string nameOf(const Case& c, const View& view) {
+    return std::string(c.name) + ", " + std::to_string(view.width) + "x" + std::to_string(view.height) +
+           (view.tilt > 0 ? ", tilt 45" : ", tilt 0") + (view.samples > 1 ? ", 4 samples" : ", 1 sample");
+}
+
+/// How many draw calls a frame made.
+int measure(GLContext& context, const Case& c, const View& view, int frames) {
     Renderer renderer(context.capabilities(), context.graveyard(), {view.samples, 0, 1e9});
     Scene scene = makeScene(c.scene);
     BarePicture bare(context, scene, view.width, view.height, view.samples);
     std::vector<double> ours;
     std::vector<double> theirs;
-    std::vector<double> ourThread;
-    std::vector<double> theirThread;
     int drawCalls = 0;
     const double aspect = static_cast<double>(view.width) / view.height;
     for (int frame = -5; frame < frames; ++frame) {
@@ -76,36 +66,28 @@ void measure(GLContext& context, const Case& c, const View& view, int frames) {
         }
         drawn.list = scene.list;
         glFinish();
-        const double threadStart = threadSeconds();
         const double start = seconds();
-        const auto report = renderer.draw(drawn, view.width, view.height);
+        const auto drawing = renderer.draw(drawn, view.width, view.height);
         glFinish();
         const double middle = seconds();
-        const double threadMiddle = threadSeconds();
         if (c.movesMarkers) {
             bare.writeMarkers(scene);
         }
         bare.draw(drawn.camera.clipFromScene({}, aspect));
         glFinish();
         const double end = seconds();
-        if (!report) {
-            std::printf("%s: %s\n", c.name, report.reason().c_str());
-            return;
+        if (!drawing) {
+            std::fprintf(stderr, "%s: %s\n", c.name, drawing.reason().c_str());
+            std::exit(1);
         }
-        drawCalls = report->drawCalls;
+        drawCalls = drawing->drawCalls;
         if (frame >= 0) {
-            ours.push_back(middle - start);
-            theirs.push_back(end - middle);
-            ourThread.push_back(threadMiddle - threadStart);
-            theirThread.push_back(threadSeconds() - threadMiddle);
+            ours.push_back((middle - start) * 1000);
+            theirs.push_back((end - middle) * 1000);
         }
     }
-    const double mine = median(ours) * 1000;
-    const double plain = median(theirs) * 1000;
-    std::printf("%-34s %4dx%-4d %3.0f %2d %9.2f %9.2f %7.2f %9.2f %9.2f %7d\n", c.name, view.width,
-                view.height, view.tilt * 180 / 3.14159265358979, view.samples, mine, plain, mine / plain,
-                median(ourThread) * 1000, median(theirThread) * 1000, drawCalls);
-    std::fflush(stdout);
+    report({nameOf(c, view), median(ours), "ms", median(theirs), Goal{Goal::Kind::ratioAtMost, c.goal}});
+    return drawCalls;
 }
 
 int run(int frames) {
@@ -114,21 +96,28 @@ int run(int frames) {
         std::fprintf(stderr, "%s\n", context.reason().c_str());
         return 3;
     }
-    std::printf("driver: %s, medians of %d frames in ms\n", (*context)->capabilities().renderer.c_str(),
-                frames);
-    std::printf("%-34s %9s %3s %2s %9s %9s %7s %9s %9s %7s\n", "scene", "size", "deg", "sa", "renderer",
-                "bare", "ratio", "CPU", "bare CPU", "calls");
-    const Case cases[] = {{"tiles", {}},
-                          {"tiles, 1,000 markers", {.markers = 1000}},
-                          {"tiles, 10,000 markers", {.markers = 10000}},
-                          {"tiles, 1,000 moving markers", {.markers = 1000}, true},
-                          {"tiles, 500 polygons, 500 lines", {.polygons = 500, .lines = 500}},
-                          {"tiles, 500 circles", {.circles = 500}}};
+    startTable("whole frames, " + (*context)->capabilities().renderer);
+    const Case cases[] = {{"tiles", {}, 1.25},
+                          {"tiles, 1,000 markers", {.markers = 1000}, 1.5},
+                          {"tiles, 10,000 markers", {.markers = 10000}, 1.5},
+                          {"tiles, 1,000 moving markers", {.markers = 1000}, 1.5, true},
+                          {"tiles, 500 polygons and lines", {.polygons = 500, .lines = 500}, 2},
+                          {"tiles, 500 circles", {.circles = 500}, 2}};
     for (const int samples : {1, 4}) {
         for (const auto& [width, height] : {std::pair{800, 600}, {1280, 720}}) {
             for (const double tilt : {0.0, 0.7853981633974483}) {
+                int tileCalls = 0;
                 for (const Case& c : cases) {
-                    measure(**context, c, {width, height, tilt, samples}, frames);
+                    const View view{width, height, tilt, samples};
+                    const int calls = measure(**context, c, view, samples == 1 ? frames : frames / 4);
+                    tileCalls = &c == cases ? calls : tileCalls;
+                    if (c.scene.markers == 10000) {
+                        report({nameOf(c, view) + ": calls beyond the tiles'",
+                                static_cast<double>(calls - tileCalls),
+                                "",
+                                {},
+                                Goal{Goal::Kind::atMost, 20}});
+                    }
                 }
             }
         }
@@ -141,5 +130,5 @@ int run(int frames) {
 
 int main(int argc, char** argv) {
     const bool isQuick = argc > 1 && std::string_view(argv[1]) == "--quick";
-    return trelmix::bench::run(isQuick ? 15 : 60);
+    return trelmix::bench::run(isQuick ? 16 : 60);
 }

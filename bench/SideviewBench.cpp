@@ -80,9 +80,13 @@ void zoomStep(benchmark::State& state) {
     }
     state.counters["slowest_ms"] = slowest;
 }
-BENCHMARK(zoomStep)->ArgName("bitmap")->Arg(0)->Arg(1)->Iterations(83)->Unit(benchmark::kMillisecond);
+BENCHMARK(zoomStep)
+    ->Name("side view, zoom step")
+    ->ArgName("bitmap")
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(83)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace trelmix
-
-BENCHMARK_MAIN();
