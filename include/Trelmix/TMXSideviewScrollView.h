@@ -40,6 +40,7 @@ public:
 
     /// The view that the application places in its hierarchy.
     virtual std::shared_ptr<UIView> view() = 0;
+    /// Hears of taps and of camera drags; not owned.
     virtual std::shared_ptr<TMXSideviewScrollViewDelegate> delegate() const = 0;
     virtual void setDelegate(std::weak_ptr<TMXSideviewScrollViewDelegate> delegate) = 0;
     /// White once set up, unless changed after.
@@ -65,6 +66,7 @@ public:
     /// Shows a level, and what the engine's camera sees of it from now on. Without an engine the footprint
     /// stays where it is and touches move nothing. May be called before the set-up.
     virtual void setDisplayedLevel(std::int64_t level, std::shared_ptr<TrelmixMapEngine> engine) = 0;
+    /// The displayed level; `kInitialLevel` until one is set.
     virtual std::int64_t levelNumber() const = 0;
     /// Moves the camera's footprint to where the engine's camera is now. Runs by itself whenever the camera
     /// comes to rest, if the engine reports it here.
@@ -90,6 +92,7 @@ public:
     /// Shows or moves the user position. Ignored before the set-up, and for coordinates that are invalid or
     /// have no place in the picture.
     virtual void updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) = 0;
+    /// Until the next update; nothing when there is none.
     virtual void removeUserPosition() = 0;
 
     /// A marker shows once it has both an icon and a place; whichever comes first creates it. Ignored before
@@ -98,6 +101,7 @@ public:
     /// A coordinate that has no place in the picture moves nothing.
     virtual void updateSideviewMarker(const std::string& identifier, CLLocationCoordinate2D coordinate,
                                       std::int64_t levelNumber) = 0;
+    /// Takes its icon and its place away; an unknown identifier changes nothing.
     virtual void removeSideviewMarker(const std::string& identifier) = 0;
 
     /// Replaces the path; an empty one removes it. Ignored before the set-up.

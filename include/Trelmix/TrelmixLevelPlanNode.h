@@ -23,6 +23,7 @@ public:
     virtual CLLocationCoordinate2D northEast() const = 0;
     virtual void setNorthEast(CLLocationCoordinate2D corner) = 0;
 
+    /// The plan, its top edge to the north before it is turned; empty shows nothing.
     virtual std::shared_ptr<const UIImage> levelPlanImage() const = 0;
     virtual void setLevelPlanImage(std::shared_ptr<const UIImage> image) = 0;
 

@@ -29,6 +29,7 @@ public:
     /// Metres; negative and NaN count as 0.
     virtual void setRadius(double radius) = 0;
 
+    /// Fills it, its own opacity times the overlay's; without one nothing is drawn.
     virtual std::optional<UIColor> color() const = 0;
     virtual void setColor(std::optional<UIColor> color) = 0;
 

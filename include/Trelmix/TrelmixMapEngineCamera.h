@@ -14,6 +14,7 @@ namespace trelmix {
 /// Values are stored unchecked and limited when the engine applies them. Any thread, one at a time.
 class TRELMIX_API TrelmixMapEngineCamera {
 public:
+    /// Degrees and zoom levels as below, unchecked.
     TrelmixMapEngineCamera(CLLocationCoordinate2D target, double rotation, double viewingAngle, float zoom)
         : _target(target), _rotation(rotation), _viewingAngle(viewingAngle), _zoom(zoom) {}
 

@@ -35,9 +35,13 @@ public:
     virtual void mapViewDidLongPressAt(CLLocationCoordinate2D coordinate);
     /// True: handled. False: the engine centres the map on the marker.
     virtual bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
+    /// A tap on a tappable overlay that is no marker.
     virtual void mapViewDidTapAtOverlay(const std::shared_ptr<TrelmixMapOverlay>& overlay);
+    /// A long press has picked a draggable marker up; it has not moved yet.
     virtual void mapViewDidBeginDraggingMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
+    /// It has followed the finger; `coordinate` tells where to.
     virtual void mapViewDidDragMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
+    /// The finger has lifted, or the press was cancelled.
     virtual void mapViewDidEndDraggingMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
 
     /// The image of a tile of a synchronous layer; empty when there is none. Comes on the thread that updates

@@ -18,11 +18,13 @@ namespace trelmix {
 /// the thread that draws.
 class TRELMIX_API TrelmixMapEngineDelegateGroup final : public TrelmixMapEngineDelegate {
 public:
+    /// A group without members.
     static std::shared_ptr<TrelmixMapEngineDelegateGroup> make();
     ~TrelmixMapEngineDelegateGroup() override;
 
     /// Puts a member last. One that is there already, an empty one and the group itself change nothing.
     void addMember(const std::shared_ptr<TrelmixMapEngineDelegate>& member);
+    /// A delegate that is no member changes nothing.
     void removeMember(const std::shared_ptr<TrelmixMapEngineDelegate>& member);
 
     void mapViewWillMoveFromGesture(bool fromGesture) override;

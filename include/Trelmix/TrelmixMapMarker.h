@@ -32,6 +32,7 @@ public:
     /// @param duration seconds; ignored when `animated` is false.
     virtual void setCoordinate(CLLocationCoordinate2D coordinate, bool animated, double duration) = 0;
 
+    /// Drawn at its size in points (pixels over scale), whatever the zoom.
     virtual std::shared_ptr<const UIImage> markerIcon() const = 0;
     /// Empty takes the marker out of the scene until `map` is set again.
     virtual void setMarkerIcon(std::shared_ptr<const UIImage> icon) = 0;

@@ -37,6 +37,7 @@ public:
     virtual std::int64_t zIndex() const = 0;
     virtual void setZIndex(std::int64_t zIndex) = 0;
 
+    /// Whether it is drawn; hidden overlays are not hit by taps either.
     virtual bool visible() const = 0;
     virtual void setVisible(bool visible) = 0;
 

@@ -19,9 +19,11 @@ class TRELMIX_API TrelmixMapPolygon : public TrelmixMapOverlay {
 public:
     ~TrelmixMapPolygon() override;
 
+    /// Fills it, its own opacity times the overlay's; without one nothing is drawn.
     virtual std::optional<UIColor> color() const = 0;
     virtual void setColor(std::optional<UIColor> color) = 0;
 
+    /// As they were set.
     virtual std::vector<CLLocation> polygonCorners() const = 0;
     /// In order; the outline closes itself. Corners that have no place on the map are left out of the
     /// drawing.

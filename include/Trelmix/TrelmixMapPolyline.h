@@ -19,6 +19,7 @@ class TRELMIX_API TrelmixMapPolyline : public TrelmixMapOverlay {
 public:
     ~TrelmixMapPolyline() override;
 
+    /// Its own opacity counts times the overlay's.
     virtual UIColor color() const = 0;
     virtual void setColor(UIColor color) = 0;
 

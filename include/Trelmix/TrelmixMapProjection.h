@@ -32,6 +32,7 @@ public:
     virtual CLLocationCoordinate2D worldCoordinateFor(CGPoint point) const = 0;
 
 protected:
+    /// For the engine's own kind.
     TrelmixMapProjection() = default;
     TrelmixMapProjection(const TrelmixMapProjection&) = default;
     TrelmixMapProjection& operator=(const TrelmixMapProjection&) = default;

@@ -17,6 +17,7 @@ namespace trelmix {
 /// process's clock at the time of the steps. Main thread only; keeps the engine alive.
 class TRELMIX_API OffscreenHost {
 public:
+    /// How large and how smooth the pictures are.
     struct Options {
         /// Points; 1 to 16384 pixels a side after scaling.
         double width = 800;

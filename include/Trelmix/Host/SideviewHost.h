@@ -18,6 +18,7 @@ namespace trelmix {
 /// host, or by whoever pumps it. Main thread only; keeps the side view alive.
 class TRELMIX_API SideviewHost {
 public:
+    /// What a finger did.
     enum class Phase { began, moved, ended, cancelled };
 
     /// Sizes in points, `scale` pixels per point. Make it before the side view is set up, so that the picture

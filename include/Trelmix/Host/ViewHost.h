@@ -20,13 +20,13 @@ namespace trelmix {
 /// Keeps the engine alive.
 class TRELMIX_API ViewHost {
 public:
-    /// Where the map lies in the window. Points from the window's top left corner; `scale` is pixels per
-    /// point. Each side of the map has 1 to 16384 pixels.
+    /// Where the map lies in the window. Each side of the map has 1 to 16384 pixels.
     struct Layout {
-        CGSize window{800, 600};
-        CGRect map{{0, 0}, {800, 600}};
-        double scale = 1;
+        CGSize window{800, 600};        ///< points
+        CGRect map{{0, 0}, {800, 600}}; ///< points from the window's top left corner
+        double scale = 1;               ///< pixels per point
     };
+    /// What is chosen once.
     struct Options {
         /// Samples a pixel for smooth edges; 0 chooses 4, or 1 on a driver that draws in software.
         int samples = 0;
@@ -36,11 +36,13 @@ public:
     };
     /// An image drawn upright over the window: attribution, controls, a side view.
     struct OverlayImage {
-        std::shared_ptr<const UIImage> image;
+        std::shared_ptr<const UIImage> image; ///< empty draws nothing
         /// Points from the window's top left corner.
         CGRect frame;
     };
+    /// What became of a frame.
     enum class Drawing {
+        /// There is a new picture to present.
         drawn,
         /// Nothing has changed since the last frame: no OpenGL call was made, and there is nothing to
         /// present.

@@ -6,22 +6,22 @@ namespace trelmix {
 
 /// A place on screen or in an image, in points.
 struct CGPoint {
-    double x = 0;
-    double y = 0;
+    double x = 0; ///< to the right
+    double y = 0; ///< downward
     friend bool operator==(const CGPoint&, const CGPoint&) = default;
 };
 
 /// A width and a height, in points.
 struct CGSize {
-    double width = 0;
-    double height = 0;
+    double width = 0;  ///< of the horizontal side
+    double height = 0; ///< of the vertical side
     friend bool operator==(const CGSize&, const CGSize&) = default;
 };
 
 /// A rectangle given by its top-left corner and its size, in points.
 struct CGRect {
-    CGPoint origin;
-    CGSize size;
+    CGPoint origin; ///< top left corner
+    CGSize size;    ///< to the right of it and below
     friend bool operator==(const CGRect&, const CGRect&) = default;
 };
 

@@ -8,10 +8,10 @@
 
 namespace trelmix {
 
-/// A place on the sphere, in degrees: latitude north, longitude east.
+/// A place on the sphere, in degrees. Any numbers can be stored; see CLLocationCoordinate2DIsValid.
 struct CLLocationCoordinate2D {
-    double latitude = 0;
-    double longitude = 0;
+    double latitude = 0;  ///< positive north
+    double longitude = 0; ///< positive east
     friend bool operator==(const CLLocationCoordinate2D&, const CLLocationCoordinate2D&) = default;
 };
 
@@ -35,10 +35,12 @@ constexpr bool CLLocationCoordinate2DIsValid(CLLocationCoordinate2D coordinate) 
 class TRELMIX_API CLLocation {
 public:
     CLLocation() = default;
+    /// Degrees, unchecked; altitude in metres, 0 unless given.
     CLLocation(double latitude, double longitude) : _coordinate{latitude, longitude} {}
     explicit CLLocation(CLLocationCoordinate2D coordinate, double altitude = 0)
         : _coordinate(coordinate), _altitude(altitude) {}
 
+    /// What it was made of.
     CLLocationCoordinate2D coordinate() const { return _coordinate; }
     double altitude() const { return _altitude; }
 

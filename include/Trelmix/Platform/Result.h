@@ -13,14 +13,18 @@ namespace trelmix {
 template <class T>
 class Result {
 public:
+    /// Success.
     Result(T value) : _value(std::move(value)) {}
+    /// Failure. @param reason one line: what is wrong, and where
     static Result failure(std::string reason) {
         Result result;
         result._reason = std::move(reason);
         return result;
     }
 
+    /// True when there is a value.
     explicit operator bool() const { return _value.has_value(); }
+    /// The value; only while there is one.
     T& operator*() { return *_value; }
     const T& operator*() const { return *_value; }
     T* operator->() { return &*_value; }

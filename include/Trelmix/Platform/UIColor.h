@@ -9,11 +9,12 @@ namespace trelmix {
 /// Red, green, blue and opacity, each 0 to 1, not premultiplied. A plain value. Components outside the range,
 /// and those that are not numbers, are limited where the colour is drawn.
 struct TRELMIX_API UIColor {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 1;
+    double red = 0;   ///< 0 to 1
+    double green = 0; ///< 0 to 1
+    double blue = 0;  ///< 0 to 1
+    double alpha = 1; ///< 0 (clear) to 1 (opaque)
 
+    /// Opaque colours, but for the last one, which is transparent black.
     static constexpr UIColor whiteColor() { return {1, 1, 1, 1}; }
     static constexpr UIColor blackColor() { return {0, 0, 0, 1}; }
     static constexpr UIColor redColor() { return {1, 0, 0, 1}; }

@@ -24,6 +24,7 @@ class ViewComposer;
 /// weak. Main thread only.
 class TRELMIX_API UIView : public std::enable_shared_from_this<UIView> {
 public:
+    /// A view without superview and content.
     static std::shared_ptr<UIView> make(CGRect frame = {});
     virtual ~UIView();
     UIView(const UIView&) = delete;
@@ -52,6 +53,7 @@ public:
     std::shared_ptr<UIView> superview() const { return _superview.lock(); }
     const std::vector<std::shared_ptr<UIView>>& subviews() const { return _subviews; }
 
+    /// Constraints place a view whatever this says; one without constraints keeps its frame.
     void setTranslatesAutoresizingMaskIntoConstraints(bool translates) { _translatesMask = translates; }
     /// Constraints made by `LayoutConstraint::constraintsWithVisualFormat`; they act at every layout pass.
     void addConstraints(std::vector<LayoutConstraint> constraints);
@@ -59,6 +61,8 @@ public:
     /// Runs the layout pass of this view and of those below it where one is due.
     void layoutIfNeeded();
 
+    /// The recognisers that see the touches landing in this view and below it, in order of addition. One that
+    /// is there already, and an empty one, change nothing.
     void addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
     void removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
     const std::vector<std::shared_ptr<UIGestureRecognizer>>& gestureRecognizers() const {
@@ -75,6 +79,7 @@ public:
     CGPoint convertPointToView(CGPoint point, const std::shared_ptr<UIView>& view) const;
 
 protected:
+    /// For the `make()` of derived kinds.
     explicit UIView(CGRect frame);
     /// Applies the constraints; overriders call it first.
     virtual void layoutSubviews();
