@@ -87,7 +87,8 @@ void bringAll(const apps::MapScene& map, Window& window) {
 void flyWithTilesInMemory(const std::string& archive) {
     const apps::MapScene map = makeTown(tilesOfArchive(archive), kSize, 16);
     map.layers[0]->setImageCacheLimit(std::nullopt);
-    Window window(map.engine, kSize);
+    Window window(kSize);
+    window.show(map.engine);
     bringAll(map, window);
     fly(map, window, false);
     tell("tiles in memory", fly(map, window, false), 2);
@@ -95,7 +96,8 @@ void flyWithTilesInMemory(const std::string& archive) {
 
 void flyWhileTilesStream(const std::string& address) {
     const apps::MapScene map = makeTown(tilesOfServer(address), kSize, 16);
-    Window window(map.engine, kSize);
+    Window window(kSize);
+    window.show(map.engine);
     fly(map, window, true);
     // Off the map and on again: the layer forgets its images.
     map.layers[0]->setMap(nullptr);

@@ -1,19 +1,26 @@
-// From nothing to the first complete picture of 800 x 600 at zoom 16, each time in a new process: after the
-// map is created, driver and all, and after `trelmix render` is started.
+// From nothing to the first complete picture of 800 x 600 at zoom 16, each time in a new process: in a window
+// with one sample, after the map is created and after the process is started; and the whole of
+// `trelmix render`, with four samples and a PNG file. What the driver takes for itself stands beside the
+// first: the tiles of one view drawn by plain calls, from the first shader on.
 
+#include "BarePicture.h"
 #include "common/SceneRunner.h"
 #include "Report.h"
 #include "Town.h"
+#include "Window.h"
 
 #include <Trelmix/Platform/NetworkSettings.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <spawn.h>
+#include <string_view>
 
+#include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace trelmix::bench {
 namespace {
@@ -36,26 +43,84 @@ struct Folder {
     Folder& operator=(const Folder&) = delete;
 };
 
-/// Milliseconds from the creation of the map to the pixels of the complete picture.
-double firstPicture(const apps::SceneTiles& tiles) {
+/// In the child: the map in a window, from its creation to the picture with every tile. Milliseconds.
+double showInWindow(const apps::SceneTiles& tiles) {
     NetworkSettings settings = networkSettings();
     settings.cacheFolder = "";
     setNetworkSettings(settings);
+    Window window(kSize);
     const double start = seconds();
     const apps::MapScene map = makeTown(tiles, kSize, kZoom);
-    const auto host = OffscreenHost::make(map.engine, {});
-    if (!host) {
-        std::fprintf(stderr, "%s\n", host.reason().c_str());
+    window.show(map.engine);
+    for (;;) {
+        while (window.host().pump()) {
+        }
+        const auto drawing = window.host().drawFrame();
+        if (drawing == ViewHost::Drawing::failed) {
+            std::_Exit(3);
+        }
+        const auto count = apps::countOf(map);
+        if (drawing == ViewHost::Drawing::unchanged) {
+            if (count.wanted > 0 && count.answered == count.wanted) {
+                break;
+            }
+            window.host().waitForWork(1);
+        }
+    }
+    glFinish();
+    return (seconds() - start) * 1000;
+}
+
+/// In the child: as many tiles as a window shows, by plain OpenGL ES calls, from the first shader on.
+double drawBare() {
+    auto context = GLContext::makeOffscreen();
+    if (!context) {
         std::_Exit(3);
     }
-    const auto count = apps::runUntilTilesAreDrawn(**host, map, std::chrono::seconds(30),
-                                                   std::function<void(apps::TileCount)>());
-    const auto image = (*host)->image();
-    const double milliseconds = (seconds() - start) * 1000;
-    if (!image || count.wanted == 0 || count.answered < count.wanted) {
-        std::_Exit(4);
+    const Scene scene = makeScene({});
+    DrawCamera camera;
+    camera.position = {0, 0, kSize.height * 0.7 * 0.5 / std::tan(camera.fieldOfView * 0.5)};
+    const double start = seconds();
+    BarePicture bare(**context, scene, static_cast<int>(kSize.width), static_cast<int>(kSize.height), 1);
+    bare.draw(camera.clipFromScene({}, kSize.width / kSize.height));
+    glFinish();
+    return (seconds() - start) * 1000;
+}
+
+/// What the child told, and how long after its start it did.
+struct Start {
+    double picture = 0;
+    double process = 0;
+};
+
+/// This program once more, with these arguments.
+Start inNewProcess(std::vector<std::string> words) {
+    words.insert(words.begin(), fs::read_symlink("/proc/self/exe"));
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
     }
-    return milliseconds;
+    arguments.push_back(nullptr);
+    int ends[2];
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    Start start;
+    pid_t process = 0;
+    const double before = seconds();
+    const bool isRunning =
+        ::pipe(ends) == 0 && ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO) == 0 &&
+        ::posix_spawn(&process, arguments[0], &actions, nullptr, arguments.data(), environ) == 0;
+    ::close(ends[1]);
+    const bool isTold =
+        isRunning && ::read(ends[0], &start.picture, sizeof start.picture) == sizeof start.picture;
+    start.process = (seconds() - before) * 1000;
+    ::close(ends[0]);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (!isTold || ::waitpid(process, nullptr, 0) < 0) {
+        std::fputs("a measurement's own process failed\n", stderr);
+        std::exit(1);
+    }
+    return start;
 }
 
 /// Milliseconds from the start of the program to its end.
@@ -78,20 +143,23 @@ double wholeProcess(const fs::path& scene, const fs::path& picture) {
     return (seconds() - start) * 1000;
 }
 
-/// With the driver's cache of compiled shaders as the run before left it, or in an empty folder each time.
+/// Medians, with the driver's cache of compiled shaders as the run before left it, or in an empty folder each
+/// time.
 template <class Job>
-double medianOfRuns(bool shadersAreCached, Job job) {
+Start medianOfRuns(bool shadersAreCached, Job job) {
     const Folder kept;
-    std::vector<double> times;
+    std::vector<double> pictures;
+    std::vector<double> processes;
     for (int run = shadersAreCached ? -2 : 0; run < kRuns; ++run) {
         const Folder fresh;
         ::setenv("MESA_SHADER_CACHE_DIR", (shadersAreCached ? kept : fresh).path.c_str(), 1);
-        const double time = job();
+        const Start start = job();
         if (run >= 0) {
-            times.push_back(time);
+            pictures.push_back(start.picture);
+            processes.push_back(start.process);
         }
     }
-    return median(times);
+    return {median(pictures), median(processes)};
 }
 
 fs::path writeScene(const Folder& folder, const char* name, const std::string& tiles) {
@@ -104,50 +172,63 @@ fs::path writeScene(const Folder& folder, const char* name, const std::string& t
     return path;
 }
 
+struct Goals {
+    double fromServer;
+    double fromArchive;
+    double process;
+};
+
+void compare(const std::string& archive, const std::string& server, bool isCached) {
+    const std::string state = isCached ? "" : ", empty shader cache";
+    const Goals goals = isCached ? Goals{100, 60, 300} : Goals{150, 100, 450};
+    const auto child = [isCached](const char* what, const std::string& where) {
+        return medianOfRuns(isCached, [&] { return inNewProcess({what, where}); });
+    };
+    const auto tell = [&](const std::string& name, double value, double limit,
+                          std::optional<double> bare = {}) {
+        report({name + state, value, "ms", bare, Goal{Goal::Kind::atMost, limit}});
+    };
+    const Start bare = child("--bare", archive);
+    const Start fromServer = child("--server", server);
+    const Start fromArchive = child("--archive", archive);
+    tell("map created, tiles from a server", fromServer.picture, goals.fromServer, bare.picture);
+    tell("map created, tiles from an archive", fromArchive.picture, goals.fromArchive, bare.picture);
+    tell("process started, tiles from a server", fromServer.process, goals.process);
+    tell("process started, tiles from an archive", fromArchive.process, goals.process);
+    const Folder folder;
+    const fs::path scene =
+        writeScene(folder, "archive.json", R"("mbtiles": ")" + fs::absolute(archive).string() + '"');
+    const Start render = medianOfRuns(isCached, [&] {
+        return Start{0, wholeProcess(scene, folder.path / "picture.png")};
+    });
+    tell("all of trelmix render, tiles from an archive", render.process, goals.process);
+}
+
 void run(const std::string& archive) {
     startTable("first complete picture, 800x600, zoom 16");
     const ServerProcess server(archive);
-    const Folder folder;
-    const fs::path scenes[] = {
-        writeScene(folder, "server.json", R"("url": ")" + tilesOfServer(server.address()).url + '"'),
-        writeScene(folder, "archive.json", R"("mbtiles": ")" + fs::absolute(archive).string() + '"')};
-    for (const bool isCached : {true, false}) {
-        const std::string state = isCached ? "" : ", empty shader cache";
-        const auto fromMap = [&](const apps::SceneTiles& tiles) {
-            return medianOfRuns(isCached, [&] { return inOwnProcess([&] { return firstPicture(tiles); }); });
-        };
-        const auto fromProcess = [&](const fs::path& scene) {
-            return medianOfRuns(isCached, [&] { return wholeProcess(scene, folder.path / "picture.png"); });
-        };
-        const auto limit = [&](double cached, double empty) {
-            return Goal{Goal::Kind::atMost, isCached ? cached : empty};
-        };
-        report({"map created, tiles from a server" + state,
-                fromMap(tilesOfServer(server.address())),
-                "ms",
-                {},
-                limit(100, 150)});
-        report({"map created, tiles from an archive" + state,
-                fromMap(tilesOfArchive(archive)),
-                "ms",
-                {},
-                limit(60, 100)});
-        report({"whole process, tiles from a server" + state,
-                fromProcess(scenes[0]),
-                "ms",
-                {},
-                limit(300, 450)});
-        report({"whole process, tiles from an archive" + state,
-                fromProcess(scenes[1]),
-                "ms",
-                {},
-                limit(300, 450)});
-    }
+    compare(archive, server.address(), true);
+    compare(archive, server.address(), false);
+}
+
+/// What this program does when it is its own child: tells one figure, without the destructors of what the
+/// driver and the library keep for the process.
+[[noreturn]] void tellParent(double milliseconds) {
+    std::_Exit(::write(STDOUT_FILENO, &milliseconds, sizeof milliseconds) == sizeof milliseconds ? 0 : 1);
 }
 
 } // namespace
 } // namespace trelmix::bench
 
 int main(int argc, char** argv) {
-    trelmix::bench::run(trelmix::bench::archiveArgument(argc, argv));
+    using namespace trelmix::bench;
+    const std::string_view what = argc > 2 ? argv[1] : "";
+    if (what == "--bare") {
+        tellParent(drawBare());
+    } else if (what == "--server") {
+        tellParent(showInWindow(tilesOfServer(argv[2])));
+    } else if (what == "--archive") {
+        tellParent(showInWindow(tilesOfArchive(argv[2])));
+    }
+    run(archiveArgument(argc, argv));
 }

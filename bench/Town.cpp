@@ -5,6 +5,7 @@
 
 #include <Trelmix/TrelmixMapEngineFactory.h>
 #include <Trelmix/TrelmixMapMarker.h>
+#include <Trelmix/TrelmixMapPolygon.h>
 #include <Trelmix/TrelmixMapPolyline.h>
 
 #include <cstdio>
@@ -86,23 +87,31 @@ apps::MapScene makeTown(const apps::SceneTiles& tiles, CGSize size, double zoom)
                                std::make_shared<apps::TileServer>());
 }
 
-void addOverlays(apps::MapScene& map, int markers, int lines) {
+void addOverlays(apps::MapScene& map, const Overlays& counts) {
     std::mt19937 random(7);
-    std::uniform_real_distribution<double> offset(-0.004, 0.004);
-    const auto scattered = [&] {
-        return CLLocationCoordinate2D{kTownMiddle.latitude + offset(random),
-                                      kTownMiddle.longitude + 2 * offset(random)};
+    const auto scattered = [&](CLLocationCoordinate2D around, double reach) {
+        std::uniform_real_distribution<double> offset(-reach, reach);
+        return CLLocationCoordinate2D{around.latitude + offset(random),
+                                      around.longitude + 2 * offset(random)};
+    };
+    const auto corners = [&](int count) {
+        const CLLocationCoordinate2D middle = scattered(kTownMiddle, 0.004);
+        std::vector<CLLocation> places;
+        for (int i = 0; i < count; ++i) {
+            places.emplace_back(scattered(middle, 0.0005));
+        }
+        return places;
     };
     const auto icon = UIImage::withPixels(16, 16, std::vector<std::uint8_t>(std::size_t{16} * 16 * 4, 255));
-    for (int i = 0; i < markers; ++i) {
-        map.overlays.push_back(TrelmixMapEngineFactory::createMapMarkerWith(icon, scattered()));
+    for (int i = 0; i < counts.polygons; ++i) {
+        map.overlays.push_back(TrelmixMapEngineFactory::createMapPolygonWithCorners(corners(12)));
     }
-    for (int i = 0; i < lines; ++i) {
-        std::vector<CLLocation> vertices;
-        for (int k = 0; k < 20; ++k) {
-            vertices.emplace_back(scattered());
-        }
-        map.overlays.push_back(TrelmixMapEngineFactory::createMapPolylineWithVertices(std::move(vertices)));
+    for (int i = 0; i < counts.lines; ++i) {
+        map.overlays.push_back(TrelmixMapEngineFactory::createMapPolylineWithVertices(corners(20)));
+    }
+    for (int i = 0; i < counts.markers; ++i) {
+        map.overlays.push_back(
+            TrelmixMapEngineFactory::createMapMarkerWith(icon, scattered(kTownMiddle, 0.004)));
     }
     for (const auto& overlay : map.overlays) {
         overlay->setMap(map.engine);

@@ -18,8 +18,13 @@ apps::SceneTiles tilesOfServer(const std::string& address);
 
 /// A map of nothing but these tiles. Ends the program when they cannot be opened.
 apps::MapScene makeTown(const apps::SceneTiles& tiles, CGSize size, double zoom);
-/// Adds markers and lines around the town's middle.
-void addOverlays(apps::MapScene& map, int markers, int lines);
+struct Overlays {
+    int markers = 0;
+    int polygons = 0;
+    int lines = 0;
+};
+/// Scattered around the town's middle.
+void addOverlays(apps::MapScene& map, const Overlays& counts);
 
 /// A server on the loopback for an archive's tiles, in a process of its own so that neither its memory nor
 /// its work counts as ours. Start it while no other thread runs.

@@ -15,33 +15,31 @@ namespace trelmix::bench {
 /// drawing in its place. One sample, as in windows on a software driver.
 class Window {
 public:
-    Window(std::shared_ptr<TrelmixMapEngine> engine, CGSize size) : _context(started()) {
-        const int width = static_cast<int>(size.width);
-        const int height = static_cast<int>(size.height);
+    explicit Window(CGSize size) : _size(size), _context(orEnd(GLContext::makeOffscreen())) {
         _bitmap = std::make_unique<FrameTarget>(_context->capabilities(), _context->graveyard());
-        _bitmap->resize(width, height, 1);
+        _bitmap->resize(static_cast<int>(size.width), static_cast<int>(size.height), 1);
         _bitmap->bindForDrawing();
-        auto host = ViewHost::make(std::move(engine), {size, {{0, 0}, size}, 1}, {.samples = 1});
-        if (!host) {
-            std::fprintf(stderr, "%s\n", host.reason().c_str());
-            std::exit(3);
-        }
-        _host = std::move(*host);
+    }
+
+    /// Once.
+    void show(std::shared_ptr<TrelmixMapEngine> engine) {
+        _host = orEnd(ViewHost::make(std::move(engine), {_size, {{0, 0}, _size}, 1}, {.samples = 1}));
     }
 
     ViewHost& host() { return *_host; }
     const GLCapabilities& capabilities() const { return _context->capabilities(); }
 
 private:
-    static std::unique_ptr<GLContext> started() {
-        auto context = GLContext::makeOffscreen();
-        if (!context) {
-            std::fprintf(stderr, "%s\n", context.reason().c_str());
+    template <class T>
+    static T orEnd(Result<T> result) {
+        if (!result) {
+            std::fprintf(stderr, "%s\n", result.reason().c_str());
             std::exit(3);
         }
-        return std::move(*context);
+        return std::move(*result);
     }
 
+    CGSize _size;
     std::unique_ptr<GLContext> _context;
     std::unique_ptr<FrameTarget> _bitmap;
     std::unique_ptr<ViewHost> _host;

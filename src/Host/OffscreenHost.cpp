@@ -7,6 +7,7 @@
 #include "Platform/Render/Renderer.h"
 
 #include <cmath>
+#include <optional>
 
 namespace trelmix {
 
@@ -33,15 +34,13 @@ public:
 
     void step(double seconds) override {
         Clock::set(Clock::now() + (seconds > 0 && std::isfinite(seconds) ? seconds : 0.0));
-        const DrawFrame frame = _engine.nextFrame(Clock::now());
-        if (!_context->makeCurrent()) {
-            _failure = "the OpenGL ES context cannot be made current";
-            return;
+        const bool isFirst = !_last;
+        _last = Step{_engine.nextFrame(Clock::now()), _engine.pixelWidth(), _engine.pixelHeight(),
+                     _engine.scale()};
+        if (isFirst) {
+            // So that the driver makes its shaders and its surfaces while the first tiles are on their way.
+            draw();
         }
-        const auto report = _renderer->draw(frame, _engine.pixelWidth(), _engine.pixelHeight());
-        _failure = report.reason();
-        _hasPicture = _hasPicture || report;
-        _drawCallCount = report ? report->drawCalls : 0;
     }
 
     bool pump() override { return RunLoop::main().pump(); }
@@ -49,22 +48,34 @@ public:
     void wait(double seconds) override { RunLoop::main().wait(seconds); }
 
     ImageResult image() override {
-        if (!_hasPicture) {
-            return ImageResult::failure(_failure.empty() ? "no frame has been drawn yet" : _failure);
+        if (!_last) {
+            return ImageResult::failure("no frame has been made yet");
         }
-        _context->makeCurrent();
-        return _renderer->readBack(_engine.scale());
+        const std::string failure = draw();
+        return failure.empty() ? _renderer->readBack(_last->scale) : ImageResult::failure(failure);
     }
 
-    int drawCallCount() const override { return _drawCallCount; }
-
 private:
+    /// Why it failed; empty when it did not.
+    std::string draw() {
+        if (!_context->makeCurrent()) {
+            return "the OpenGL ES context cannot be made current";
+        }
+        return _renderer->draw(_last->frame, _last->pixelWidth, _last->pixelHeight).reason();
+    }
+
+    /// With the size of its time: the engine's may have changed since.
+    struct Step {
+        DrawFrame frame;
+        int pixelWidth = 0;
+        int pixelHeight = 0;
+        double scale = 1;
+    };
+
     HostedEngine _engine;
     std::unique_ptr<GLContext> _context;
     std::unique_ptr<Renderer> _renderer;
-    std::string _failure;
-    bool _hasPicture = false;
-    int _drawCallCount = 0;
+    std::optional<Step> _last;
 };
 
 } // namespace

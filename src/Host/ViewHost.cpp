@@ -21,6 +21,8 @@ namespace {
 /// Digitisers report fractions, mice whole points; and a step with an exact zero on an axis scrolls nothing.
 /// So every move is shifted by one or two of these in turn: an exact zero then means that nothing moved.
 constexpr double kFraction = 1.0 / 1024.0;
+/// How much longer a frame may upload images while the camera stands.
+constexpr double kPatienceAtRest = 4;
 
 bool sameList(const std::vector<ViewHost::OverlayImage>& a, const std::vector<ViewHost::OverlayImage>& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -172,7 +174,6 @@ private:
         _graveyard = std::make_shared<GLGraveyard>();
         Renderer::Options options;
         options.samples = _options.samples > 0 ? _options.samples : (_capabilities->isSoftwareDriver ? 1 : 4);
-        options.uploadSecondsPerFrame = _options.uploadSecondsPerFrame;
         _renderer = std::make_unique<Renderer>(*_capabilities, _graveyard, options);
         return true;
     }
@@ -187,6 +188,8 @@ private:
         };
         const int width = pixels(layout.map.size.width);
         const int height = pixels(layout.map.size.height);
+        const double patience = frame.camera == _drawn.camera ? kPatienceAtRest : 1;
+        _renderer->setUploadSecondsPerFrame(_options.uploadSecondsPerFrame * patience);
         const auto report = _renderer->draw(frame, width, height);
         _failure = report.reason();
         if (!report) {

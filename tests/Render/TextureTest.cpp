@@ -103,5 +103,23 @@ TEST_F(RenderTest, uploadsAreSpreadOverFramesAndTheRestIsDrawnMeanwhile) {
     EXPECT_EQ(draw(frame, 8, 8).uploadedBytes, 0U);
 }
 
+TEST_F(RenderTest, whatIsInViewIsUploadedFirst) {
+    Renderer::Options options;
+    options.uploadSecondsPerFrame = 0;
+    makeRenderer(options);
+    const auto red = plainImage(300, 300, {255, 0, 0, 255});
+    const auto blue = plainImage(300, 300, {0, 0, 255, 255});
+    const Items items{imageItem(red, ground(500, 500, 510, 510), 1, true),
+                      imageItem(blue, ground(-9, -9, 9, 9), 2, true)};
+    FrameReport report = draw(frameOf(items, cameraAt({}, 8)), 8, 8);
+    EXPECT_EQ(pixelAt(**renderer->readBack(1), 4, 4), (Rgba{0, 0, 255, 255}));
+    // The other waits for a frame that is drawn for another reason.
+    EXPECT_EQ(report.uploadsLeft, 0);
+    EXPECT_GT(draw(frameOf(items, cameraAt({}, 8)), 8, 8).uploadedBytes, 0U);
+    report = draw(frameOf(items, cameraAt({505, 505, 0}, 8)), 8, 8);
+    EXPECT_EQ(report.uploadedBytes, 0U);
+    EXPECT_EQ(pixelAt(**renderer->readBack(1), 4, 4), (Rgba{255, 0, 0, 255}));
+}
+
 } // namespace
 } // namespace trelmix::render_test

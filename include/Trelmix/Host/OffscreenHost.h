@@ -12,9 +12,10 @@ namespace trelmix {
 
 /// Sizes an engine, steps its time and draws it with OpenGL ES into a picture.
 ///
-/// The application decides when time passes: each step advances running animations, updates the overlays and
-/// draws. What is queued for the main thread (delegate calls, tile answers, timers) runs in `pump`. Stops the
-/// process's clock at the time of the steps. Main thread only; keeps the engine alive.
+/// The application decides when time passes: each step advances running animations and updates the overlays;
+/// only what is asked for as a picture is drawn. What is queued for the main thread (delegate calls, tile
+/// answers, timers) runs in `pump`. Stops the process's clock at the time of the steps. Main thread only;
+/// keeps the engine alive.
 class TRELMIX_API OffscreenHost {
 public:
     /// How large and how smooth the pictures are.
@@ -40,16 +41,15 @@ public:
 
     /// Gives the engine another size; false when it is out of range.
     virtual bool resize(double width, double height, double scale) = 0;
-    /// Sets the clock `seconds` further on and draws a frame. Not negative; NaN counts as 0.
+    /// Sets the clock `seconds` further on and makes the next frame. Not negative; NaN counts as 0.
     virtual void step(double seconds) = 0;
     /// Runs main-queue blocks and due timers; true when there were any.
     virtual bool pump() = 0;
     /// Sleeps until something is queued for the main thread, at most `seconds`. For waiting for tiles.
     virtual void wait(double seconds) = 0;
-    /// The picture of the last step; fails before the first and when it cannot be read back.
+    /// Draws the frame of the last step and gives its pixels; fails before the first step, and when the
+    /// driver cannot draw the frame or give it back.
     virtual Result<std::shared_ptr<const UIImage>> image() = 0;
-    /// How many draw calls the last step made.
-    virtual int drawCallCount() const = 0;
 };
 
 } // namespace trelmix

@@ -30,8 +30,9 @@ public:
     struct Options {
         /// Samples a pixel for smooth edges; 0 chooses 4, or 1 on a driver that draws in software.
         int samples = 0;
-        /// Seconds that one frame may spend on bringing images to the graphics processor; what is left comes
-        /// with the next frames.
+        /// Seconds that one frame may spend on bringing images to the graphics processor while the camera
+        /// moves; four times that while it stands, when a late frame is not seen. What is in view comes
+        /// first; what is left comes with the next frames.
         double uploadSecondsPerFrame = 0.004;
     };
     /// An image drawn upright over the window: attribution, controls, a side view.

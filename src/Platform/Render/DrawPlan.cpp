@@ -197,6 +197,32 @@ void DrawPlan::rewrite(const FrameView& view, bool iconsOnly) {
     }
 }
 
+void DrawPlan::markWaiting(const FrameView& view) const {
+    if (!_stores.textures.isAnyWaiting()) {
+        return;
+    }
+    const ImagePainter::Slots& slots = _stores.images.slots();
+    const auto isInView = [&](const Placement& placement) {
+        for (std::uint32_t slot = placement.slot; slot != kNoSlot; slot = slots.next(slot)) {
+            if (view.canShow(slots.sphere(slot))) {
+                return true;
+            }
+        }
+        return false;
+    };
+    for (const Placement& placement : _placements) {
+        if (placement.texture && !placement.texture->isUploaded()) {
+            placement.texture->setInView(false);
+        }
+    }
+    // Several nodes may show one image.
+    for (const Placement& placement : _placements) {
+        if (placement.texture && !placement.texture->isUploaded() && isInView(placement)) {
+            placement.texture->setInView(true);
+        }
+    }
+}
+
 const std::vector<DrawRun>& DrawPlan::makeRuns(const FrameView& view) {
     _runs.clear();
     _stores.indices.start(std::max(_stores.images.slots().slotCount(), _stores.discs.slots().slotCount()));

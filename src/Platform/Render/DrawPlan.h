@@ -59,6 +59,8 @@ public:
     /// `originMoved`: everything that is relative to the view's origin is written again. Returns the bytes
     /// written to other buffers than those of the quads.
     std::size_t setList(const std::shared_ptr<const DrawList>& list, const FrameView& view, bool originMoved);
+    /// Tells the images that wait to be uploaded whether the view shows them.
+    void markWaiting(const FrameView& view) const;
     /// Finds what the view shows of it.
     const std::vector<DrawRun>& makeRuns(const FrameView& view);
     const Placement& placement(const DrawRun& run) const { return _placements[run.placement]; }

@@ -54,6 +54,9 @@ public:
     std::size_t uploadPiece(const std::shared_ptr<GLGraveyard>& graveyard);
     bool isUploaded() const { return _nextPart == _parts.size(); }
     bool isUploaded(std::size_t part) const { return part < _nextPart; }
+    /// Whether the frame that is about to be drawn shows it; what is in view is uploaded first.
+    bool isInView() const { return _isInView; }
+    void setInView(bool isInView) { _isInView = isInView; }
     bool isOpaque() const { return _isOpaque; }
     const std::vector<Part>& parts() const { return _parts; }
     /// On the graphics processor, levels included.
@@ -73,6 +76,7 @@ private:
 
     std::shared_ptr<const UIImage> _image; ///< until it is uploaded
     bool _isOpaque;
+    bool _isInView = false;
     bool _usesLevels;
     float _anisotropy;
     std::vector<Part> _parts;

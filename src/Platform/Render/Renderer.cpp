@@ -129,10 +129,11 @@ void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
     const std::size_t meshesBefore = stores.meshes.uploadedBytes();
     const bool originMoved = view.update(frame.camera, target.width(), target.height());
     report.rewrittenBytes = plan.setList(frame.list, view, originMoved);
+    plan.markWaiting(view);
     report.uploadedBytes = stores.textures.upload(options.uploadSecondsPerFrame) +
                            stores.atlas.uploadedBytes() - before + stores.meshes.uploadedBytes() -
                            meshesBefore;
-    report.uploadsLeft = static_cast<int>(stores.textures.pendingCount());
+    report.uploadsLeft = stores.textures.waitingInView();
     const bool isVisible = frame.alpha > 0 && view.isFinite();
     const auto& runs = plan.makeRuns(view);
     report.rewrittenBytes +=

@@ -18,7 +18,7 @@ namespace trelmix {
 /// What one call of `Renderer::draw` did.
 struct FrameReport {
     int drawCalls = 0;
-    /// Images that are not on the graphics processor yet; the frame was drawn without them.
+    /// Images in view that are not on the graphics processor yet; the frame was drawn without them.
     int uploadsLeft = 0;
     std::size_t uploadedBytes = 0;
     /// Bytes of vertices and indices that were written.

@@ -5,6 +5,13 @@
 
 namespace trelmix {
 
+namespace {
+
+/// What a frame spends on images that it does not show.
+constexpr double kSecondsForUnseen = 0.002;
+
+} // namespace
+
 TextureStore::TextureStore(std::shared_ptr<GLGraveyard> graveyard, TextureLimits limits)
     : _graveyard(std::move(graveyard)), _limits(limits) {}
 
@@ -46,19 +53,30 @@ std::size_t TextureStore::upload(double seconds) {
     if (_pending.empty()) {
         return 0;
     }
+    std::stable_partition(_pending.begin(), _pending.end(),
+                          [](const ImageTexture* texture) { return texture->isInView(); });
     // Real time, not the clock of the frames, which stands still while one is drawn.
     const auto start = SteadyClock::now();
+    const auto isTimeLeft = [&](const ImageTexture& next) {
+        const double elapsed = std::chrono::duration<double>(SteadyClock::now() - start).count();
+        return elapsed < (next.isInView() ? seconds : std::min(seconds, kSecondsForUnseen));
+    };
     std::size_t bytes = 0;
+    auto next = _pending.begin();
     glActiveTexture(GL_TEXTURE0);
     do {
-        ImageTexture* texture = _pending.front();
-        bytes += texture->uploadPiece(_graveyard);
-        if (texture->isUploaded()) {
-            _pending.pop_front();
+        bytes += (*next)->uploadPiece(_graveyard);
+        if ((*next)->isUploaded()) {
+            ++next;
         }
-    } while (!_pending.empty() &&
-             std::chrono::duration<double>(SteadyClock::now() - start).count() < seconds);
+    } while (next != _pending.end() && isTimeLeft(**next));
+    _pending.erase(_pending.begin(), next);
     return bytes;
+}
+
+int TextureStore::waitingInView() const {
+    return static_cast<int>(std::count_if(_pending.begin(), _pending.end(),
+                                          [](const ImageTexture* texture) { return texture->isInView(); }));
 }
 
 const ImageTexture& TextureStore::overlay(const std::shared_ptr<const UIImage>& image) {

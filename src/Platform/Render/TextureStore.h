@@ -3,7 +3,6 @@
 #include "Platform/Render/ImageTexture.h"
 
 #include <cstddef>
-#include <deque>
 #include <map>
 #include <memory>
 #include <utility>
@@ -25,9 +24,11 @@ public:
     void release(ImageTexture* texture);
     void dropUnused();
 
-    /// Uploads what waits, in the order it was asked for, until `seconds` are over; at least one piece.
+    /// Uploads what waits until `seconds` are over, at least one piece: first what is in view, then for a
+    /// short while the rest, each in the order it was asked for.
     std::size_t upload(double seconds);
-    std::size_t pendingCount() const { return _pending.size(); }
+    bool isAnyWaiting() const { return !_pending.empty(); }
+    int waitingInView() const;
 
     /// Uploaded at once and whole; kept until the image has gone.
     const ImageTexture& overlay(const std::shared_ptr<const UIImage>& image);
@@ -51,7 +52,7 @@ private:
     std::map<Key, Used> _used;
     std::map<const ImageTexture*, Key> _keys;
     std::vector<Key> _released;
-    std::deque<ImageTexture*> _pending;
+    std::vector<ImageTexture*> _pending;
     std::map<const UIImage*, Overlay> _overlays;
 };
 
