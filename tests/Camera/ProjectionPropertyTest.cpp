@@ -1,12 +1,12 @@
 #include "Camera/CameraProjection.h"
 
 #include "Geo/GeoUtils.h"
+#include "support/CaseCount.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <numbers>
 #include <random>
 
@@ -18,11 +18,7 @@ constexpr Real kPi = std::numbers::pi_v<Real>;
 constexpr Real kRadians = kPi / 180;
 constexpr Real kWorld = 1073741824;
 
-/// More than the usual number of cameras: TRELMIX_PROPERTY_CASES=1000000.
-int caseCount() {
-    const char* given = std::getenv("TRELMIX_PROPERTY_CASES");
-    return given ? std::max(1, std::atoi(given)) : 20000;
-}
+constexpr int kUsualCases = 20000;
 
 struct RandomCamera {
     Coordinate origin;
@@ -100,7 +96,7 @@ struct ReferenceCamera {
 TEST(ProjectionProperty, agreesWithAnIndependentComputation) {
     std::mt19937_64 random(1);
     Real worstPoints = 0, worstDegrees = 0;
-    for (int i = 0; i < caseCount(); ++i) {
+    for (int i = 0; i < caseCount(kUsualCases); ++i) {
         const RandomCamera c(random);
         CameraProjection projection(c.origin, c.size);
         c.applyTo(projection);

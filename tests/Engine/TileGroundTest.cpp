@@ -1,11 +1,11 @@
 #include "SceneKit/TileGround.h"
 
 #include "Geo/GeoUtils.h"
+#include "support/CaseCount.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <random>
 #include <unordered_set>
 
@@ -50,11 +50,6 @@ void expectEveryVisiblePointCovered(const CameraProjection& projection, const Ti
             }
         }
     }
-}
-
-int caseCount(int usual) {
-    const char* wanted = std::getenv("TRELMIX_PROPERTY_CASES");
-    return wanted ? std::atoi(wanted) : usual;
 }
 
 TEST(TileGround, everyVisiblePointWithinReachHasItsTileAlsoAfterAMoveThatTriggersNoCheck) {

@@ -3,6 +3,7 @@
 
 #include "Apps/ScratchFolder.h"
 #include "support/AnswerSamples.h"
+#include "support/CaseCount.h"
 
 #include <gtest/gtest.h>
 
@@ -17,12 +18,6 @@ namespace trelmix {
 namespace {
 
 constexpr std::uint64_t kPlenty = std::uint64_t{1} << 30;
-
-int killCount() {
-    const char* const text = std::getenv("TRELMIX_KILL_COUNT");
-    const int count = text != nullptr ? std::atoi(text) : 0;
-    return count > 0 ? count : 20;
-}
 
 /// Stores entries without end and writes the number of each that is finished.
 [[noreturn]] void fillForEver(const std::string& folder, int first, int report) {
@@ -81,7 +76,7 @@ TEST(CacheKill, everyFinishedEntryIsWholeAfterEachKill) {
     const apps::ScratchFolder folder;
     const std::string place = folder.path("cache");
     std::minstd_rand random(std::random_device{}());
-    for (int round = 0; round < killCount(); ++round) {
+    for (int round = 0; round < countFromEnvironment("TRELMIX_KILL_COUNT", 20); ++round) {
         // Two at once, one of which is killed at some moment; the other goes on a little.
         Filler killed(place, 0);
         Filler other(place, 1'000'000);
