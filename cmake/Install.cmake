@@ -1,38 +1,57 @@
-# What `cmake --install` lays down: headers, the library, a CMake package, a pkg-config file; CPack makes a Debian package of it.
+# What `cmake --install` lays down: headers, the library both ways, a CMake package, a pkg-config file and the programs;
+# CPack makes Debian packages of them.
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Trelmix)
-set_target_properties(trelmix PROPERTIES EXPORT_NAME Trelmix)
-install(TARGETS trelmix EXPORT TrelmixTargets
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY include/Trelmix DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(EXPORT TrelmixTargets NAMESPACE Trelmix:: DESTINATION ${package_folder})
+set_target_properties(trelmix PROPERTIES EXPORT_NAME Static)
+set_target_properties(trelmix_shared PROPERTIES EXPORT_NAME Trelmix)
+install(TARGETS trelmix EXPORT TrelmixStaticTargets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+install(TARGETS trelmix_shared EXPORT TrelmixTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+install(DIRECTORY include/Trelmix DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development FILES_MATCHING PATTERN "*.h")
+foreach(targets TrelmixTargets TrelmixStaticTargets)
+    install(EXPORT ${targets} NAMESPACE Trelmix:: DESTINATION ${package_folder} COMPONENT development)
+endforeach()
 configure_package_config_file(cmake/TrelmixConfig.cmake.in TrelmixConfig.cmake INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(TrelmixConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TrelmixConfig.cmake
-    ${CMAKE_CURRENT_BINARY_DIR}/TrelmixConfigVersion.cmake DESTINATION ${package_folder})
+    ${CMAKE_CURRENT_BINARY_DIR}/TrelmixConfigVersion.cmake DESTINATION ${package_folder} COMPONENT development)
 
-# A static library's users link what it was built with; a shared one brings that itself.
-set(TRELMIX_PC_REQUIRES "egl glesv2 glu spng libturbojpeg libwebp cairo sqlite3 libcurl lapack")
-if(BUILD_SHARED_LIBS)
-    set(TRELMIX_PC_REQUIRES_LINE "Requires.private: ${TRELMIX_PC_REQUIRES}")
-else()
-    set(TRELMIX_PC_REQUIRES_LINE "Requires: ${TRELMIX_PC_REQUIRES}")
-endif()
+# Only who links the static library needs what it was built with, so no Requires.private, which is looked up always.
+set(private ${EGL_LDFLAGS} ${GLES_LDFLAGS} ${GLU_LDFLAGS} ${SPNG_LDFLAGS} ${JPEG_LDFLAGS} ${WEBP_LDFLAGS}
+    ${CAIRO_LDFLAGS} ${SQLITE_LDFLAGS} ${CURL_LDFLAGS} ${LAPACK_LIBRARIES} ${CMAKE_THREAD_LIBS_INIT})
+list(REMOVE_DUPLICATES private)
+list(JOIN private " " TRELMIX_PC_PRIVATE)
 # Relative, so that the tree may be installed anywhere.
 file(RELATIVE_PATH TRELMIX_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/trelmix.pc.in trelmix.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/trelmix.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/trelmix.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME libtrelmix-dev)
 set(CPACK_PACKAGE_CONTACT "The Trelmix developers <trelmix@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Embeddable map engine: outdoor tiles, indoor plans, overlays, a side view")
+set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libegl1, libgles2, libgl1-mesa-dri, fonts-dejavu-core")
 set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development programs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libtrelmix${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS "libgl1-mesa-dri, fonts-dejavu-core")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The shared library.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtrelmix-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libtrelmix${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "libegl-dev, libgles-dev, libglu1-mesa-dev, libspng-dev, \
+libturbojpeg0-dev, libwebp-dev, libcairo2-dev, libsqlite3-dev, libcurl4-openssl-dev, liblapack-dev")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "Headers, the CMake package, the pkg-config file and the static library, which needs what the package suggests.")
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME trelmix)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "libgl1-mesa-dri, fonts-dejavu-core")
+set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION "The programs trelmix and trelmix-view.")
 include(CPack)
