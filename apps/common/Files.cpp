@@ -1,13 +1,86 @@
 #include "common/Files.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace trelmix::apps {
+
+namespace {
+
+class FileHandle {
+public:
+    explicit FileHandle(int descriptor) : _descriptor(descriptor) {}
+    ~FileHandle() { close(); }
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+
+    int get() const { return _descriptor; }
+    explicit operator bool() const { return _descriptor >= 0; }
+    bool close() {
+        const int descriptor = std::exchange(_descriptor, -1);
+        return descriptor < 0 || ::close(descriptor) == 0;
+    }
+
+private:
+    int _descriptor;
+};
+
+std::string cannotBeWritten() {
+    return "cannot be written: " + std::error_code(errno, std::generic_category()).message();
+}
+
+bool writeAll(int descriptor, std::span<const std::byte> data) {
+    while (!data.empty()) {
+        const ssize_t written = ::write(descriptor, data.data(), std::min(data.size(), std::size_t{1} << 30));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            return false;
+        }
+        data = data.subspan(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+std::string writeOver(const std::string& path, std::span<const std::byte> data) {
+    FileHandle file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    if (!file) {
+        return cannotBeWritten();
+    }
+    return writeAll(file.get(), data) && file.close() ? std::string() : cannotBeWritten();
+}
+
+std::string writeBeside(const std::string& path, std::span<const std::byte> data, mode_t mode) {
+    static std::atomic<unsigned> counter{0};
+    const std::string temporary =
+        path + "." + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+    FileHandle file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file) {
+        return cannotBeWritten();
+    }
+    const bool kept = mode == 0 || ::fchmod(file.get(), mode) == 0;
+    if (kept && writeAll(file.get(), data) && file.close() &&
+        std::rename(temporary.c_str(), path.c_str()) == 0) {
+        return {};
+    }
+    std::string reason = cannotBeWritten();
+    ::unlink(temporary.c_str());
+    return reason;
+}
+
+} // namespace
 
 Result<std::vector<std::byte>> loadFile(const std::string& path, std::uint64_t maximumBytes) {
     using Bytes = Result<std::vector<std::byte>>;
@@ -38,25 +111,21 @@ Result<std::vector<std::byte>> loadFile(const std::string& path, std::uint64_t m
 }
 
 std::string saveFile(const std::string& path, std::span<const std::byte> data) {
-    // A device or a pipe must be written to, not replaced by a file.
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return writeBeside(path, data, 0);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return "is a folder, not a file";
+    }
+    if (!S_ISREG(status.st_mode)) {
+        // Renaming over a device or a pipe would replace it.
+        return writeOver(path, data);
+    }
+    // A link stays a link: the file it leads to is replaced.
     std::error_code error;
-    const bool direct =
-        std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error);
-    const std::string place = direct ? path : path + ".part" + std::to_string(::getpid());
-    errno = 0;
-    std::ofstream file(place, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
-    file.close();
-    std::string reason;
-    if (!file) {
-        reason = std::string("cannot be written: ") + std::strerror(errno != 0 ? errno : EIO);
-    } else if (!direct && std::rename(place.c_str(), path.c_str()) != 0) {
-        reason = std::string("cannot be written: ") + std::strerror(errno);
-    }
-    if (!reason.empty() && !direct) {
-        std::remove(place.c_str());
-    }
-    return reason;
+    const std::string target = std::filesystem::canonical(path, error).string();
+    return writeBeside(error ? path : target, data, status.st_mode & 07777);
 }
 
 } // namespace trelmix::apps

@@ -1,6 +1,5 @@
 #include "common/GeoJson.h"
 #include "common/SceneFile.h"
-#include "Platform/Foundation/FileData.h"
 #include "sample/Icons.h"
 #include "sample/SceneWriter.h"
 #include "sample/ShipPainter.h"

@@ -1,7 +1,7 @@
-#include "Platform/Foundation/FileData.h"
 #include "Utils/LevelsText.h"
 
 #include <filesystem>
+#include <fstream>
 #include <limits>
 
 namespace trelmix {
@@ -143,9 +143,7 @@ TEST(LevelsFile, readingNamesThePathOfWhatCannotBeUsed) {
         std::filesystem::path(testing::TempDir()) / "trelmix-levels-file-test";
     std::filesystem::create_directories(folder);
     const std::string path = (folder / "levels.json").string();
-    const auto write = [&path](const std::string& text) { return writeFile(path, text.data(), text.size()); };
-
-    ASSERT_EQ(write(R"({"levels": [{"levelNumber": 4}]})"), "");
+    std::ofstream(path) << R"({"levels": [{"levelNumber": 4}]})";
     EXPECT_EQ(readLevelsFile(path).reason(), path + ": bearing: is missing");
     const auto level = SideviewProjection::levelInfo(4, path);
     ASSERT_TRUE(level) << "levels can be looked up in a file that describes no box";

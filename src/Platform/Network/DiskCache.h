@@ -11,6 +11,8 @@
 
 namespace trelmix {
 
+class CacheDatabase;
+
 /// Bodies by address in one database file within a limit of bytes; the least recently used go first.
 ///
 /// A process may end at any moment and leaves every finished entry whole; several processes may share the
@@ -31,14 +33,13 @@ public:
     bool store(const std::string& address, std::span<const std::byte> body);
 
 private:
-    class Database;
-    Database* database();
+    CacheDatabase* database();
     void checkFault();
 
     std::mutex _mutex;
     const std::string _folder;
     const std::uint64_t _limit;
-    std::unique_ptr<Database> _database;
+    std::unique_ptr<CacheDatabase> _database;
     /// Operations to leave out before the next attempt to open, and to write.
     int _closedFor = 0;
     int _unwritableFor = 0;

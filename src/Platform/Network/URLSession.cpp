@@ -3,15 +3,13 @@
 #include "Platform/Foundation/FileData.h"
 #include "Platform/Foundation/WorkerPool.h"
 #include "Platform/Network/HostQueue.h"
+#include "Platform/Network/URLTransfer.h"
 
 #include <algorithm>
 #include <chrono>
 #include <curl/curl.h>
-#include <filesystem>
 #include <mutex>
-#include <optional>
 #include <random>
-#include <span>
 #include <system_error>
 #include <thread>
 #include <unordered_map>
@@ -20,148 +18,16 @@
 namespace trelmix {
 namespace {
 
-using Steady = std::chrono::steady_clock;
+using Steady = URLTransfer::Clock;
 
-/// All redirects of an attempt together; nothing honest comes near it.
-constexpr std::size_t kMostHeaderBytes = std::size_t{256} << 10;
 constexpr std::chrono::milliseconds kLongestSleep{60000};
-
-struct EasyDeleter {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-};
-
-Steady::duration seconds(double value) {
-    return std::chrono::duration_cast<Steady::duration>(
-        std::chrono::duration<double>(std::clamp(value, 0.0, 86400.0)));
-}
-
-/// One request, from the call to its answer.
-struct Transfer {
-    Transfer(URLRequest asked, URLSession::Completion answer)
-        : request(std::move(asked)), completion(std::move(answer)), host(request.url.authority()) {}
-
-    URLRequest request;
-    URLSession::Completion completion;
-    std::string host;
-    /// Set when it leaves the queue.
-    std::shared_ptr<const URLSession::Settings> settings;
-    Steady::time_point deadline;
-    Steady::time_point nextAttempt;
-    int failedAttempts = 0;
-    std::string lastFault;
-
-    std::unique_ptr<CURL, EasyDeleter> easy;
-    std::vector<std::byte> body;
-    std::size_t headerBytes = 0;
-    bool isTooLarge = false;
-
-    void answer(URLSession::Answer result) {
-        easy = nullptr;
-        try {
-            std::exchange(completion, nullptr)(std::move(result));
-        } catch (...) {
-            // Somebody else's fault must not end the thread that serves all.
-        }
-    }
-    void fail(std::string reason) { answer(URLSession::Answer::failure(std::move(reason))); }
-};
-
-std::size_t receiveBody(const char* data, std::size_t, std::size_t size, void* target) {
-    auto& transfer = *static_cast<Transfer*>(target);
-    transfer.isTooLarge = size > transfer.settings->largestBody - transfer.body.size();
-    if (transfer.isTooLarge) {
-        return 0;
-    }
-    try {
-        const auto bytes = std::as_bytes(std::span(data, size));
-        transfer.body.insert(transfer.body.end(), bytes.begin(), bytes.end());
-    } catch (const std::bad_alloc&) {
-        transfer.isTooLarge = true;
-        return 0;
-    }
-    return size;
-}
-
-std::size_t receiveHeader(const char*, std::size_t, std::size_t size, void* target) {
-    auto& transfer = *static_cast<Transfer*>(target);
-    transfer.headerBytes += size;
-    return transfer.headerBytes > kMostHeaderBytes ? 0 : size;
-}
-
-/// A fresh handle for the next attempt of the transfer; false when the library gives none.
-bool prepareAttempt(Transfer& transfer, Steady::time_point now) {
-    transfer.body.clear();
-    transfer.headerBytes = 0;
-    transfer.isTooLarge = false;
-    transfer.easy.reset(curl_easy_init());
-    CURL* const easy = transfer.easy.get();
-    if (easy == nullptr) {
-        return false;
-    }
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(transfer.deadline - now).count();
-    const URLSession::Settings& settings = *transfer.settings;
-    // A refused option must not quietly leave a check out.
-    bool isSet = true;
-    const auto set = [&](CURLoption option, auto value) {
-        isSet = curl_easy_setopt(easy, option, value) == CURLE_OK && isSet;
-    };
-    set(CURLOPT_URL, transfer.request.url.string().c_str());
-    set(CURLOPT_PROTOCOLS_STR, "http,https");
-    set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-    set(CURLOPT_FOLLOWLOCATION, 1L);
-    set(CURLOPT_MAXREDIRS, static_cast<long>(URLSession::kMostRedirects));
-    set(CURLOPT_SSL_VERIFYPEER, 1L);
-    set(CURLOPT_SSL_VERIFYHOST, 2L);
-    set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_TIMEOUT_MS, std::max(static_cast<long>(left), 1L));
-    set(CURLOPT_USERAGENT, settings.userAgent.c_str());
-    set(CURLOPT_WRITEFUNCTION, &receiveBody);
-    set(CURLOPT_WRITEDATA, static_cast<void*>(&transfer));
-    // Known before the body comes, when the server says so.
-    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(settings.largestBody));
-    set(CURLOPT_HEADERFUNCTION, &receiveHeader);
-    set(CURLOPT_HEADERDATA, static_cast<void*>(&transfer));
-    if (!settings.caFile.empty()) {
-        set(CURLOPT_CAINFO, settings.caFile.c_str());
-    }
-    // Whatever this build of the library can do: these may be refused.
-    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
-    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-    // One connection may do for all; without TLS that never happens, and waiting to learn it would cost time.
-    curl_easy_setopt(easy, CURLOPT_PIPEWAIT, transfer.request.url.scheme() == "https" ? 1L : 0L);
-    return isSet;
-}
-
-bool isPassingFault(CURLcode code) {
-    switch (code) {
-    case CURLE_COULDNT_CONNECT:
-    case CURLE_PARTIAL_FILE:
-    case CURLE_GOT_NOTHING:
-    case CURLE_SEND_ERROR:
-    case CURLE_RECV_ERROR:
-    case CURLE_HTTP2:
-    case CURLE_HTTP2_STREAM:
-        return true;
-    default:
-        return false;
-    }
-}
-
-URLSession::Answer readLocalFile(const std::string& path, std::size_t largest) {
-    std::error_code error;
-    // Opening a pipe would wait for somebody to write.
-    if (!std::filesystem::is_regular_file(path, error)) {
-        return URLSession::Answer::failure("is no file");
-    }
-    return readFile(path, largest);
-}
 
 } // namespace
 
 struct URLSession::State {
     std::mutex mutex;
     std::shared_ptr<const Settings> settings;
-    std::vector<std::unique_ptr<Transfer>> inbox;
+    std::vector<std::unique_ptr<URLTransfer>> inbox;
     bool isStopping = false;
     /// Here for waking it; belongs to the worker.
     CURLM* multi = nullptr;
@@ -207,7 +73,7 @@ public:
     }
 
 private:
-    using TransferPointer = std::unique_ptr<Transfer>;
+    using TransferPointer = std::unique_ptr<URLTransfer>;
 
     /// False when the session ends.
     bool takeInbox() {
@@ -238,14 +104,14 @@ private:
         while (auto transfer = _queue.takeNext()) {
             const auto now = Steady::now();
             (*transfer)->settings = _settings;
-            (*transfer)->deadline = now + seconds((*transfer)->request.timeout);
+            (*transfer)->deadline = now + URLTransfer::duration((*transfer)->request.timeout);
             start(std::move(*transfer), now);
         }
     }
 
     /// Takes over a transfer that has its place in the queue.
     void start(TransferPointer transfer, Steady::time_point now) {
-        if (!prepareAttempt(*transfer, now) ||
+        if (!transfer->prepareAttempt(now) ||
             curl_multi_add_handle(_multi, transfer->easy.get()) != CURLM_OK) {
             _queue.leavePlace(transfer->host);
             transfer->fail("cannot be asked for");
@@ -269,46 +135,13 @@ private:
             TransferPointer transfer = std::move(found->second);
             _running.erase(found);
             _queue.leavePlace(transfer->host);
-            finish(std::move(transfer), code);
+            const double chance = std::uniform_real_distribution(0.0, 1.0)(_random);
+            if (!transfer->finishAttempt(code, chance)) {
+                _retrying.push_back(std::move(transfer));
+            }
             tookAny = true;
         }
         return tookAny;
-    }
-
-    void finish(TransferPointer transfer, CURLcode code) {
-        long status = 0;
-        curl_easy_getinfo(transfer->easy.get(), CURLINFO_RESPONSE_CODE, &status);
-        if (code == CURLE_OK && status >= 200 && status <= 299) {
-            transfer->answer(std::move(transfer->body));
-            return;
-        }
-        transfer->lastFault =
-            transfer->isTooLarge
-                ? "is larger than " + std::to_string(transfer->settings->largestBody) + " bytes"
-            : code == CURLE_OK ? "is answered with status " + std::to_string(status)
-                               : curl_easy_strerror(code);
-        const bool isPassing = code == CURLE_OK ? isPassingStatus(status) : isPassingFault(code);
-        if (isPassing && planRetry(*transfer, code == CURLE_OK)) {
-            _retrying.push_back(std::move(transfer));
-        } else {
-            transfer->fail(transfer->lastFault);
-        }
-    }
-
-    bool planRetry(Transfer& transfer, bool isAnswered) {
-        curl_off_t wish = 0;
-        if (isAnswered) {
-            curl_easy_getinfo(transfer.easy.get(), CURLINFO_RETRY_AFTER, &wish);
-        }
-        const auto now = Steady::now();
-        const auto remaining = std::chrono::duration<double>(transfer.deadline - now).count();
-        const auto delay =
-            transfer.settings->retries.delay(++transfer.failedAttempts, static_cast<double>(wish), remaining,
-                                             std::uniform_real_distribution(0.0, 1.0)(_random));
-        transfer.easy = nullptr;
-        transfer.body = {};
-        transfer.nextAttempt = now + seconds(delay.value_or(0));
-        return delay.has_value();
     }
 
     void sleep() {
@@ -356,7 +189,7 @@ URLSession::URLSession(Settings settings) : _state(std::make_shared<State>()) {
 
 URLSession::~URLSession() {
     std::thread thread;
-    std::vector<std::unique_ptr<Transfer>> dropped;
+    std::vector<std::unique_ptr<URLTransfer>> dropped;
     {
         const std::lock_guard guard(_state->mutex);
         _state->isStopping = true;
@@ -387,7 +220,7 @@ void URLSession::load(URLRequest request, Completion completion) {
         const std::lock_guard guard(_state->mutex);
         settings = _state->settings;
         if (request.url.scheme() != "file" && _state->multi != nullptr) {
-            _state->inbox.push_back(std::make_unique<Transfer>(std::move(request), std::move(completion)));
+            _state->inbox.push_back(std::make_unique<URLTransfer>(std::move(request), std::move(completion)));
             _state->wake();
             return;
         }
@@ -396,10 +229,8 @@ void URLSession::load(URLRequest request, Completion completion) {
         completion(Answer::failure("there is no connection to the network"));
         return;
     }
-    WorkerPool::decoders().run(
-        [path = request.url.filePath(), largest = settings->largestBody, completion = std::move(completion)] {
-            completion(readLocalFile(path, largest));
-        });
+    WorkerPool::decoders().run([path = request.url.filePath(), largest = settings->largestBody,
+                                completion = std::move(completion)] { completion(readFile(path, largest)); });
 }
 
 } // namespace trelmix
