@@ -1,6 +1,6 @@
 #include "common/Json.h"
 #include "common/MapScene.h"
-#include "trelmix/CommandLine.h"
+#include "trelmix/Commands.h"
 
 #include <cmath>
 #include <iostream>

@@ -1,7 +1,7 @@
 #include "common/Drawing.h"
 #include "common/Files.h"
 #include "common/SceneRunner.h"
-#include "trelmix/CommandLine.h"
+#include "trelmix/Commands.h"
 
 #include <iostream>
 #include <unistd.h>

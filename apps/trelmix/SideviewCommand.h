@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trelmix/CommandLine.h"
+#include "trelmix/Commands.h"
 
 namespace trelmix::apps {
 

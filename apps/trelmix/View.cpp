@@ -1,4 +1,4 @@
-#include "trelmix/CommandLine.h"
+#include "trelmix/Commands.h"
 
 #include <cerrno>
 #include <cstring>

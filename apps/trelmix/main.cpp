@@ -1,8 +1,7 @@
-#include "trelmix/CommandLine.h"
+#include "trelmix/Commands.h"
 #include "trelmix/SideviewCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <exception>
 #include <string_view>
 
 namespace {
@@ -49,13 +48,8 @@ int run(int argc, char** argv) {
 
     app.add_subcommand("view", "Open a scene in a window (runs trelmix-view)");
 
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) {
-            return app.exit(error);
-        }
-        return complain(error.what() + std::string(" (see trelmix --help)"), ExitCode::badInput);
+    if (const auto ended = parse(app, argc, argv)) {
+        return *ended;
     }
     if (*sideviewCommand) {
         return renderSideview(sideviewOptions);
@@ -66,9 +60,5 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& error) {
-        return complain(std::string("failed: ") + error.what(), ExitCode::badInput);
-    }
+    return runProgram(run, argc, argv);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trelmix/CommandLine.h"
+#include "common/CommandLine.h"
 #include "view/FileWatch.h"
 #include "view/Hud.h"
 #include "view/InputMapper.h"

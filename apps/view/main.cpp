@@ -1,7 +1,6 @@
 #include "view/ViewApp.h"
 
 #include <CLI/CLI.hpp>
-#include <exception>
 
 namespace {
 
@@ -23,13 +22,8 @@ int run(int argc, char** argv) {
     app.add_option("--timeout", options.timeoutSeconds, "How long that end waits for tiles (60)")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.0, 86400.0));
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) {
-            return app.exit(error);
-        }
-        return complain(error.what() + std::string(" (see trelmix view --help)"), ExitCode::badInput);
+    if (const auto ended = parse(app, argc, argv)) {
+        return *ended;
     }
     if (const std::string fault = applyNetworkOptions(network); !fault.empty()) {
         return complain(fault, ExitCode::badInput);
@@ -42,9 +36,5 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& error) {
-        return complain(std::string("failed: ") + error.what(), ExitCode::badInput);
-    }
+    return runProgram(run, argc, argv);
 }

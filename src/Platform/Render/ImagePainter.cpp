@@ -28,7 +28,20 @@ void main() {
 }
 )";
 
-constexpr const char* kFragmentShader = R"(#version 100
+std::string tinted(std::string source) {
+    return source.insert(source.find('\n') + 1, "#define TINTED\n");
+}
+
+/// The same expression for the same fractions, so that parts that meet share their corners to the last bit.
+Vector3d between(const std::array<Vector3d, 4>& corners, double right, double down) {
+    const Vector3d top = corners[0] * (1 - right) + corners[1] * right;
+    const Vector3d bottom = corners[2] * (1 - right) + corners[3] * right;
+    return top * (1 - down) + bottom * down;
+}
+
+} // namespace
+
+const char* const ImagePainter::kFragmentShader = R"(#version 100
 #ifdef GL_FRAGMENT_PRECISION_HIGH
 precision highp float;
 #else
@@ -46,19 +59,6 @@ void main() {
 #endif
 }
 )";
-
-std::string tinted(std::string source) {
-    return source.insert(source.find('\n') + 1, "#define TINTED\n");
-}
-
-/// The same expression for the same fractions, so that parts that meet share their corners to the last bit.
-Vector3d between(const std::array<Vector3d, 4>& corners, double right, double down) {
-    const Vector3d top = corners[0] * (1 - right) + corners[1] * right;
-    const Vector3d bottom = corners[2] * (1 - right) + corners[3] * right;
-    return top * (1 - down) + bottom * down;
-}
-
-} // namespace
 
 ImagePainter::ImagePainter(std::shared_ptr<GLGraveyard> graveyard) : _slots(std::move(graveyard)) {}
 

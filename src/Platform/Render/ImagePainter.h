@@ -20,6 +20,8 @@ public:
         float opacity;
     };
     using Slots = SlotBuffer<Vertex>;
+    /// A texel of `u_image` at `v_place`; with TINTED defined, times `v_opacity`.
+    static const char* const kFragmentShader;
 
     explicit ImagePainter(std::shared_ptr<GLGraveyard> graveyard);
     /// Compiles the shaders; empty when it went well.

@@ -1,5 +1,7 @@
 #include "Platform/Render/OverlayPainter.h"
 
+#include "Platform/Render/ImagePainter.h"
+
 #include "Platform/Render/GLShader.h"
 
 namespace trelmix {
@@ -16,24 +18,11 @@ void main() {
 }
 )";
 
-constexpr const char* kFragmentShader = R"(#version 100
-#ifdef GL_FRAGMENT_PRECISION_HIGH
-precision highp float;
-#else
-precision mediump float;
-#endif
-uniform sampler2D u_image;
-varying vec2 v_place;
-void main() {
-    gl_FragColor = texture2D(u_image, v_place);
-}
-)";
-
 } // namespace
 
 std::string OverlayPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard) {
     const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}};
-    auto linked = linkProgram(graveyard, kVertexShader, kFragmentShader, attributes);
+    auto linked = linkProgram(graveyard, kVertexShader, ImagePainter::kFragmentShader, attributes);
     if (!linked) {
         return linked.reason();
     }

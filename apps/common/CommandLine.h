@@ -1,3 +1,4 @@
+/// What the programs have in common on their command lines.
 #pragma once
 
 #include "common/NetworkOptions.h"
@@ -5,7 +6,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace CLI {
 class App;
@@ -26,36 +26,21 @@ struct ViewOptions {
     std::string camera;
 };
 
-struct RenderOptions {
-    ViewOptions view;
-    std::string output;
-    double timeoutSeconds = 60;
-    bool allowMissingTiles = false;
-    bool noAttribution = false;
-    NetworkOptions network;
-};
-
-struct LocateOptions {
-    ViewOptions view;
-    bool corners = false;
-};
-
-/// Writes the picture of a scene into a file.
-ExitCode render(const RenderOptions& options);
-/// Answers the places on standard input, line by line.
-ExitCode locate(const LocateOptions& options);
-/// Hands over to the program with the window; comes back only when that fails. Takes what stands behind
-/// `view`.
-ExitCode view(const char* ownPath, const std::vector<std::string>& arguments);
-
 /// The scene's name and the options that fill these records.
 void addViewOptions(CLI::App& command, ViewOptions& options);
 void addNetworkOptions(CLI::App& command, NetworkOptions& options);
+
+/// Reads the arguments; what the program has to end with when it is not to go on: they were wrong, which has
+/// been said, or they asked for help, which has been given.
+std::optional<int> parse(CLI::App& app, int argc, char** argv);
 
 /// Reads the scene file and applies the options. The reason names the file or the option.
 Result<SceneFile> readScene(const ViewOptions& options);
 
 /// One line on standard error.
 ExitCode complain(const std::string& message, ExitCode code);
+
+/// A program's `main`: what escapes from `run` is told on standard error.
+int runProgram(int (*run)(int argc, char** argv), int argc, char** argv);
 
 } // namespace trelmix::apps

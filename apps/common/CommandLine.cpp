@@ -1,8 +1,9 @@
-#include "trelmix/CommandLine.h"
+#include "common/CommandLine.h"
 
 #include <charconv>
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <exception>
 #include <iostream>
 #include <string_view>
 #include <vector>
@@ -78,6 +79,18 @@ void addNetworkOptions(CLI::App& command, NetworkOptions& options) {
         ->type_name("FILE");
 }
 
+std::optional<int> parse(CLI::App& app, int argc, char** argv) {
+    try {
+        app.parse(argc, argv);
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {
+            return app.exit(error);
+        }
+        return complain(error.what() + (" (see " + app.get_name() + " --help)"), ExitCode::badInput);
+    }
+}
+
 Result<SceneFile> readScene(const ViewOptions& options) {
     auto scene = readSceneFile(options.sceneFile);
     if (!scene) {
@@ -100,6 +113,14 @@ ExitCode complain(const std::string& message, ExitCode code) {
     }
     std::cerr << line << std::endl;
     return code;
+}
+
+int runProgram(int (*run)(int argc, char** argv), int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        return complain(std::string("failed: ") + error.what(), ExitCode::badInput);
+    }
 }
 
 } // namespace trelmix::apps
