@@ -1,7 +1,8 @@
 #include "common/TileSource.h"
 
+#include "common/EnlargedTile.h"
+
 #include <algorithm>
-#include <cmath>
 
 namespace trelmix::apps {
 
@@ -9,102 +10,58 @@ namespace {
 
 constexpr std::size_t kRememberedAncestors = 16;
 
-/// For one pixel of the enlarged row or column: the two old pixels it lies between and the second one's
-/// share.
-struct Tap {
-    std::size_t first;
-    std::size_t second;
-    float share;
-};
-
-std::vector<Tap> tapsAlong(int size, std::int64_t part, std::int64_t levels) {
-    const double parts = std::exp2(static_cast<double>(levels));
-    std::vector<Tap> taps;
-    taps.reserve(static_cast<std::size_t>(size));
-    for (int i = 0; i < size; ++i) {
-        // Centre of the new pixel on the old picture; half a pixel back, as old pixels have their centres at
-        // one half.
-        const double place = (static_cast<double>(part) * size + i + 0.5) / parts - 0.5;
-        const double inside = std::clamp(place, 0.0, size - 1.0);
-        const auto first = static_cast<std::size_t>(inside);
-        taps.push_back({first, std::min(first + 1, static_cast<std::size_t>(size) - 1),
-                        static_cast<float>(inside - std::floor(inside))});
-    }
-    return taps;
-}
-
 } // namespace
-
-std::shared_ptr<const UIImage> enlargedPart(const UIImage& ancestor, const TileIndex& tile,
-                                            std::int64_t levels) {
-    const std::int64_t mask = (std::int64_t{1} << levels) - 1;
-    const auto across = tapsAlong(ancestor.pixelWidth(), tile.x & mask, levels);
-    const auto down = tapsAlong(ancestor.pixelHeight(), tile.y & mask, levels);
-    const auto old = ancestor.pixels();
-    const std::size_t rowBytes = across.size() * 4;
-    std::vector<std::uint8_t> pixels(rowBytes * down.size());
-    auto* out = pixels.data();
-    for (const Tap& y : down) {
-        const std::uint8_t* upper = old.data() + y.first * rowBytes;
-        const std::uint8_t* lower = old.data() + y.second * rowBytes;
-        for (const Tap& x : across) {
-            for (std::size_t channel = 0; channel < 4; ++channel) {
-                const std::size_t left = x.first * 4 + channel;
-                const std::size_t right = x.second * 4 + channel;
-                const auto mix = [](float a, float b, float share) { return a + (b - a) * share; };
-                const float top = mix(upper[left], upper[right], x.share);
-                const float bottom = mix(lower[left], lower[right], x.share);
-                *out++ = static_cast<std::uint8_t>(mix(top, bottom, y.share) + 0.5F);
-            }
-        }
-    }
-    return UIImage::withPixels(ancestor.pixelWidth(), ancestor.pixelHeight(), std::move(pixels),
-                               ancestor.scale());
-}
 
 TileSource::TileSource(std::unique_ptr<TileStore> store) : _store(std::move(store)) {}
 
 std::shared_ptr<const UIImage> TileSource::imageFor(const TileIndex& tile) const {
-    if (!isInWorld(tile)) {
-        return nullptr;
-    }
-    std::shared_ptr<const UIImage> image;
-    for (std::int64_t levels = 0; levels <= tile.zoom; ++levels) {
+    for (std::int64_t levels = 0; isInWorld(tile) && levels <= tile.zoom; ++levels) {
         const TileIndex ancestor{tile.x >> levels, tile.y >> levels, tile.zoom - levels};
-        image = levels > 0 ? remembered(ancestor) : nullptr;
-        const Found found = image ? Found::image : load(ancestor, image);
-        if (found == Found::broken) {
+        std::string fault;
+        auto image = levels > 0 ? loadAncestor(ancestor, fault) : load(ancestor, fault);
+        if (!fault.empty()) {
+            report(ancestor, fault);
             return nullptr;
         }
-        if (found == Found::image) {
+        if (image) {
             if (levels > 0) {
-                remember(ancestor, image);
-                image = enlargedPart(*image, tile, levels);
+                image = enlarged(*image, ancestor, tile);
             }
-            break;
+            image->prepareLevels();
+            return image;
         }
     }
+    return nullptr;
+}
+
+std::shared_ptr<const UIImage> TileSource::enlarged(const UIImage& image, const TileIndex& ancestor,
+                                                    const TileIndex& tile) const {
+    return enlargedPart(image, tile, tile.zoom - ancestor.zoom, [&](std::int64_t east, std::int64_t south) {
+        // What is wrong with it is told when it is asked for itself.
+        std::string fault;
+        const TileIndex beside{ancestor.x + east, ancestor.y + south, ancestor.zoom};
+        return isInWorld(beside) ? loadAncestor(beside, fault) : nullptr;
+    });
+}
+
+std::shared_ptr<const UIImage> TileSource::loadAncestor(const TileIndex& tile, std::string& fault) const {
+    auto image = remembered(tile);
+    if (!image) {
+        image = load(tile, fault);
+    }
     if (image) {
-        image->prepareLevels();
+        remember(tile, image);
     }
     return image;
 }
 
-TileSource::Found TileSource::load(const TileIndex& tile, std::shared_ptr<const UIImage>& image) const {
+std::shared_ptr<const UIImage> TileSource::load(const TileIndex& tile, std::string& fault) const {
     const auto bytes = _store->tile(tile);
     if (!bytes) {
-        report(tile, bytes.reason());
-        return Found::broken;
+        fault = bytes.reason();
+        return nullptr;
     }
-    if (!*bytes) {
-        return Found::missing;
-    }
-    std::string reason;
-    image = UIImage::withData(**bytes, 1, &reason);
-    if (!image) {
-        report(tile, reason);
-    }
-    return image ? Found::image : Found::broken;
+    return *bytes ? UIImage::withData(**bytes, 1, &fault) : nullptr;
 }
 
 std::shared_ptr<const UIImage> TileSource::remembered(const TileIndex& tile) const {

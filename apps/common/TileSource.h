@@ -27,8 +27,11 @@ public:
     std::string firstFault() const;
 
 private:
-    enum class Found { missing, broken, image };
-    Found load(const TileIndex& tile, std::shared_ptr<const UIImage>& image) const;
+    /// Empty with a fault when it cannot be read or decoded, and without one when there is none.
+    std::shared_ptr<const UIImage> load(const TileIndex& tile, std::string& fault) const;
+    std::shared_ptr<const UIImage> loadAncestor(const TileIndex& tile, std::string& fault) const;
+    std::shared_ptr<const UIImage> enlarged(const UIImage& image, const TileIndex& ancestor,
+                                            const TileIndex& tile) const;
     std::shared_ptr<const UIImage> remembered(const TileIndex& tile) const;
     void remember(const TileIndex& tile, const std::shared_ptr<const UIImage>& image) const;
     void report(const TileIndex& tile, const std::string& reason) const;
@@ -40,11 +43,5 @@ private:
     mutable std::size_t _faultCount = 0;
     mutable std::string _firstFault;
 };
-
-/// The part of a tile's picture that its descendant `tile` covers, `levels` zooms deeper, enlarged to the
-/// picture's own size. Bilinear between the centres of the old pixels, so that everything stays at its place
-/// on the ground.
-std::shared_ptr<const UIImage> enlargedPart(const UIImage& ancestor, const TileIndex& tile,
-                                            std::int64_t levels);
 
 } // namespace trelmix::apps

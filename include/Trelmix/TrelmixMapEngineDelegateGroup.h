@@ -22,7 +22,8 @@ public:
     static std::shared_ptr<TrelmixMapEngineDelegateGroup> make();
     ~TrelmixMapEngineDelegateGroup() override;
 
-    /// Puts a member last. One that is there already, an empty one and the group itself change nothing.
+    /// Puts a member last. One that is there already, an empty one, the group itself and a group that leads
+    /// back to this one change nothing.
     void addMember(const std::shared_ptr<TrelmixMapEngineDelegate>& member);
     /// A delegate that is no member changes nothing.
     void removeMember(const std::shared_ptr<TrelmixMapEngineDelegate>& member);
@@ -52,6 +53,9 @@ private:
     template <class F>
     void all(F&& hear);
     bool has(const Member& member) const;
+    std::vector<Member> members() const;
+    /// Whether calls to a delegate come to this group.
+    bool leadsFrom(const TrelmixMapEngineDelegate& start) const;
 
     mutable std::mutex _mutex;
     std::vector<Member> _members;

@@ -22,11 +22,32 @@ TrelmixMapEngineDelegateGroup::TrelmixMapEngineDelegateGroup() = default;
 TrelmixMapEngineDelegateGroup::~TrelmixMapEngineDelegateGroup() = default;
 
 void TrelmixMapEngineDelegateGroup::addMember(const std::shared_ptr<TrelmixMapEngineDelegate>& member) {
+    // Calls would go round for ever.
+    if (!member || leadsFrom(*member)) {
+        return;
+    }
     const std::lock_guard guard(_mutex);
     std::erase_if(_members, [](const Member& m) { return m.expired(); });
-    if (member && member.get() != this && !has(member)) {
+    if (!has(member)) {
         _members.emplace_back(member);
     }
+}
+
+bool TrelmixMapEngineDelegateGroup::leadsFrom(const TrelmixMapEngineDelegate& start) const {
+    const auto* const group = dynamic_cast<const TrelmixMapEngineDelegateGroup*>(&start);
+    if (group == this || group == nullptr) {
+        return group == this;
+    }
+    const std::vector<Member> members = group->members();
+    return std::any_of(members.begin(), members.end(), [this](const Member& weak) {
+        const auto member = weak.lock();
+        return member && leadsFrom(*member);
+    });
+}
+
+std::vector<TrelmixMapEngineDelegateGroup::Member> TrelmixMapEngineDelegateGroup::members() const {
+    const std::lock_guard guard(_mutex);
+    return _members;
 }
 
 void TrelmixMapEngineDelegateGroup::removeMember(const std::shared_ptr<TrelmixMapEngineDelegate>& member) {
@@ -40,12 +61,7 @@ bool TrelmixMapEngineDelegateGroup::has(const Member& member) const {
 
 template <class F>
 bool TrelmixMapEngineDelegateGroup::untilOne(F&& hear) {
-    std::vector<Member> turn;
-    {
-        const std::lock_guard guard(_mutex);
-        turn = _members;
-    }
-    for (const Member& weak : turn) {
+    for (const Member& weak : members()) {
         // Released after the guard: the member's destructor may call this group.
         std::shared_ptr<Delegate> member;
         {

@@ -2,6 +2,7 @@
 
 #include "Apps/ArchiveWriter.h"
 #include "Apps/ScratchFolder.h"
+#include "common/EnlargedTile.h"
 #include "common/MbtilesArchive.h"
 #include "common/TileDirectory.h"
 
@@ -42,11 +43,12 @@ int green(const UIImage& image, int x, int y) {
 TEST(TileSource, enlargedPartsKeepEveryPointOfTheGroundAtItsPlace) {
     // Red grows along x and green along y, so a pixel's colour tells which ground it shows.
     const auto ancestor = paintedTile(128, [](int x, int y) { return std::array{x * 2, y * 2, 0}; });
+    const auto noneBeside = [](std::int64_t, std::int64_t) { return nullptr; };
     for (const std::int64_t levels : {1, 2, 4}) {
         const double zoomed = static_cast<double>(std::int64_t{1} << levels);
         const std::int64_t last = (std::int64_t{1} << levels) - 1;
         for (const TileIndex part : {TileIndex{0, 0, 0}, {last, last, 0}, {1, last, 0}}) {
-            const auto image = enlargedPart(*ancestor, part, levels);
+            const auto image = enlargedPart(*ancestor, part, levels, noneBeside);
             for (int i = 0; i < 128; ++i) {
                 const auto ground = [&](std::int64_t index) {
                     const double place = (static_cast<double>(index) * 128 + i + 0.5) / zoomed - 0.5;
@@ -54,6 +56,35 @@ TEST(TileSource, enlargedPartsKeepEveryPointOfTheGroundAtItsPlace) {
                 };
                 EXPECT_NEAR(red(*image, i, 64), ground(part.x), 0.51);
                 EXPECT_NEAR(green(*image, 5, i), ground(part.y), 0.51);
+            }
+        }
+    }
+}
+
+TEST(TileSource, whatCrossesTheEdgeOfTwoAncestorsRunsOnWithoutAStep) {
+    auto store = std::make_unique<FakeStore>();
+    for (const int column : {0, 1}) {
+        for (const int row : {0, 1}) {
+            const auto ground = paintedTile(16, [=](int x, int y) {
+                return std::array{(column * 16 + x) * 8, (row * 16 + y) * 8, 0};
+            });
+            store->add({column, row, 1}, ground->pngData());
+        }
+    }
+    const TileSource source(std::move(store));
+    for (const std::int64_t levels : {1, 2, 7}) {
+        const std::int64_t middle = std::int64_t{1} << levels;
+        for (const TileIndex tile :
+             {TileIndex{middle - 1, middle, levels + 1}, {middle, middle - 1, levels + 1}}) {
+            const auto image = source.imageFor(tile);
+            ASSERT_TRUE(image);
+            for (int i = 0; i < 16; ++i) {
+                const auto ground = [&](std::int64_t index) {
+                    return ((static_cast<double>(index) * 16 + i + 0.5) / static_cast<double>(middle) - 0.5) *
+                           8;
+                };
+                EXPECT_NEAR(red(*image, i, 3), ground(tile.x), 0.51);
+                EXPECT_NEAR(green(*image, 3, i), ground(tile.y), 0.51);
             }
         }
     }

@@ -66,6 +66,17 @@ TEST_F(DelegateGroup, answersAreJoined) {
     EXPECT_EQ(second->count("tile"), 1U);
 }
 
+TEST_F(DelegateGroup, groupsMayNestButNotInCircles) {
+    const auto outer = TrelmixMapEngineDelegateGroup::make();
+    const auto outermost = TrelmixMapEngineDelegateGroup::make();
+    outer->addMember(group);
+    outermost->addMember(outer);
+    group->addMember(outermost);
+    outermost->mapViewIdleAtCamera(nullptr);
+    group->mapViewIdleAtCamera(nullptr);
+    EXPECT_EQ(first->count("idle"), 2U);
+}
+
 TEST_F(DelegateGroup, membersMayComeAndGoInsideACall) {
     const auto third = std::make_shared<Member>();
     first->onIdle = [&] {

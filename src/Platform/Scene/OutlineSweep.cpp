@@ -13,9 +13,9 @@ constexpr double kFewPairs = 1e5;
 /// Pairs that can be tested for a crossing within a second.
 constexpr double kMostPairs = 5e8;
 /// Crossings times edges above one x, and crossings times all edges (each crossing relabels the loops that
-/// it joins): some seconds of the library.
-constexpr double kMostSearching = 3e7;
-constexpr double kMostRelabelling = 5e7;
+/// it joins): a second or two of the library, in which no picture can be drawn.
+constexpr double kMostSearching = 1e7;
+constexpr double kMostRelabelling = 1.5e7;
 
 struct Edge {
     OutlineCorner left;
