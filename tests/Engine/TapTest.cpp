@@ -70,6 +70,16 @@ protected:
         return made;
     }
     void tap(CGPoint at) { TouchStory(engine->view()).tap(at).wait(0.5); }
+    /// A long press in the middle that moves twice.
+    void dragMarker() {
+        TouchStory(engine->view())
+            .down(1, kMiddle)
+            .wait(0.6)
+            .move(1, {430, 310})
+            .move(1, {450, 320})
+            .up(1)
+            .wait(0.5);
+    }
     std::shared_ptr<TapLog> log = std::make_shared<TapLog>();
 };
 
@@ -195,13 +205,7 @@ TEST_F(Tap, aDragEndsWhenItsMarkerLeavesTheMapOrTheTouchIsCancelled) {
     const auto pin = marker();
     pin->setIsDraggable(true);
     log->onDrag = [&] { pin->setMap(nullptr); };
-    TouchStory(engine->view())
-        .down(1, kMiddle)
-        .wait(0.6)
-        .move(1, {430, 310})
-        .move(1, {450, 320})
-        .up(1)
-        .wait(0.5);
+    dragMarker();
     EXPECT_EQ(log->calls, (std::vector<std::string>{"begin", "drag", "end"}));
     log->onDrag = nullptr;
     log->calls.clear();
@@ -215,13 +219,7 @@ TEST_F(Tap, anEngineDestroyedInsideADragIsGoneQuietly) {
     const auto pin = marker();
     pin->setIsDraggable(true);
     log->onDrag = [this] { engine.reset(); };
-    TouchStory(engine->view())
-        .down(1, kMiddle)
-        .wait(0.6)
-        .move(1, {430, 310})
-        .move(1, {450, 320})
-        .up(1)
-        .wait(0.5);
+    dragMarker();
     EXPECT_FALSE(pin->map());
     engine = makeEngine();
 }

@@ -213,12 +213,8 @@ TEST_F(TileLayer, aDelegateMayTakeTheLayerAwayOrDestroyTheEngineWhileItIsAsked) 
     EXPECT_TRUE(lastFrame.list->items.empty());
     delegate->onRequest = [this](TileKey, const auto&) { engine.reset(); };
     layer->setMap(engine);
-    const auto view = engine->sceneView();
-    Clock::set(Clock::now() + 2);
-    view->nextFrame(Clock::now());
+    stepThatEndsTheEngine();
     EXPECT_FALSE(layer->map());
-    RunLoop::main().drain();
-    engine = makeEngine();
 }
 
 TEST_F(TileLayer, clearedWhileACleanUpIsPendingItCleansUpAgainLater) {

@@ -235,12 +235,8 @@ TEST_F(UrlTileLayer, aConstructorMayReplaceItselfOrTakeTheLayerAwayOrEndTheEngin
         return url;
     });
     layer->setMap(engine);
-    const auto view = engine->sceneView();
-    Clock::set(Clock::now() + 2);
-    view->nextFrame(Clock::now());
+    stepThatEndsTheEngine();
     EXPECT_FALSE(layer->map());
-    RunLoop::main().drain();
-    engine = makeEngine();
 }
 
 TEST_F(UrlTileLayer, answersThatComeAfterTheEndOfLayerAndEngineAreDropped) {

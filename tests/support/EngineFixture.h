@@ -55,6 +55,16 @@ protected:
         RunLoop::main().pump();
     }
 
+    /// A frame in which a callback lets go of the engine; a new one takes its place.
+    void stepThatEndsTheEngine() {
+        const auto view = engine->sceneView();
+        Clock::set(Clock::now() + 2);
+        view->nextFrame(Clock::now());
+        EXPECT_FALSE(engine);
+        RunLoop::main().drain();
+        engine = makeEngine();
+    }
+
     /// The faults reported since the last call.
     static std::vector<std::string> takeFaults() { return std::exchange(faults(), {}); }
 

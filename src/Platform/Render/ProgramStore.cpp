@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/Render/GLShader.h"
+#include "Platform/Render/Placement.h"
 
 namespace trelmix {
 
@@ -80,7 +81,7 @@ int ShaderProgram::draw(const MeshBuffers& mesh, const std::array<float, 16>& ma
                         VertexArrays& arrays) {
     glUniformMatrix4fv(_matrix, 1, GL_FALSE, matrix.data());
     if (item.bindings) {
-        CurrentProgramWriter writer(item.opacity);
+        CurrentProgramWriter writer(fraction(item.opacity));
         for (const auto& [symbol, handler] : *item.bindings) {
             // A uniform that the shaders do not use has no place to be written to.
             const GLint location = locationOf(symbol);
