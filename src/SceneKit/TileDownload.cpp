@@ -1,6 +1,5 @@
 // How a tile's image comes from its address: the cache of answers, the network, a decoder, the main thread.
 
-#include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/WorkerPool.h"
 #include "Platform/Network/SharedNetwork.h"
@@ -87,13 +86,8 @@ std::optional<URL> MapTileNode::addressOf(const TileKey& key) const {
     auto copy = _imageUrlConstructor;
     return callOut([&]() -> std::optional<URL> {
         const auto constructor = std::move(copy);
-        try {
-            return constructor(static_cast<std::uint64_t>(key.x), static_cast<std::uint64_t>(key.y),
-                               static_cast<std::uint64_t>(key.zoom));
-        } catch (...) {
-            reportCallerFault("an image URL constructor threw an exception");
-            return std::nullopt;
-        }
+        return constructor(static_cast<std::uint64_t>(key.x), static_cast<std::uint64_t>(key.y),
+                           static_cast<std::uint64_t>(key.zoom));
     });
 }
 

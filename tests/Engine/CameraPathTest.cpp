@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 namespace trelmix {
 namespace {
@@ -41,6 +42,17 @@ TEST_F(CameraPath, beforeTheFirstCameraThereIsNoneAndOnlyAWholeRecordMakesOne) {
     EXPECT_NEAR(engine->camera()->rotation(), 10, 1e-5);
     EXPECT_NE(engine->camera(), engine->camera());
     step();
+}
+
+TEST_F(CameraPath, aDelegateThatThrowsIsReportedAndTheCameraGoesOn) {
+    start();
+    log->onWillMove = log->onIdle = [] { throw std::runtime_error("no"); };
+    for (int i = 1; i <= 20; ++i) {
+        engine->setCamera(i, 0, 17, false);
+        step();
+        EXPECT_NEAR(engine->camera()->rotation(), i, 1e-4);
+    }
+    EXPECT_EQ(takeFaults().size(), 40U);
 }
 
 TEST_F(CameraPath, zoomAndTiltAreLimitedToWhatIsSupported) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <thread>
 
 namespace trelmix {
@@ -203,6 +204,17 @@ TEST_F(TileLayer, answeredInsideTheQuestionItWorks) {
     EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
     step();
     EXPECT_EQ(lastFrame.list->items.size(), layer->wantedTileCount());
+}
+
+TEST_F(TileLayer, aDelegateThatThrowsLeavesGapsAndNoMore) {
+    delegate->answerAtOnce = [](TileKey key) {
+        return key.x % 2 == 0 ? picture() : throw std::runtime_error("no");
+    };
+    layer->setSynchronousLayer(true);
+    show();
+    step();
+    EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
+    EXPECT_EQ(takeFaults().size(), layer->wantedTileCount() - lastFrame.list->items.size());
 }
 
 TEST_F(TileLayer, aDelegateMayTakeTheLayerAwayOrDestroyTheEngineWhileItIsAsked) {

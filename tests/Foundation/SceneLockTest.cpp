@@ -11,7 +11,7 @@ namespace {
 
 int faultCount = 0;
 
-TEST(SceneLock, aCallOutReleasesEveryLevelAndTakesThemBackAlsoAfterAnException) {
+TEST(SceneLock, aCallOutReleasesEveryLevelAndTakesThemBackAlsoAfterAnExceptionWhichItReports) {
     const SceneLock outer;
     {
         const SceneLock inner;
@@ -24,7 +24,11 @@ TEST(SceneLock, aCallOutReleasesEveryLevelAndTakesThemBackAlsoAfterAnException) 
         });
         EXPECT_EQ(answer, 2);
         EXPECT_TRUE(SceneLock::isHeldHere());
-        EXPECT_THROW(callOut([] { throw std::runtime_error("application"); }), std::runtime_error);
+        setCallerFaultHandler([](const char*) { ++faultCount; });
+        faultCount = 0;
+        EXPECT_EQ(callOut([]() -> int { throw std::runtime_error("application"); }), 0);
+        EXPECT_EQ(faultCount, 1);
+        setCallerFaultHandler(nullptr);
     }
     EXPECT_TRUE(SceneLock::isHeldHere());
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Platform/Foundation/CallerFault.h"
+
+#include <type_traits>
 #include <utility>
 
 namespace trelmix {
@@ -35,12 +38,18 @@ public:
 };
 
 /// Calls the application with every level of the lock released. What was read before must be looked at again
-/// after.
+/// after. What the application throws is reported as a fault and counts as a default answer: it may come on
+/// the thread that draws, which nobody else guards.
 template <class F>
-decltype(auto) callOut(F&& call) {
+std::invoke_result_t<F> callOut(F&& call) {
     const SceneLock::Release release;
     SceneLock::requireReleased("the application was called with the scene lock held");
-    return std::forward<F>(call)();
+    try {
+        return std::forward<F>(call)();
+    } catch (...) {
+        reportCallerFault("the application threw an exception into a call of the engine's");
+    }
+    return std::invoke_result_t<F>();
 }
 
 } // namespace trelmix
