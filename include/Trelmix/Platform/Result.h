@@ -16,11 +16,7 @@ public:
     /// Success.
     Result(T value) : _value(std::move(value)) {}
     /// Failure. @param reason one line: what is wrong, and where
-    static Result failure(std::string reason) {
-        Result result;
-        result._reason = std::move(reason);
-        return result;
-    }
+    static Result failure(std::string reason) { return Result(Reason{std::move(reason)}); }
 
     /// True when there is a value.
     explicit operator bool() const { return _value.has_value(); }
@@ -33,7 +29,12 @@ public:
     const std::string& reason() const { return _reason; }
 
 private:
-    Result() = default;
+    /// A type of its own: T may be a string.
+    struct Reason {
+        std::string text;
+    };
+    explicit Result(Reason reason) : _reason(std::move(reason.text)) {}
+
     std::optional<T> _value;
     std::string _reason;
 };
