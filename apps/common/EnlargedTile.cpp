@@ -66,7 +66,8 @@ private:
 
     /// Empty too when it is of another size, whose pixels do not continue ours.
     const UIImage* neighbour(int east, int south) {
-        Neighbour& found = _neighbours[static_cast<std::size_t>((south + 1) * 3 + east + 1)];
+        Neighbour& found =
+            _neighbours[static_cast<std::size_t>(south + 1) * 3 + static_cast<std::size_t>(east + 1)];
         if (!found.isKnown) {
             found = {true, _beside(east, south)};
             if (found.picture && (found.picture->pixelWidth() != _picture.pixelWidth() ||
@@ -112,7 +113,9 @@ std::vector<std::uint8_t> enlarged(const std::vector<std::uint8_t>& old, const s
                 const auto mix = [](float a, float b, float share) { return a + (b - a) * share; };
                 const float top = mix(upper[channel], upper[channel + kPixelBytes], x.share);
                 const float bottom = mix(lower[channel], lower[channel + kPixelBytes], x.share);
-                *out++ = static_cast<std::uint8_t>(mix(top, bottom, y.share) + 0.5F);
+                // The cast cuts off; a function that rounds would take most of the time here.
+                const float between = mix(top, bottom, y.share) + 0.5F;
+                *out++ = static_cast<std::uint8_t>(between);
             }
         }
     }

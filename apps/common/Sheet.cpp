@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <utility>
 
 namespace trelmix::apps {
 
@@ -78,12 +79,13 @@ std::vector<std::string> Sheet::brokenIntoLines(const std::string& text, double 
     for (std::size_t start = 0; start < text.size();) {
         const std::size_t end = std::min(text.find(' ', start), text.size());
         const std::string word = text.substr(start, end - start);
-        const std::string longer = line.empty() ? word : line + " " + word;
+        std::string longer = line;
+        longer.append(line.empty() ? "" : " ").append(word);
         if (!line.empty() && widthOf(longer) > maximumWidth) {
             lines.push_back(line);
             line = word;
         } else {
-            line = longer;
+            line = std::move(longer);
         }
         start = end + 1;
     }

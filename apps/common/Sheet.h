@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-// As cairo.h declares them.
-using cairo_t = struct _cairo;
-using cairo_surface_t = struct _cairo_surface;
+// As cairo.h declares them, which only those need who draw.
+using cairo_t = struct _cairo;                 // NOLINT(bugprone-reserved-identifier)
+using cairo_surface_t = struct _cairo_surface; // NOLINT(bugprone-reserved-identifier)
 
 namespace trelmix::apps {
 

@@ -27,6 +27,7 @@ ExitCode view(const char* ownPath, const std::vector<std::string>& arguments) {
     std::vector<std::string> texts = arguments;
     texts.insert(texts.begin(), kWindowProgram);
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (auto& text : texts) {
         pointers.push_back(text.data());
     }

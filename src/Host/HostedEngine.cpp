@@ -3,11 +3,12 @@
 #include "Platform/Foundation/SceneLock.h"
 
 #include <cmath>
+#include <utility>
 
 namespace trelmix {
 
-Result<HostedEngine> HostedEngine::adopt(const std::shared_ptr<TrelmixMapEngine>& engine) {
-    auto own = std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(engine);
+Result<HostedEngine> HostedEngine::adopt(std::shared_ptr<TrelmixMapEngine> engine) {
+    auto own = std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(std::move(engine));
     if (!own) {
         return Result<HostedEngine>::failure("the host needs an engine made by TrelmixMapEngineFactory");
     }

@@ -15,7 +15,7 @@ public:
     static constexpr double kLargestSide = 16384;
 
     /// Fails when there is no engine, or one of a foreign kind.
-    static Result<HostedEngine> adopt(const std::shared_ptr<TrelmixMapEngine>& engine);
+    static Result<HostedEngine> adopt(std::shared_ptr<TrelmixMapEngine> engine);
 
     /// Points, and pixels per point. Empty when it went well, else why it did not: a size that is not finite,
     /// not positive or beyond the largest.

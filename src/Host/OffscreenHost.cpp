@@ -85,7 +85,7 @@ OffscreenHost::~OffscreenHost() = default;
 Result<std::unique_ptr<OffscreenHost>> OffscreenHost::make(std::shared_ptr<TrelmixMapEngine> engine,
                                                            Options options) {
     using HostResult = Result<std::unique_ptr<OffscreenHost>>;
-    auto hosted = HostedEngine::adopt(engine);
+    auto hosted = HostedEngine::adopt(std::move(engine));
     if (!hosted) {
         return HostResult::failure(hosted.reason());
     }

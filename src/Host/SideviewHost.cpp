@@ -95,7 +95,7 @@ SideviewHost::~SideviewHost() = default;
 Result<std::unique_ptr<SideviewHost>> SideviewHost::make(std::shared_ptr<TMXSideviewScrollView> sideview,
                                                          double width, double height, double scale) {
     using Made = Result<std::unique_ptr<SideviewHost>>;
-    auto own = std::dynamic_pointer_cast<SideviewScrollView>(sideview);
+    auto own = std::dynamic_pointer_cast<SideviewScrollView>(std::move(sideview));
     if (!own || own->superview()) {
         return Made::failure("the host needs a side view made by TMXSideviewScrollView that lies in no "
                              "other view");

@@ -237,7 +237,7 @@ ViewHost::~ViewHost() = default;
 Result<std::unique_ptr<ViewHost>> ViewHost::make(std::shared_ptr<TrelmixMapEngine> engine, Layout layout,
                                                  Options options) {
     using HostResult = Result<std::unique_ptr<ViewHost>>;
-    auto hosted = HostedEngine::adopt(engine);
+    auto hosted = HostedEngine::adopt(std::move(engine));
     if (!hosted) {
         return HostResult::failure(hosted.reason());
     }

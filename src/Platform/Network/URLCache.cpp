@@ -19,7 +19,7 @@ CachedBody URLCache::cachedBody(const URL& url) {
     return body;
 }
 
-void URLCache::store(const URL& url, CachedBody body) {
+void URLCache::store(const URL& url, const CachedBody& body) {
     if (body) {
         _memory.insert(url.string(), body);
         _disk.store(url.string(), *body);

@@ -32,7 +32,7 @@ public:
 
     /// The body that was stored for the address; empty when there is none.
     CachedBody cachedBody(const URL& url);
-    void store(const URL& url, CachedBody body);
+    void store(const URL& url, const CachedBody& body);
 
 private:
     MemoryCache _memory;

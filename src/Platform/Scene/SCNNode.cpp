@@ -117,7 +117,7 @@ void SCNNode::removeFromParentNode() {
     removeAllActions();
 }
 
-void SCNNode::runAction(std::shared_ptr<const SCNAction> action, std::function<void()> completion) {
+void SCNNode::runAction(const std::shared_ptr<const SCNAction>& action, std::function<void()> completion) {
     if (!action) {
         return;
     }

@@ -80,7 +80,8 @@ public:
     /// Starts at the time of the call and advances with the frames; `completion` runs on the main queue when
     /// it has ended, and never when it is cancelled. An action that moves, turns or scales replaces the
     /// running one of the same kind. On a node outside every scene it takes effect at once.
-    void runAction(std::shared_ptr<const SCNAction> action, std::function<void()> completion = nullptr);
+    void runAction(const std::shared_ptr<const SCNAction>& action,
+                   std::function<void()> completion = nullptr);
     /// Cancels all; the presented values become the model's.
     void removeAllActions();
     bool hasActions() const { return !_runs.empty(); }
