@@ -198,7 +198,10 @@ private:
         _uploadsLeft = report->uploadsLeft;
         const int windowHeight = pixels(layout.window.height);
         const int bottom = windowHeight - pixels(layout.map.origin.y) - height;
-        _renderer->blitTo(guard.framebuffer(), pixels(layout.map.origin.x), bottom, width, height);
+        _failure = _renderer->blitTo(guard.framebuffer(), pixels(layout.map.origin.x), bottom, width, height);
+        if (!_failure.empty()) {
+            return false;
+        }
         std::vector<OverlayQuad> quads;
         for (const OverlayImage& overlay : overlays) {
             const CGRect& r = overlay.frame;

@@ -78,6 +78,9 @@ std::uint16_t narrowedColor(float value) {
 DiscPainter::DiscPainter(std::shared_ptr<GLGraveyard> graveyard) : _slots(std::move(graveyard)) {}
 
 std::string DiscPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard, bool hasDerivatives) {
+    if (_program) {
+        return {};
+    }
     const GLAttribute attributes[] = {{0, "a_centre"}, {1, "a_diagonal"}, {2, "a_corner"}, {3, "a_color"}};
     std::string fragment = kFragmentShader;
     if (hasDerivatives) {

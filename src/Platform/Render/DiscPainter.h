@@ -27,8 +27,8 @@ public:
     using Slots = SlotBuffer<Vertex>;
 
     explicit DiscPainter(std::shared_ptr<GLGraveyard> graveyard);
-    /// Compiles the shaders; empty when it went well. Without derivatives edges of tilted discs are less
-    /// even.
+    /// Compiles the shaders, once; empty when it went well. Without derivatives edges of tilted discs are
+    /// less even.
     std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard, bool hasDerivatives);
 
     Slots& slots() { return _slots; }

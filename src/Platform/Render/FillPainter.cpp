@@ -42,6 +42,9 @@ std::array<float, 4> paintOf(const DrawItem& item) {
 FillPainter::FillPainter(std::shared_ptr<GLGraveyard> graveyard) : _graveyard(std::move(graveyard)) {}
 
 std::string FillPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard) {
+    if (_program.program) {
+        return {};
+    }
     const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_color"}};
     auto linked = linkProgram(graveyard, kVertexShader, kFragmentShader, attributes);
     if (!linked) {

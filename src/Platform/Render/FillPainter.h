@@ -21,7 +21,7 @@ public:
     static constexpr std::size_t kLargestShared = 4096;
 
     explicit FillPainter(std::shared_ptr<GLGraveyard> graveyard);
-    /// Compiles the shaders; empty when it went well.
+    /// Compiles the shaders, once; empty when it went well.
     std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard);
 
     /// Writes the shared fills of a list anew; returns the bytes.

@@ -28,20 +28,7 @@ void main() {
 }
 )";
 
-std::string tinted(std::string source) {
-    return source.insert(source.find('\n') + 1, "#define TINTED\n");
-}
-
-/// The same expression for the same fractions, so that parts that meet share their corners to the last bit.
-Vector3d between(const std::array<Vector3d, 4>& corners, double right, double down) {
-    const Vector3d top = corners[0] * (1 - right) + corners[1] * right;
-    const Vector3d bottom = corners[2] * (1 - right) + corners[3] * right;
-    return top * (1 - down) + bottom * down;
-}
-
-} // namespace
-
-const char* const ImagePainter::kFragmentShader = R"(#version 100
+constexpr const char* kFragmentShader = R"(#version 100
 #ifdef GL_FRAGMENT_PRECISION_HIGH
 precision highp float;
 #else
@@ -60,22 +47,36 @@ void main() {
 }
 )";
 
+std::string tinted(std::string source) {
+    return source.insert(source.find('\n') + 1, "#define TINTED\n");
+}
+
+/// The same expression for the same fractions, so that parts that meet share their corners to the last bit.
+Vector3d between(const std::array<Vector3d, 4>& corners, double right, double down) {
+    const Vector3d top = corners[0] * (1 - right) + corners[1] * right;
+    const Vector3d bottom = corners[2] * (1 - right) + corners[3] * right;
+    return top * (1 - down) + bottom * down;
+}
+
+} // namespace
+
 ImagePainter::ImagePainter(std::shared_ptr<GLGraveyard> graveyard) : _slots(std::move(graveyard)) {}
 
-std::string ImagePainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard) {
-    const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}, {2, "a_opacity"}};
-    for (Program* program : {&_plain, &_tinted}) {
-        const bool isTinted = program == &_tinted;
-        auto linked = linkProgram(graveyard, isTinted ? tinted(kVertexShader) : kVertexShader,
-                                  isTinted ? tinted(kFragmentShader) : kFragmentShader, attributes);
-        if (!linked) {
-            return linked.reason();
-        }
-        program->program = std::move(*linked);
-        program->matrix = glGetUniformLocation(program->program.name(), "u_matrix");
-        glUseProgram(program->program.name());
-        glUniform1i(glGetUniformLocation(program->program.name(), "u_image"), 0);
+std::string ImagePainter::prepare(bool isTinted, const std::shared_ptr<GLGraveyard>& graveyard) {
+    Program& program = isTinted ? _tinted : _plain;
+    if (program.program) {
+        return {};
     }
+    const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}, {2, "a_opacity"}};
+    auto linked = linkProgram(graveyard, isTinted ? tinted(kVertexShader) : kVertexShader,
+                              isTinted ? tinted(kFragmentShader) : kFragmentShader, attributes);
+    if (!linked) {
+        return linked.reason();
+    }
+    program.program = std::move(*linked);
+    program.matrix = glGetUniformLocation(program.program.name(), "u_matrix");
+    glUseProgram(program.program.name());
+    glUniform1i(glGetUniformLocation(program.program.name(), "u_image"), 0);
     return {};
 }
 
@@ -142,7 +143,15 @@ void ImagePainter::use(bool isTinted, const FrameView& view, VertexArrays& array
     _slots.bind();
 }
 
-void ImagePainter::pointAt(std::uint32_t chunk) const {
+void ImagePainter::useUpright(VertexArrays& arrays) {
+    constexpr GLfloat kIdentity[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    glUseProgram(_plain.program.name());
+    glUniformMatrix4fv(_plain.matrix, 1, GL_FALSE, kIdentity);
+    _plain.isCurrent = false;
+    arrays.enable(0x3);
+}
+
+void ImagePainter::pointAt(std::uint32_t chunk) {
     const std::size_t base = std::size_t{chunk} * QuadIndices::kChunk * 4 * sizeof(Vertex);
     constexpr GLsizei stride = sizeof(Vertex);
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, bufferOffset(base + offsetof(Vertex, position)));

@@ -20,21 +20,22 @@ public:
         float opacity;
     };
     using Slots = SlotBuffer<Vertex>;
-    /// A texel of `u_image` at `v_place`; with TINTED defined, times `v_opacity`.
-    static const char* const kFragmentShader;
 
     explicit ImagePainter(std::shared_ptr<GLGraveyard> graveyard);
-    /// Compiles the shaders; empty when it went well.
-    std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard);
+    /// Compiles the shaders of one of the two programs, once; empty when it went well.
+    std::string prepare(bool isTinted, const std::shared_ptr<GLGraveyard>& graveyard);
 
     Slots& slots() { return _slots; }
     const Slots& slots() const { return _slots; }
     /// Writes the item's quads, which it is given when it has none yet.
     void write(Placement& placement, const FrameView& view);
 
-    /// Makes one of the two programs current: the one for images of full opacity costs less.
+    /// Makes one of the two programs current, which is prepared: the one for images of full opacity costs
+    /// less.
     void use(bool isTinted, const FrameView& view, VertexArrays& arrays);
-    void pointAt(std::uint32_t chunk) const;
+    /// The same for quads of the caller's in clip coordinates, whose buffer is to be bound.
+    void useUpright(VertexArrays& arrays);
+    static void pointAt(std::uint32_t chunk);
     /// The matrix has to be given again.
     void startFrame() { _plain.isCurrent = _tinted.isCurrent = false; }
 

@@ -1,48 +1,23 @@
 #include "Platform/Render/OverlayPainter.h"
 
-#include "Platform/Render/ImagePainter.h"
-
-#include "Platform/Render/GLShader.h"
-
 namespace trelmix {
 
-namespace {
-
-constexpr const char* kVertexShader = R"(#version 100
-attribute vec2 a_position;
-attribute vec2 a_place;
-varying vec2 v_place;
-void main() {
-    gl_Position = vec4(a_position, 0.0, 1.0);
-    v_place = a_place;
-}
-)";
-
-} // namespace
-
 std::string OverlayPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard) {
-    const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}};
-    auto linked = linkProgram(graveyard, kVertexShader, ImagePainter::kFragmentShader, attributes);
-    if (!linked) {
-        return linked.reason();
+    if (!_vertices) {
+        _vertices = GLBuffer::make(graveyard);
     }
-    _program = std::move(*linked);
-    glUseProgram(_program.name());
-    glUniform1i(glGetUniformLocation(_program.name(), "u_image"), 0);
-    _vertices = GLBuffer::make(graveyard);
-    return {};
+    return _images.prepare(false, graveyard);
 }
 
 void OverlayPainter::draw(const Rectangle& r, GLuint texture, VertexArrays& arrays) {
-    const float corners[] = {r.left,  r.top, r.s0, r.t0, r.left,  r.bottom, r.s0, r.t1,
-                             r.right, r.top, r.s1, r.t0, r.right, r.bottom, r.s1, r.t1};
-    glUseProgram(_program.name());
+    const ImagePainter::Vertex corners[] = {{{r.left, r.top, 0}, {r.s0, r.t0}, 1},
+                                            {{r.left, r.bottom, 0}, {r.s0, r.t1}, 1},
+                                            {{r.right, r.top, 0}, {r.s1, r.t0}, 1},
+                                            {{r.right, r.bottom, 0}, {r.s1, r.t1}, 1}};
+    _images.useUpright(arrays);
     glBindBuffer(GL_ARRAY_BUFFER, _vertices.name());
     glBufferData(GL_ARRAY_BUFFER, sizeof(corners), corners, GL_STREAM_DRAW);
-    arrays.enable(0x3);
-    constexpr GLsizei stride = 4 * sizeof(float);
-    glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, stride, bufferOffset(0));
-    glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, stride, bufferOffset(2 * sizeof(float)));
+    ImagePainter::pointAt(0);
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_2D, texture);
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);

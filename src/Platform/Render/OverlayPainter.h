@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Render/GLObjects.h"
+#include "Platform/Render/ImagePainter.h"
 #include "Platform/Render/TextureStore.h"
 #include "Platform/Render/VertexArrays.h"
 
@@ -11,7 +12,8 @@
 
 namespace trelmix {
 
-/// Draws textures upright on rectangles of the bound framebuffer.
+/// Draws textures upright on rectangles of the bound framebuffer, by the program and the layout of the
+/// scene's images: the driver has compiled those already.
 class OverlayPainter {
 public:
     /// A rectangle in clip coordinates and what it shows in texture coordinates, corner to corner.
@@ -20,7 +22,8 @@ public:
         float s0, t0, s1, t1;
     };
 
-    /// Compiles the shaders; empty when it went well.
+    explicit OverlayPainter(ImagePainter& images) : _images(images) {}
+    /// Compiles the shaders, once; empty when it went well.
     std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard);
     void draw(const Rectangle& rectangle, GLuint texture, VertexArrays& arrays);
     /// Draws the parts of an image on a rectangle of a framebuffer of this size in pixels; `rowsRunDown` when
@@ -29,7 +32,7 @@ public:
               VertexArrays& arrays);
 
 private:
-    GLProgram _program;
+    ImagePainter& _images;
     GLBuffer _vertices;
 };
 

@@ -16,9 +16,10 @@ struct Renderer::Parts {
           stores(capabilities, graveyard, TextureLimits::of(capabilities, options.maximumTextureSize)),
           plan(stores) {}
 
-    std::string prepare();
+    std::string prepare(const std::vector<DrawRun>& runs);
+    std::string prepare(const DrawRun& run);
     void setState();
-    void paint(const DrawFrame& frame, FrameReport& report);
+    std::string paint(const DrawFrame& frame, FrameReport& report);
     void paintScene(const std::vector<DrawRun>& runs, FrameReport& report);
     void paintImages(const DrawRun& run);
     void fade(const UIColor& background, double alpha);
@@ -27,12 +28,11 @@ struct Renderer::Parts {
     std::shared_ptr<GLGraveyard> graveyard;
     Options options;
     bool hasDerivatives;
-    bool isPrepared = false;
     FrameTarget target;
     FrameView view;
     RenderStores stores;
     DrawPlan plan;
-    OverlayPainter overlays;
+    OverlayPainter overlays{stores.images};
     VertexArrays arrays;
 };
 
@@ -75,30 +75,36 @@ Result<FrameReport> Renderer::draw(const DrawFrame& frame, int pixelWidth, int p
     Parts& parts = *_parts;
     parts.graveyard->deleteObjects();
     parts.setState();
-    if (const std::string reason = parts.prepare(); !reason.empty()) {
-        return Result<FrameReport>::failure("the renderer's shaders: " + reason);
-    }
-    const std::string reason = parts.target.resize(pixelWidth, pixelHeight, parts.options.samples);
-    if (!reason.empty()) {
-        return Result<FrameReport>::failure(reason);
-    }
+    std::string reason = parts.target.resize(pixelWidth, pixelHeight, parts.options.samples);
     FrameReport report;
-    parts.paint(frame, report);
-    return report;
+    if (reason.empty()) {
+        reason = parts.paint(frame, report);
+    }
+    return reason.empty() ? Result(report) : Result<FrameReport>::failure(std::move(reason));
 }
 
-std::string Renderer::Parts::prepare() {
-    if (isPrepared) {
-        return {};
-    }
-    for (const std::string& reason :
-         {stores.images.prepare(graveyard), stores.discs.prepare(graveyard, hasDerivatives),
-          stores.fills.prepare(graveyard), overlays.prepare(graveyard)}) {
-        if (!reason.empty()) {
-            return reason;
+/// Shaders are made when they are first needed: the first picture waits for no others.
+std::string Renderer::Parts::prepare(const std::vector<DrawRun>& runs) {
+    for (const DrawRun& run : runs) {
+        if (const std::string reason = prepare(run); !reason.empty()) {
+            return "the renderer's shaders: " + reason;
         }
     }
-    isPrepared = true;
+    return {};
+}
+
+std::string Renderer::Parts::prepare(const DrawRun& run) {
+    switch (run.kind) {
+    case DrawRun::Kind::images:
+        return stores.images.prepare(run.isTinted, graveyard);
+    case DrawRun::Kind::discs:
+        return stores.discs.prepare(graveyard, hasDerivatives);
+    case DrawRun::Kind::sharedFills:
+    case DrawRun::Kind::largeFill:
+        return stores.fills.prepare(graveyard);
+    case DrawRun::Kind::program:
+        break; // its store has linked it
+    }
     return {};
 }
 
@@ -124,7 +130,7 @@ void Renderer::Parts::setState() {
     arrays.reset();
 }
 
-void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
+std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
     const std::size_t before = stores.atlas.uploadedBytes();
     const std::size_t meshesBefore = stores.meshes.uploadedBytes();
     const bool originMoved = view.update(frame.camera, target.width(), target.height());
@@ -138,6 +144,9 @@ void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
     const auto& runs = plan.makeRuns(view);
     report.rewrittenBytes +=
         stores.images.slots().upload() + stores.discs.slots().upload() + stores.indices.upload();
+    if (std::string reason = prepare(runs); !reason.empty()) {
+        return reason;
+    }
     target.bindForDrawing();
     clear(frame.background);
     if (isVisible) {
@@ -147,6 +156,7 @@ void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
         }
     }
     target.resolve();
+    return {};
 }
 
 void Renderer::Parts::paintScene(const std::vector<DrawRun>& runs, FrameReport& report) {
@@ -201,6 +211,9 @@ void Renderer::Parts::paintImages(const DrawRun& run) {
 }
 
 void Renderer::Parts::fade(const UIColor& background, double alpha) {
+    if (!overlays.prepare(graveyard).empty()) {
+        return;
+    }
     // Over what was drawn, the bare background by the rest: an image of one pixel is all that takes.
     const UIColor c = background.limited();
     const auto byte = [&](double component) {
@@ -257,10 +270,10 @@ void Renderer::drawImagesTo(unsigned framebuffer, int width, int height, std::sp
 void Renderer::Parts::drawOverlays(std::span<const OverlayQuad> quads, int width, int height,
                                    bool rowsRunDown) {
     setState();
-    if (!prepare().empty()) {
+    stores.textures.dropDeadOverlays();
+    if (!overlays.prepare(graveyard).empty()) {
         return;
     }
-    stores.textures.dropDeadOverlays();
     glEnable(GL_BLEND);
     for (const OverlayQuad& quad : quads) {
         if (isUsable(quad)) {
@@ -271,16 +284,20 @@ void Renderer::Parts::drawOverlays(std::span<const OverlayQuad> quads, int width
     glDisable(GL_BLEND);
 }
 
-void Renderer::blitTo(unsigned framebuffer, int x, int y, int width, int height) {
+std::string Renderer::blitTo(unsigned framebuffer, int x, int y, int width, int height) {
     Parts& parts = *_parts;
     if (parts.target.isEmpty() || width <= 0 || height <= 0) {
-        return;
+        return {};
     }
     parts.setState();
+    if (const std::string reason = parts.overlays.prepare(parts.graveyard); !reason.empty()) {
+        return "the renderer's shaders: " + reason;
+    }
     glDisable(GL_BLEND);
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
     glViewport(x, y, width, height);
     parts.overlays.draw({-1, 1, 1, -1, 0, 0, 1, 1}, parts.target.texture(), parts.arrays);
+    return {};
 }
 
 std::size_t Renderer::textureBytes() const {

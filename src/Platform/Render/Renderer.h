@@ -12,6 +12,7 @@
 #include <limits>
 #include <memory>
 #include <span>
+#include <string>
 
 namespace trelmix {
 
@@ -68,8 +69,8 @@ public:
     void drawImages(std::span<const OverlayQuad> quads);
 
     /// Draws the picture into a framebuffer of the context (0: the window's), whose lower left corner is its
-    /// origin; replaces what was there.
-    void blitTo(unsigned framebuffer, int x, int y, int width, int height);
+    /// origin; replaces what was there. Empty when it went well.
+    std::string blitTo(unsigned framebuffer, int x, int y, int width, int height);
     /// As `drawImages`, into a framebuffer of the context that has `width` x `height` pixels.
     void drawImagesTo(unsigned framebuffer, int width, int height, std::span<const OverlayQuad> quads);
 
