@@ -73,12 +73,13 @@ struct Walk {
     int frames = 0;
 };
 
-ViewHost::Drawing step(Window& window) {
+/// True when nothing happened.
+bool step(Window& window) {
     Clock::set(Clock::now() + 0.1);
-    const bool anything = window.host().pump();
+    const bool ranAny = window.host().pump();
     const auto drawing = window.host().drawFrame(false);
     window.host().waitForWork(0.002);
-    return anything ? ViewHost::Drawing::drawn : drawing;
+    return !ranAny && drawing == ViewHost::Drawing::unchanged;
 }
 
 /// Until nothing has moved for a while; five seconds are long enough for every tile in view.
@@ -87,7 +88,7 @@ int rest(Window& window) {
     const double start = seconds();
     int frames = 0;
     for (int quiet = 0; quiet < kQuiet && seconds() - start < 5; ++frames) {
-        quiet = step(window) == ViewHost::Drawing::unchanged ? quiet + 1 : 0;
+        quiet = step(window) ? quiet + 1 : 0;
     }
     return frames;
 }

@@ -15,7 +15,10 @@ constexpr std::size_t kRememberedAncestors = 16;
 TileSource::TileSource(std::unique_ptr<TileStore> store) : _store(std::move(store)) {}
 
 std::shared_ptr<const UIImage> TileSource::imageFor(const TileIndex& tile) const {
-    for (std::int64_t levels = 0; isInWorld(tile) && levels <= tile.zoom; ++levels) {
+    if (!isInWorld(tile)) {
+        return nullptr;
+    }
+    for (std::int64_t levels = 0; levels <= tile.zoom; ++levels) {
         const TileIndex ancestor{tile.x >> levels, tile.y >> levels, tile.zoom - levels};
         std::string fault;
         auto image = levels > 0 ? loadAncestor(ancestor, fault) : load(ancestor, fault);

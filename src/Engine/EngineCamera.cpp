@@ -173,10 +173,10 @@ void TrelmixMapEngineSceneView::informDelegateAboutIdle() {
 void TrelmixMapEngineSceneView::reportIdleToDelegate() {
     const auto record = camera();
     if (const auto delegate = _delegate.lock(); delegate && record) {
-        delegate->mapViewDidChangeCamera(record);
+        callOut([&] { delegate->mapViewDidChangeCamera(record); });
     }
     if (const auto delegate = _delegate.lock(); delegate && record) {
-        delegate->mapViewIdleAtCamera(record);
+        callOut([&] { delegate->mapViewIdleAtCamera(record); });
     }
 }
 

@@ -1,5 +1,7 @@
 #include <Trelmix/TrelmixMapEngineDelegateGroup.h>
 
+#include "Platform/Foundation/CallerFault.h"
+
 #include <algorithm>
 
 namespace trelmix {
@@ -70,7 +72,9 @@ bool TrelmixMapEngineDelegateGroup::untilOne(F&& hear) {
                 member = weak.lock();
             }
         }
-        if (member && hear(*member)) {
+        // One that throws must not keep the call from those after it.
+        if (member &&
+            guarded("a member of a delegate group threw an exception", [&] { return hear(*member); })) {
             return true;
         }
     }

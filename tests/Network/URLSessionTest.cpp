@@ -1,4 +1,4 @@
-#include "Platform/Network/URLSession.h"
+#include "Network/SessionCalls.h"
 
 #include "Apps/ScratchFolder.h"
 #include "support/TileServer.h"
@@ -13,27 +13,13 @@ namespace {
 
 using End = TileReply::End;
 
-const std::string kBody = "the body of an answer";
-
-URLSession::Settings quickSettings() {
-    return {"Test/1 (somebody@example.org)", "", 1 << 20, {0.01, 0.05}};
-}
-
-std::string text(const URLSession::Answer& answer) {
-    return answer ? std::string(reinterpret_cast<const char*>(answer->data()), answer->size())
-                  : "failed: " + answer.reason();
-}
-
 /// A server with one way to reply, and a session.
 struct Talk {
     explicit Talk(TileServer::Handler handler, URLSession::Settings settings = quickSettings())
         : server(std::move(handler)), session(std::move(settings)) {}
 
     std::future<URLSession::Answer> begin(const std::string& url, double timeout = 10) {
-        auto promise = std::make_shared<std::promise<URLSession::Answer>>();
-        session.load({URL::fromString(url).value(), timeout},
-                     [promise](URLSession::Answer answer) { promise->set_value(std::move(answer)); });
-        return promise->get_future();
+        return trelmix::begin(session, url, timeout);
     }
     URLSession::Answer load(const std::string& path, double timeout = 10) {
         return begin(server.address() + path, timeout).get();

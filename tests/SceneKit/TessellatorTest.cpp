@@ -185,6 +185,13 @@ TEST(Tessellator, degenerateOutlinesEncloseNothingAndHopelessOnesAreLeftOut) {
     const Points repeated{{0, 0}, {0, 0}, {9, 0}, {9, 0}, {9, 9}, {9, 9}, {4, 9}, {0, 9}, {0, 0}, {0, 0}};
     EXPECT_NEAR(filledArea(tessellate(pathOf({repeated}))), 81, 1e-4);
     EXPECT_EQ(tessellate(pathOf({star(20001, 10000, 1e5)})), nullptr); // 2e8 crossings
+    Points ragged;
+    for (int i = 0; i < 400000; ++i) {
+        const double angle = kTurn * i / 400000;
+        const double radius = i % 2 == 0 ? 1e5 : 1e5 + 10;
+        ragged.push_back({radius * std::cos(angle), radius * std::sin(angle)});
+    }
+    EXPECT_EQ(tessellate(pathOf({ragged})), nullptr); // would take minutes
 }
 
 } // namespace

@@ -1,8 +1,11 @@
+#include "Platform/Foundation/CallerFault.h"
 #include "support/DelegateLog.h"
 
 #include <Trelmix/TrelmixMapEngineDelegateGroup.h>
 
 #include <gtest/gtest.h>
+
+#include <stdexcept>
 
 namespace trelmix {
 namespace {
@@ -75,6 +78,14 @@ TEST_F(DelegateGroup, groupsMayNestButNotInCircles) {
     outermost->mapViewIdleAtCamera(nullptr);
     group->mapViewIdleAtCamera(nullptr);
     EXPECT_EQ(first->count("idle"), 2U);
+}
+
+TEST_F(DelegateGroup, aMemberThatThrowsDoesNotKeepTheCallFromTheOthers) {
+    setCallerFaultHandler([](const char*) {});
+    first->onIdle = [] { throw std::runtime_error("no"); };
+    group->mapViewIdleAtCamera(nullptr);
+    EXPECT_EQ(second->count("idle"), 1U);
+    setCallerFaultHandler(nullptr);
 }
 
 TEST_F(DelegateGroup, membersMayComeAndGoInsideACall) {

@@ -63,11 +63,7 @@ Loop& loop() {
 }
 
 void execute(const Block& block) {
-    try {
-        block();
-    } catch (...) {
-        reportCallerFault("a block of the main queue threw an exception");
-    }
+    guarded("a block of the main queue threw an exception", block);
 }
 
 bool runQueuedBlocks(Loop& main) {

@@ -2,7 +2,6 @@
 
 #include "Platform/Foundation/CallerFault.h"
 
-#include <type_traits>
 #include <utility>
 
 namespace trelmix {
@@ -38,18 +37,12 @@ public:
 };
 
 /// Calls the application with every level of the lock released. What was read before must be looked at again
-/// after. What the application throws is reported as a fault and counts as a default answer: it may come on
-/// the thread that draws, which nobody else guards.
+/// after. Guarded, as it may be on the thread that draws, where an exception would end the process.
 template <class F>
 std::invoke_result_t<F> callOut(F&& call) {
     const SceneLock::Release release;
     SceneLock::requireReleased("the application was called with the scene lock held");
-    try {
-        return std::forward<F>(call)();
-    } catch (...) {
-        reportCallerFault("the application threw an exception into a call of the engine's");
-    }
-    return std::invoke_result_t<F>();
+    return guarded("the application threw an exception into a call of the engine's", std::forward<F>(call));
 }
 
 } // namespace trelmix

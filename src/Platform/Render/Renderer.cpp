@@ -38,6 +38,8 @@ struct Renderer::Parts {
 
 namespace {
 
+constexpr const char* kShaders = "the renderer's shaders: ";
+
 bool isUsable(const OverlayQuad& quad) {
     const CGRect& r = quad.pixels;
     return quad.image && std::isfinite(r.origin.x) && std::isfinite(r.origin.y) &&
@@ -87,7 +89,7 @@ Result<FrameReport> Renderer::draw(const DrawFrame& frame, int pixelWidth, int p
 std::string Renderer::Parts::prepare(const std::vector<DrawRun>& runs) {
     for (const DrawRun& run : runs) {
         if (const std::string reason = prepare(run); !reason.empty()) {
-            return "the renderer's shaders: " + reason;
+            return kShaders + reason;
         }
     }
     return {};
@@ -291,7 +293,7 @@ std::string Renderer::blitTo(unsigned framebuffer, int x, int y, int width, int 
     }
     parts.setState();
     if (const std::string reason = parts.overlays.prepare(parts.graveyard); !reason.empty()) {
-        return "the renderer's shaders: " + reason;
+        return kShaders + reason;
     }
     glDisable(GL_BLEND);
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);

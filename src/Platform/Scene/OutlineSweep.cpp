@@ -16,6 +16,9 @@ constexpr double kMostPairs = 5e8;
 /// it joins): a second or two of the library, in which no picture can be drawn.
 constexpr double kMostSearching = 1e7;
 constexpr double kMostRelabelling = 1.5e7;
+/// Corners at which the sweep begins something new, times all edges (each of them relabels a loop too, a
+/// cheaper one): up to ten seconds, for a hundred thousand corners of a ragged coast.
+constexpr double kMostStarting = 3e9;
 
 struct Edge {
     OutlineCorner left;
@@ -33,6 +36,20 @@ std::vector<Edge> edgesOf(const std::vector<Outline>& outlines) {
     }
     std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.left[0] < b.left[0]; });
     return edges;
+}
+
+/// How many corners have both their edges after them, in the sweep's order: by x, then by y.
+double startCount(const std::vector<Outline>& outlines) {
+    double starts = 0;
+    for (const Outline& outline : outlines) {
+        const OutlineCorner* before = &outline.back();
+        for (std::size_t i = 0; i < outline.size(); ++i) {
+            const OutlineCorner& after = outline[i + 1 < outline.size() ? i + 1 : 0];
+            starts += outline[i] < *before && outline[i] < after ? 1 : 0;
+            before = &outline[i];
+        }
+    }
+    return starts;
 }
 
 /// How many pairs of edges share an x.
@@ -106,11 +123,14 @@ Turn OutlineSweep::bestTurn(const std::vector<Outline>& outlines) {
 
 bool OutlineSweep::isAffordable(const std::vector<Outline>& outlines) {
     const std::vector<Edge> edges = edgesOf(outlines);
+    const auto count = static_cast<double>(edges.size());
+    if (startCount(outlines) * count > kMostStarting) {
+        return false;
+    }
     const double pairs = pairCount(edges);
     if (pairs <= kFewPairs) {
         return true;
     }
-    const auto count = static_cast<double>(edges.size());
     const double edgesAbove = std::max(1.0, pairs / count);
     return pairs <= kMostPairs &&
            hasFewCrossings(edges, std::min(kMostSearching / edgesAbove, kMostRelabelling / count));

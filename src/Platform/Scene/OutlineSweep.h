@@ -26,7 +26,7 @@ class OutlineSweep {
 public:
     /// The turn after which most edges stand across the sweep; none where it would not matter.
     static Turn bestTurn(const std::vector<Outline>& outlines);
-    /// False when the sweep would take more than a second or two.
+    /// False when the sweep would take more than some seconds; for edges that cross, more than one or two.
     static bool isAffordable(const std::vector<Outline>& outlines);
 };
 

@@ -236,11 +236,7 @@ bool GestureArbiter::sendActions() {
         // A target may add targets.
         const std::vector<UIGestureRecognizer::Action> actions = recognizer->_actions;
         for (const UIGestureRecognizer::Action& action : actions) {
-            try {
-                action(*recognizer);
-            } catch (...) {
-                reportCallerFault("a gesture's action threw an exception");
-            }
+            guarded("a gesture's action threw an exception", [&] { action(*recognizer); });
         }
     }
     return isAnySent;

@@ -93,11 +93,7 @@ void TouchDispatcher::State::run(std::function<void(State&)> event) {
         const std::function<void(State&)> next = std::move(_queue.front());
         _queue.pop_front();
         // An exception of a delegate must not leave the queue closed for all that follows.
-        try {
-            next(*this);
-        } catch (...) {
-            reportCallerFault("a touch event threw an exception");
-        }
+        guarded("a touch event threw an exception", [&] { next(*this); });
     }
     _isRunning = false;
     scheduleTimer();
@@ -252,11 +248,7 @@ TouchDispatcher::TouchDispatcher(std::weak_ptr<UIView> root)
 }
 
 TouchDispatcher::~TouchDispatcher() {
-    try {
-        _state->close();
-    } catch (...) {
-        reportCallerFault("cancelling touches threw an exception");
-    }
+    guarded("cancelling touches threw an exception", [this] { _state->close(); });
 }
 
 void TouchDispatcher::handle(const Touch& touch) {
