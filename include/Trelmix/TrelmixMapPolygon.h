@@ -27,8 +27,8 @@ public:
     virtual std::vector<CLLocation> polygonCorners() const = 0;
     /// In order; the outline closes itself. Corners that have no place on the map are left out of the
     /// drawing. Filled at once, by the calling thread, while frames wait: 50,000 corners of a ragged coast
-    /// take a second, 100,000 some seconds. An outline that would take longer, or that crosses itself some
-    /// ten thousand times, draws nothing.
+    /// take a second, 100,000 some seconds. An outline that would take longer, or that crosses itself
+    /// thousands of times, may draw nothing.
     virtual void setPolygonCorners(std::vector<CLLocation> corners) = 0;
 };
 
