@@ -42,6 +42,7 @@ std::vector<FileBytes> goodFiles() {
             png(grey, (kSide + 7) / 8),
             trelmix::jpegFile(side, side, samples),
             trelmix::jpegFile(side, side, samples, TJFLAG_PROGRESSIVE),
+            trelmix::inkJpegFile(side, side, samples),
             trelmix::webpFile(side, side, samples, true),
             trelmix::webpFile(side, side, samples, false)};
 }

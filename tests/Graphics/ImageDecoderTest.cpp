@@ -63,6 +63,7 @@ std::vector<FileBytes> oneFileOfEachKind() {
             pngFile(interlaced, gradient(19, 13, 4)),
             jpegFile(19, 13, gradient(19, 13, 3)),
             jpegFile(19, 13, gradient(19, 13, 3), TJFLAG_PROGRESSIVE),
+            inkJpegFile(19, 13, gradient(19, 13, 4)),
             webpFile(19, 13, gradient(19, 13, 4), true),
             webpFile(19, 13, gradient(19, 13, 4), false)};
 }
@@ -110,6 +111,37 @@ TEST(ImageDecoder, jpegAndWebpComeBackCloseAndLosslessOnesExactly) {
         const FileBytes file = jpegFile(19, 13, gradient(19, 13, 3), flags);
         EXPECT_LT(largestDifference(pixelsOf(file), opaque), 8);
         EXPECT_TRUE(UIImage::withData(file)->isOpaque());
+    }
+}
+
+TEST(ImageDecoder, inksBecomeTheColoursTheyLeave) {
+    // Of one colour: cyan, magenta and yellow leave 200 of 255, black leaves 102.
+    Samples inks;
+    for (int i = 0; i < 16 * 16; ++i) {
+        inks.insert(inks.end(), {200, 200, 200, 102});
+    }
+    const FileBytes marked = inkJpegFile(16, 16, inks);
+    const std::string mark = "Adobe";
+    const auto found = std::ranges::search(marked, std::as_bytes(std::span(mark))).begin();
+    ASSERT_NE(found, marked.end());
+    const auto at = static_cast<std::size_t>(found - marked.begin());
+    // The mark's last byte says that cyan, magenta and yellow are stored as brightness and two differences;
+    // without it they are read as they stand: 55, 128 and 128.
+    FileBytes plain = marked;
+    plain.at(at + 11) = std::byte{0};
+    FileBytes unmarked = marked;
+    unmarked.at(at) = std::byte{'a'};
+    const std::pair<FileBytes, Samples> cases[] = {
+        {marked, {80, 80, 80, 255}},    // 200 * 102 / 255
+        {plain, {22, 51, 51, 255}},     // 55 * 102 / 255, 128 * 102 / 255
+        {unmarked, {120, 76, 76, 255}}, // (255 - 55) * (255 - 102) / 255, (255 - 128) * ...
+    };
+    for (const auto& [file, color] : cases) {
+        Samples expected;
+        for (int i = 0; i < 16 * 16; ++i) {
+            expected.insert(expected.end(), color.begin(), color.end());
+        }
+        EXPECT_LE(largestDifference(pixelsOf(file), expected), 2) << "at byte " << at;
     }
 }
 

@@ -63,15 +63,27 @@ FileBytes pngFile(const PngSpec& spec, const std::vector<std::uint8_t>& samples)
     return file;
 }
 
-FileBytes jpegFile(int width, int height, const std::vector<std::uint8_t>& rgb, int flags) {
+namespace {
+
+FileBytes compressed(int width, int height, const std::vector<std::uint8_t>& samples, int format, int flags) {
     const tjhandle handle = tjInitCompress();
     unsigned char* data = nullptr;
     unsigned long size = 0;
-    tjCompress2(handle, rgb.data(), width, 0, height, TJPF_RGB, &data, &size, TJSAMP_420, 95, flags);
+    tjCompress2(handle, samples.data(), width, 0, height, format, &data, &size, TJSAMP_420, 95, flags);
     FileBytes file = copyOf(data, size);
     tjFree(data);
     tjDestroy(handle);
     return file;
+}
+
+} // namespace
+
+FileBytes jpegFile(int width, int height, const std::vector<std::uint8_t>& rgb, int flags) {
+    return compressed(width, height, rgb, TJPF_RGB, flags);
+}
+
+FileBytes inkJpegFile(int width, int height, const std::vector<std::uint8_t>& cmyk) {
+    return compressed(width, height, cmyk, TJPF_CMYK, 0);
 }
 
 FileBytes webpFile(int width, int height, const std::vector<std::uint8_t>& rgba, bool isLossless) {

@@ -26,6 +26,8 @@ struct PngSpec {
 FileBytes pngFile(const PngSpec& spec, const std::vector<std::uint8_t>& samples);
 /// @param flags of the encoder, for example progressive.
 FileBytes jpegFile(int width, int height, const std::vector<std::uint8_t>& rgb, int flags = 0);
+/// Cyan, magenta, yellow and black, each as what it leaves of the light.
+FileBytes inkJpegFile(int width, int height, const std::vector<std::uint8_t>& cmyk);
 FileBytes webpFile(int width, int height, const std::vector<std::uint8_t>& rgba, bool isLossless);
 
 } // namespace trelmix

@@ -112,6 +112,39 @@ TEST(UIImage, everyPremultipliedPixelSurvivesThePngFile) {
     EXPECT_TRUE(opaqueBack->isOpaque());
 }
 
+TEST(UIImage, lossyFilesComeBackCloseAndJpegLiesOnWhite) {
+    const int side = 64;
+    Samples sheer;
+    Samples solid;
+    Samples onWhite;
+    for (int i = 0; i < side * side; ++i) {
+        const auto alpha = static_cast<std::uint8_t>(i / side * 4);
+        const auto red = static_cast<std::uint8_t>(alpha / 2);
+        sheer.insert(sheer.end(), {red, 0, alpha, alpha});
+        const auto white = static_cast<std::uint8_t>(255 - alpha);
+        onWhite.insert(onWhite.end(), {static_cast<std::uint8_t>(red + white), white, 255, 255});
+        solid.insert(solid.end(), {alpha, red, 90, 255});
+    }
+    const auto worst = [](const std::vector<std::byte>& file, const Samples& wanted) {
+        const auto image = UIImage::withData(file);
+        int difference = image && image->pixels().size() == wanted.size() ? 0 : 256;
+        for (std::size_t i = 0; difference < 256 && i < wanted.size(); ++i) {
+            difference = std::max(difference, std::abs(image->pixels()[i] - wanted[i]));
+        }
+        return difference;
+    };
+    const auto make = [](const Samples& pixels) { return UIImage::withPixels(side, side, pixels); };
+    EXPECT_LE(worst(make(sheer)->jpegData(), onWhite), 12);
+    EXPECT_LE(worst(make(sheer)->webpData(), sheer), 12);
+    EXPECT_LE(worst(make(solid)->jpegData(), solid), 8);
+    EXPECT_LE(worst(make(solid)->webpData(), solid), 8);
+    const auto rough = make(noise(side, side));
+    EXPECT_LT(rough->jpegData(-5).size(), rough->jpegData().size());
+    EXPECT_LT(rough->webpData(1).size(), rough->webpData(1000).size());
+    const auto wide = UIImage::withPixels(65501, 1, Samples(65501 * 4, 255));
+    EXPECT_TRUE(wide->jpegData().empty() && wide->webpData().empty());
+}
+
 TEST(UIImage, pixelsThatDoNotFitAreRefused) {
     EXPECT_FALSE(UIImage::withPixels(2, 2, Samples(15)));
     EXPECT_FALSE(UIImage::withPixels(0, 2, {}));

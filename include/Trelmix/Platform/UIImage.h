@@ -24,6 +24,10 @@ public:
     /// No image has more pixels than this; larger ones are refused before anything is allocated for them.
     static constexpr std::int64_t kMaximumPixelCount = 64LL * 1024 * 1024;
 
+    /// The formats hold no more pixels a side than these.
+    static constexpr int kMaximumJpegSide = 65500;
+    static constexpr int kMaximumWebpSide = 16383;
+
     /// Decodes a PNG, JPEG or WebP file. Empty when the bytes are none of these, damaged, cut short, of no
     /// size, or larger than `kMaximumPixelCount`; `reason`, when given, then says why.
     /// @param scale pixels per point, greater than 0.
@@ -54,6 +58,14 @@ public:
 
     /// The image as a PNG file, not premultiplied. Empty only when memory runs out.
     std::vector<std::byte> pngData() const;
+    /// The image as a JPEG file; what is translucent lies on white. Empty when memory runs out or a side has
+    /// more than `kMaximumJpegSide` pixels.
+    /// @param quality from 1, small, to 100, faithful; limited to that range.
+    std::vector<std::byte> jpegData(int quality = 90) const;
+    /// The image as a lossy WebP file, with its alpha. Empty when memory runs out or a side has more than
+    /// `kMaximumWebpSide` pixels.
+    /// @param quality as for `jpegData`.
+    std::vector<std::byte> webpData(int quality = 90) const;
 
     /// Makes the half-sized levels of detail, down to one pixel, unless they are there. Slow for large
     /// images: call it off the main thread. May be called at once from several threads.

@@ -104,6 +104,40 @@ Decoded decodePng(Bytes data) {
     return image;
 }
 
+/// Whether the maker's mark is there that says, among other things, that inks are stored as what they leave
+/// of the light.
+bool hasAdobeMark(Bytes data) {
+    constexpr std::size_t kSignature = 2;
+    constexpr std::uint8_t kMarker = 0xFF;
+    constexpr std::uint8_t kApplication14 = 0xEE;
+    constexpr std::uint8_t kStartOfScan = 0xDA;
+    const std::uint8_t* bytes = bytesOf(data);
+    for (std::size_t at = kSignature; at + 4 <= data.size() && bytes[at] == kMarker;) {
+        if (bytes[at + 1] == kStartOfScan) {
+            return false;
+        }
+        if (bytes[at + 1] == kApplication14 && startsWith(data, "Adobe", at + 4)) {
+            return true;
+        }
+        // A marker may be filled up with further 0xFF.
+        at +=
+            bytes[at + 1] == kMarker ? 1 : 2 + (std::size_t{bytes[at + 2]} << 8 | std::size_t{bytes[at + 3]});
+    }
+    return false;
+}
+
+/// Cyan, magenta, yellow and black to opaque red, green and blue, without a colour profile.
+void replaceInks(std::span<std::uint8_t> pixels, bool isLightLeft) {
+    const unsigned flip = isLightLeft ? 0 : 255;
+    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        const unsigned black = pixels[i + 3] ^ flip;
+        for (std::size_t c = i; c < i + 3; ++c) {
+            pixels[c] = static_cast<std::uint8_t>(((pixels[c] ^ flip) * black + 127U) / 255U);
+        }
+        pixels[i + 3] = 255;
+    }
+}
+
 Decoded decodeJpeg(Bytes data) {
     struct Close {
         void operator()(void* handle) const { tjDestroy(handle); }
@@ -127,11 +161,15 @@ Decoded decodeJpeg(Bytes data) {
     if (std::string fault = sizeFault(width, height); !fault.empty()) {
         return Decoded::failure(std::move(fault));
     }
+    const bool hasInks = colourSpace == TJCS_CMYK || colourSpace == TJCS_YCCK;
     DecodedImage image = emptyImage(width, height);
     // A warning counts as failure too: a file that was cut gives only a warning and a grey rest.
-    if (tjDecompress2(handle.get(), bytesOf(data), size, image.pixels.data(), width, 0, height, TJPF_RGBA,
-                      TJFLAG_LIMITSCANS) != 0) {
+    if (tjDecompress2(handle.get(), bytesOf(data), size, image.pixels.data(), width, 0, height,
+                      hasInks ? TJPF_CMYK : TJPF_RGBA, TJFLAG_LIMITSCANS) != 0) {
         return failure();
+    }
+    if (hasInks) {
+        replaceInks(image.pixels, hasAdobeMark(data));
     }
     return image;
 }

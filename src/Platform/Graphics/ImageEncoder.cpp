@@ -6,6 +6,8 @@
 #include <new>
 
 #include <spng.h>
+#include <turbojpeg.h>
+#include <webp/encode.h>
 
 namespace trelmix {
 namespace {
@@ -50,6 +52,23 @@ bool writeRows(spng_ctx* context, std::size_t width, std::size_t height, std::sp
     return status == SPNG_EOI;
 }
 
+/// Three channels; what is translucent lies on white.
+std::vector<std::uint8_t> pixelsOverWhite(std::span<const std::uint8_t> rgba) {
+    std::vector<std::uint8_t> rgb(rgba.size() / 4 * 3);
+    for (std::size_t from = 0, to = 0; from < rgba.size(); from += 4, to += 3) {
+        const unsigned white = 255U - rgba[from + 3];
+        for (std::size_t c = 0; c < 3; ++c) {
+            rgb[to + c] = static_cast<std::uint8_t>(std::min(rgba[from + c] + white, 255U));
+        }
+    }
+    return rgb;
+}
+
+std::vector<std::byte> bytesOf(const std::uint8_t* file, std::size_t size) {
+    const auto* first = reinterpret_cast<const std::byte*>(file);
+    return {first, first + size};
+}
+
 } // namespace
 
 std::vector<std::byte> encodePng(int width, int height, std::span<const std::uint8_t> pixels, bool isOpaque) {
@@ -82,6 +101,47 @@ std::vector<std::byte> encodePng(int width, int height, std::span<const std::uin
                                                                &std::free);
         const auto* first = static_cast<const std::byte*>(file.get());
         return file ? std::vector<std::byte>(first, first + size) : std::vector<std::byte>();
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+std::vector<std::byte> encodeJpeg(int width, int height, std::span<const std::uint8_t> pixels, int quality) {
+    const std::unique_ptr<void, decltype(&tjDestroy)> handle(tjInitCompress(), &tjDestroy);
+    if (!handle) {
+        return {};
+    }
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+    std::vector<std::byte> file;
+    try {
+        const auto rgb = pixelsOverWhite(pixels);
+        if (tjCompress2(handle.get(), rgb.data(), width, 0, height, TJPF_RGB, &data, &size, TJSAMP_420,
+                        quality, 0) == 0) {
+            file = bytesOf(data, size);
+        }
+    } catch (const std::bad_alloc&) {
+        // Empty tells.
+    }
+    tjFree(data);
+    return file;
+}
+
+std::vector<std::byte> encodeWebp(int width, int height, std::span<const std::uint8_t> pixels, bool isOpaque,
+                                  int quality) {
+    try {
+        std::vector<std::uint8_t> plain(pixels.size() / 4 * (isOpaque ? 3 : 4));
+        if (isOpaque) {
+            copyOpaqueRow(pixels, plain);
+        } else {
+            copyRowWithoutAlphaFactor(pixels, plain);
+        }
+        const auto encode = isOpaque ? &WebPEncodeRGB : &WebPEncodeRGBA;
+        std::uint8_t* data = nullptr;
+        const std::size_t size = encode(plain.data(), width, height, width * (isOpaque ? 3 : 4),
+                                        static_cast<float>(quality), &data);
+        const std::unique_ptr<std::uint8_t, decltype(&WebPFree)> owned(data, &WebPFree);
+        return bytesOf(data, size);
     } catch (const std::bad_alloc&) {
         return {};
     }

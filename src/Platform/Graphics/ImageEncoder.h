@@ -12,4 +12,15 @@ namespace trelmix {
 /// file. Any thread.
 std::vector<std::byte> encodePng(int width, int height, std::span<const std::uint8_t> pixels, bool isOpaque);
 
+/// A JPEG file of the same pixels over white, four pixels sharing a colour; empty when memory runs out or a
+/// side has more than 65500 pixels. Any thread.
+/// @param quality 1 to 100.
+std::vector<std::byte> encodeJpeg(int width, int height, std::span<const std::uint8_t> pixels, int quality);
+
+/// A lossy WebP file, with an alpha channel unless `isOpaque`; empty when memory runs out or a side has more
+/// than 16383 pixels. Any thread.
+/// @param quality 1 to 100.
+std::vector<std::byte> encodeWebp(int width, int height, std::span<const std::uint8_t> pixels, bool isOpaque,
+                                  int quality);
+
 } // namespace trelmix

@@ -114,6 +114,14 @@ std::vector<std::byte> UIImage::pngData() const {
     return encodePng(_pixelWidth, _pixelHeight, _pixels, _isOpaque);
 }
 
+std::vector<std::byte> UIImage::jpegData(int quality) const {
+    return encodeJpeg(_pixelWidth, _pixelHeight, _pixels, std::clamp(quality, 1, 100));
+}
+
+std::vector<std::byte> UIImage::webpData(int quality) const {
+    return encodeWebp(_pixelWidth, _pixelHeight, _pixels, _isOpaque, std::clamp(quality, 1, 100));
+}
+
 void UIImage::prepareLevels() const {
     std::call_once(_detail->once, [this] { _detail->make(_pixelWidth, _pixelHeight, _pixels); });
 }
