@@ -1,10 +1,11 @@
 #include "common/CommandLine.h"
 
-#include <charconv>
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <exception>
 #include <iostream>
+#include <locale>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -12,14 +13,20 @@ namespace trelmix::apps {
 
 namespace {
 
+/// The whole text as a decimal number. `from_chars` reads doubles in some standard libraries only.
+bool read(std::string_view text, double& number) {
+    std::istringstream in{std::string(text)};
+    in.imbue(std::locale::classic());
+    return (in >> std::noskipws >> number) && in.peek() == std::istringstream::traits_type::eof();
+}
+
 /// Finite decimals with a separator between them, nothing else; empty when the text is not that.
 std::vector<double> numbersIn(std::string_view text, char separator) {
     std::vector<double> numbers;
     while (true) {
         const std::size_t end = std::min(text.find(separator), text.size());
         double number = 0;
-        const auto [stop, error] = std::from_chars(text.data(), text.data() + end, number);
-        if (error != std::errc() || stop != text.data() + end || !std::isfinite(number)) {
+        if (!read(text.substr(0, end), number) || !std::isfinite(number)) {
             return {};
         }
         numbers.push_back(number);

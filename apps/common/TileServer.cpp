@@ -6,15 +6,19 @@ namespace trelmix::apps {
 
 TileServer::TileServer(std::size_t threadCount) {
     for (std::size_t i = 0; i < std::max<std::size_t>(threadCount, 1); ++i) {
-        _threads.emplace_back([this](const std::stop_token& stop) { work(stop); });
+        _threads.emplace_back([this] { work(); });
     }
 }
 
 TileServer::~TileServer() {
-    for (auto& thread : _threads) {
-        thread.request_stop();
+    {
+        const std::lock_guard lock(_mutex);
+        _isStopping = true;
     }
-    _threads.clear();
+    _newRequest.notify_all();
+    for (std::thread& thread : _threads) {
+        thread.join();
+    }
 }
 
 std::size_t TileServer::defaultThreadCount() {
@@ -48,9 +52,13 @@ bool TileServer::waitUntilAnswered(std::chrono::milliseconds patience) {
     return _allAnswered.wait_for(lock, patience, [this] { return _requests.empty() && _running == 0; });
 }
 
-void TileServer::work(const std::stop_token& stop) {
+void TileServer::work() {
     std::unique_lock lock(_mutex);
-    while (_newRequest.wait(lock, stop, [this] { return !_requests.empty(); }) && !stop.stop_requested()) {
+    while (true) {
+        _newRequest.wait(lock, [this] { return _isStopping || !_requests.empty(); });
+        if (_isStopping) {
+            return;
+        }
         Request request = std::move(_requests.front());
         _requests.pop_front();
         ++_running;

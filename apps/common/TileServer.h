@@ -48,16 +48,17 @@ private:
         std::shared_ptr<TrelmixMapTileLayer> layer;
         std::shared_ptr<const TileSource> source;
     };
-    void work(const std::stop_token& stop);
+    void work();
 
     std::mutex _mutex;
-    std::condition_variable_any _newRequest;
+    std::condition_variable _newRequest;
     std::condition_variable _allAnswered;
     // The layers stay here until the threads have ended, so that none of them ends on a worker.
     std::map<std::shared_ptr<TrelmixMapTileLayer>, std::shared_ptr<const TileSource>> _sources;
     std::deque<Request> _requests;
     std::size_t _running = 0;
-    std::vector<std::jthread> _threads;
+    bool _isStopping = false;
+    std::vector<std::thread> _threads; // not every standard library has jthread
 };
 
 } // namespace trelmix::apps

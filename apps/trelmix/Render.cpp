@@ -90,10 +90,7 @@ ExitCode render(const RenderOptions& options) {
     const auto host = OffscreenHost::make(map.engine, hostOptions);
     if (!host) {
         return OffscreenHost::isDriverMissing(host.reason())
-                   ? complain(host.reason() +
-                                  "; install an OpenGL ES driver: apt-get install libgl1-mesa-dri "
-                                  "libegl1 libgles2",
-                              ExitCode::noDriver)
+                   ? complain(host.reason(), ExitCode::noDriver)
                    : complain("no picture can be drawn: " + host.reason(), ExitCode::badInput);
     }
     const TileCount count = drawAll(**host, map, options.timeoutSeconds);

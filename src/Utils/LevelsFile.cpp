@@ -28,7 +28,7 @@ std::string shown(const std::string& key) {
     constexpr std::size_t kLongest = 40;
     std::string text = key.substr(0, kLongest);
     std::replace_if(
-        text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
+        text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
     if (key.size() > kLongest) {
         // Not in the middle of a character.
         while (!text.empty() && (static_cast<unsigned char>(key[text.size()]) & 0xC0U) == 0x80U) {

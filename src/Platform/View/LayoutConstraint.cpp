@@ -1,7 +1,8 @@
 #include "Platform/View/LayoutConstraint.h"
 
-#include <charconv>
 #include <cmath>
+#include <locale>
+#include <sstream>
 
 namespace trelmix {
 namespace {
@@ -57,6 +58,13 @@ bool isName(std::string_view name) {
     return true;
 }
 
+/// The whole text as a decimal number. `from_chars` reads doubles in some standard libraries only.
+bool read(std::string_view text, double& number) {
+    std::istringstream in{std::string(text)};
+    in.imbue(std::locale::classic());
+    return (in >> std::noskipws >> number) && in.peek() == std::istringstream::traits_type::eof();
+}
+
 Result<double> lengthFor(std::string_view text, const LayoutConstraint::Metrics& metrics) {
     using Failed = Result<double>;
     double length = 0;
@@ -66,11 +74,8 @@ Result<double> lengthFor(std::string_view text, const LayoutConstraint::Metrics&
             return Failed::failure("there is no metric " + quoted(text));
         }
         length = metric->second;
-    } else {
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
-        if (error != std::errc() || end != text.data() + text.size()) {
-            return Failed::failure(quoted(text) + " is neither a number nor the name of a metric");
-        }
+    } else if (!read(text, length)) {
+        return Failed::failure(quoted(text) + " is neither a number nor the name of a metric");
     }
     if (!(length >= 0 && length <= kLongestLength)) {
         return Failed::failure("the length " + quoted(text) + " is out of range");
