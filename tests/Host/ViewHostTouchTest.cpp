@@ -42,15 +42,24 @@ protected:
         step(seconds);
         step(seconds);
     }
-    /// Down, moves in equal steps, up; pumped after each.
-    void drag(CGPoint from, CGPoint to, int steps) {
-        host->touchBegan(1, from, now());
+    /// Down, moves in equal steps, up; pumped after each. Further fingers lie in a row below the first.
+    void drag(CGPoint from, CGPoint to, int steps, int fingers = 1) {
+        const auto below = [](CGPoint point, int finger) { return CGPoint{point.x, point.y + 60 * finger}; };
+        for (int finger = 0; finger < fingers; ++finger) {
+            host->touchBegan(finger, below(from, finger), now());
+        }
         for (int i = 1; i <= steps; ++i) {
             const double part = static_cast<double>(i) / steps;
-            host->touchMoved(1, {from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part}, now());
+            const CGPoint at{from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
+            time = now();
+            for (int finger = 0; finger < fingers; ++finger) {
+                host->touchMoved(finger, below(at, finger), time);
+            }
             host->pump();
         }
-        host->touchEnded(1, to, now());
+        for (int finger = 0; finger < fingers; ++finger) {
+            host->touchEnded(finger, below(to, finger), now());
+        }
         settle();
     }
 
@@ -67,15 +76,18 @@ TEST_F(ViewHostTouchTest, theGroundStaysUnderADraggedFingerAlsoAlongAnAxis) {
         CGPoint from;
         CGPoint to;
         int steps;
-    } drags[] = {{{400, 300}, {600, 300}, 200}, {{400, 300}, {400, 100}, 200}, {{200, 500}, {190, 640}, 7},
-                 {{700, 100}, {100, 600}, 30},  {{400, 300}, {380, 300}, 1},   {{100, 400}, {700, 400}, 3}};
+        int fingers = 1;
+    } drags[] = {
+        {{400, 300}, {600, 300}, 200},   {{400, 300}, {400, 100}, 200},  {{200, 500}, {190, 640}, 7},
+        {{700, 100}, {100, 600}, 30},    {{400, 300}, {380, 300}, 1},    {{100, 400}, {700, 400}, 3},
+        {{400, 300}, {500, 300}, 10, 2}, {{300, 200}, {280, 200}, 2, 3}, {{300, 200}, {620, 200}, 32, 4}};
     for (const double rotation : {0.0, 37.0}) {
         engine->setCamera(rotation, 0, 17, false);
         for (const auto& d : drags) {
             const auto place = groundAt(d.from);
-            drag(d.from, d.to, d.steps);
+            drag(d.from, d.to, d.steps, d.fingers);
             EXPECT_LE(distance(pointOf(place), d.to), 0.5)
-                << d.from.x << "," << d.from.y << " by " << d.steps;
+                << d.from.x << "," << d.from.y << " by " << d.steps << " with " << d.fingers;
         }
     }
 }
@@ -99,8 +111,8 @@ TEST_F(ViewHostTouchTest, twoFingersThatMoveInOneFrameAreOneEvent) {
         host->touchMoved(2, {500, y}, at);
         host->pump();
     }
-    host->touchEnded(1, {}, now());
-    host->touchEnded(2, {}, now());
+    host->touchEnded(1, {300, 270}, now());
+    host->touchEnded(2, {500, 270}, now());
     settle();
     EXPECT_GT(engine->camera()->viewingAngle(), 20) << "two fingers that go up tilt";
     EXPECT_NEAR(engine->camera()->rotation(), before, 1e-6);
@@ -131,6 +143,31 @@ TEST_F(ViewHostTouchTest, aTapHitsWhatLiesThereAndACancelledOneNothing) {
     EXPECT_EQ(taps->markers, 1);
     marker->setMap(nullptr);
     settle();
+}
+
+TEST_F(ViewHostTouchTest, onlyAPointThatIsElsewhereIsAMovementAndALiftIsWhereItIs) {
+    struct Presses : DelegateLog {
+        void mapViewDidLongPressAt(CLLocationCoordinate2D coordinate) override { place = coordinate; }
+        CLLocationCoordinate2D place;
+    };
+    const auto log = std::make_shared<Presses>();
+    engine->setDelegate(log);
+    host->touchBegan(1, {400, 300}, now());
+    for (int i = 0; i < 30; ++i) {
+        host->touchMoved(1, {440, 300}, now());
+        step();
+    }
+    EXPECT_EQ(log->count("willMove(gesture)"), 1U);
+    EXPECT_EQ(log->count("idle"), 1U) << "the camera comes to rest under a finger that rests";
+    host->touchEnded(1, {440, 300}, now());
+    settle();
+    EXPECT_EQ(log->count("willMove(gesture)"), 1U);
+    host->touchBegan(1, {300, 300}, now());
+    settle();
+    const auto lifted = groundAt({350, 320});
+    host->touchEnded(1, {350, 320}, now());
+    settle();
+    EXPECT_LE(distance(pointOf(log->place), pointOf(lifted)), 0.01);
 }
 
 TEST_F(ViewHostTouchTest, inputWithoutSenseMovesNothing) {

@@ -3,6 +3,7 @@
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/Thread.h"
 #include "Platform/View/GestureArbiter.h"
 #include "Platform/View/UIGestureRecognizer.h"
 
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <deque>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -22,6 +24,8 @@ namespace {
 constexpr double kFarthestPosition = 1e7;
 // More than any digitiser reports; a host that never ends its touches must not fill the memory.
 constexpr std::size_t kMostTouches = 64;
+// More than sums of positions lose in rounding.
+constexpr double kStill = 1e-6;
 
 bool isPosition(CGPoint point) {
     return std::abs(point.x) <= kFarthestPosition && std::abs(point.y) <= kFarthestPosition;
@@ -31,7 +35,7 @@ bool isPosition(CGPoint point) {
 
 class TouchDispatcher::State : public std::enable_shared_from_this<State> {
 public:
-    explicit State(std::weak_ptr<UIView> root) : _root(std::move(root)) {}
+    State(std::weak_ptr<UIView> root, double fraction) : _root(std::move(root)), _fraction(fraction) {}
 
     void start();
     /// Runs an event, or queues it while another runs.
@@ -45,6 +49,7 @@ private:
     struct DownTouch {
         std::int64_t identifier = 0;
         std::uint64_t serial = 0;
+        /// As reported, without the shift.
         CGPoint location;
     };
 
@@ -52,13 +57,20 @@ private:
     double timeOf(double timestamp);
     void begin(const Touch& touch, double time);
     void move(std::span<const Touch> touches, double time);
+    CGPoint sumOfLocations() const;
+    CGPoint shifted(CGPoint location) const { return {location.x + _shift.x, location.y + _shift.y}; }
+    /// True when that has moved all touches.
+    bool shift(CGPoint moved);
     void finish(const Touch& touch, double time);
     void scheduleTimer();
     void scheduleSettling();
 
     std::weak_ptr<UIView> _root;
+    double _fraction;
     std::shared_ptr<GestureArbiter> _arbiter;
     std::vector<DownTouch> _touches;
+    /// One for all touches, so that it neither turns nor pinches.
+    CGPoint _shift;
     std::uint64_t _lastSerial = 0;
     double _lastTime = 0;
     std::deque<std::function<void(State&)>> _queue;
@@ -145,6 +157,9 @@ void TouchDispatcher::State::begin(const Touch& touch, double time) {
     if (const auto old = find(touch.identifier); old != _touches.end()) {
         finish({touch.identifier, TouchPhase::cancelled, old->location, time}, time);
     }
+    if (_touches.empty()) {
+        _shift = {};
+    }
     _arbiter->touchWillBegin(touch.location, time);
     const std::shared_ptr<UIView> root = _root.lock();
     if (!root || _touches.size() >= kMostTouches) {
@@ -159,19 +174,55 @@ void TouchDispatcher::State::begin(const Touch& touch, double time) {
     }
     if (hit) {
         _touches.push_back({touch.identifier, ++_lastSerial, touch.location});
-        _arbiter->touchBegan(_lastSerial, touch.location, time, recognizers);
+        _arbiter->touchBegan(_lastSerial, shifted(touch.location), time, recognizers);
     }
+}
+
+CGPoint TouchDispatcher::State::sumOfLocations() const {
+    CGPoint sum;
+    for (const DownTouch& touch : _touches) {
+        sum = {sum.x + touch.location.x, sum.y + touch.location.y};
+    }
+    return sum;
+}
+
+bool TouchDispatcher::State::shift(CGPoint moved) {
+    if (_shift == CGPoint{}) {
+        // Not back to this before all have lifted: the way since they came must have no exact zero either.
+        _shift = {_fraction, _fraction};
+        return _fraction != 0;
+    }
+    const bool isStillX = std::abs(moved.x) < kStill;
+    const bool isStillY = std::abs(moved.y) < kStill;
+    if (isStillX != isStillY) {
+        double& along = isStillX ? _shift.x : _shift.y;
+        along = along == _fraction ? 2 * _fraction : _fraction;
+    }
+    return isStillX != isStillY;
 }
 
 void TouchDispatcher::State::move(std::span<const Touch> touches, double time) {
     _arbiter->advance(time);
-    std::vector<GestureArbiter::Move> moves;
+    const CGPoint before = sumOfLocations();
+    bool isMovement = false;
+    std::vector<const DownTouch*> reported;
     for (const Touch& touch : touches) {
         const auto down = find(touch.identifier);
         if (down != _touches.end() && isPosition(touch.location)) {
+            isMovement = isMovement || touch.location != down->location;
             down->location = touch.location;
-            moves.push_back({down->serial, touch.location});
+            reported.push_back(&*down);
         }
+    }
+    const CGPoint after = sumOfLocations();
+    if (isMovement && shift({after.x - before.x, after.y - before.y})) {
+        reported.clear();
+        std::transform(_touches.begin(), _touches.end(), std::back_inserter(reported),
+                       [](const DownTouch& touch) { return &touch; });
+    }
+    std::vector<GestureArbiter::Move> moves;
+    for (const DownTouch* touch : reported) {
+        moves.push_back({touch->serial, shifted(touch->location)});
     }
     if (!moves.empty()) {
         _arbiter->touchesMoved(moves, time);
@@ -184,7 +235,7 @@ void TouchDispatcher::State::finish(const Touch& touch, double time) {
     if (down == _touches.end()) {
         return;
     }
-    if (!isCancelled && isPosition(touch.location) && touch.location != down->location) {
+    if (!isCancelled && touch.location != down->location) {
         move(std::span(&touch, 1), time);
     }
     _arbiter->advance(time);
@@ -242,12 +293,16 @@ void TouchDispatcher::State::scheduleSettling() {
     });
 }
 
-TouchDispatcher::TouchDispatcher(std::weak_ptr<UIView> root)
-    : _state(std::make_shared<State>(std::move(root))) {
+TouchDispatcher::TouchDispatcher(std::weak_ptr<UIView> root, double fraction)
+    : _state(std::make_shared<State>(std::move(root), fraction)) {
     _state->start();
 }
 
 TouchDispatcher::~TouchDispatcher() {
+    if (!Thread::isMainThread()) {
+        DispatchQueue::main().async([state = _state] { state->close(); });
+        return;
+    }
     guarded("cancelling touches threw an exception", [this] { _state->close(); });
 }
 

@@ -19,7 +19,8 @@ class UIView;
 /// Input is taken as it comes: a `began` of an identifier that is down cancels the old touch first; unknown
 /// identifiers and positions that are not finite (or beyond 10 million points) are ignored, except that an
 /// `ended` or `cancelled` with such a position ends its touch where it was last; time that runs backwards or
-/// is not finite stands still. A touch that is never ended stays down until its identifier comes again or
+/// is not finite stands still; a touch that is reported where it already was has not moved. A touch that is
+/// never ended stays down until its identifier comes again or
 /// `cancelAll` is called, which a host does when it loses the input (another window in front, a device
 /// unplugged).
 ///
@@ -27,8 +28,12 @@ class UIView;
 /// effect after the event under way. Main thread only; elsewhere a call is a caller's fault and ignored.
 class TouchDispatcher {
 public:
-    explicit TouchDispatcher(std::weak_ptr<UIView> root);
-    /// Cancels what is under way.
+    /// @param fraction points by which all touches are shifted as soon as one moves, and that again to and
+    /// fro along an axis on which their middle would else stand still. A digitiser reports fractions and
+    /// never an exact zero; a mouse reports whole points, and what takes an exact zero for no movement needs
+    /// this.
+    explicit TouchDispatcher(std::weak_ptr<UIView> root, double fraction = 0);
+    /// Cancels what is under way. On another thread that happens with the next pump.
     ~TouchDispatcher();
     TouchDispatcher(const TouchDispatcher&) = delete;
     TouchDispatcher& operator=(const TouchDispatcher&) = delete;
