@@ -24,6 +24,7 @@ public:
     }
 
     ~SteppedHost() override {
+        const CurrentContextKeeper keeper;
         _context->makeCurrent();
         _renderer.reset();
     }
@@ -39,6 +40,7 @@ public:
                      _engine.scale()};
         if (isFirst) {
             // So that the driver makes its shaders and its surfaces while the first tiles are on their way.
+            const CurrentContextKeeper keeper;
             draw();
         }
     }
@@ -51,6 +53,7 @@ public:
         if (!_last) {
             return ImageResult::failure("no frame has been made yet");
         }
+        const CurrentContextKeeper keeper;
         const std::string failure = draw();
         return failure.empty() ? _renderer->readBack(_last->scale) : ImageResult::failure(failure);
     }
@@ -92,6 +95,7 @@ Result<std::unique_ptr<OffscreenHost>> OffscreenHost::make(std::shared_ptr<Trelm
     if (auto reason = hosted->resize(options.width, options.height, options.scale); !reason.empty()) {
         return HostResult::failure(std::move(reason));
     }
+    const CurrentContextKeeper keeper;
     auto context = GLContext::makeOffscreen();
     if (!context) {
         return HostResult::failure(context.reason());

@@ -18,9 +18,9 @@ namespace trelmix {
 
 namespace {
 
-/// Digitisers report fractions, mice whole points; and a step with an exact zero on an axis scrolls nothing.
-/// So every move is shifted by one or two of these in turn: an exact zero then means that nothing moved.
-constexpr double kFraction = 1.0 / 1024.0;
+/// A step with an exact zero on an axis scrolls nothing, and mice report whole points. Not one of the binary
+/// fractions in which digitisers report, so that none of theirs makes up for it.
+constexpr double kFraction = 0.001;
 /// How much longer a frame may upload images while the camera stands.
 constexpr double kPatienceAtRest = 4;
 
@@ -32,7 +32,7 @@ bool sameList(const std::vector<ViewHost::OverlayImage>& a, const std::vector<Vi
 class WindowHost final : public ViewHost {
 public:
     WindowHost(HostedEngine engine, Options options)
-        : _engine(std::move(engine)), _options(options), _touches(_engine.engine().view()) {}
+        : _engine(std::move(engine)), _options(options), _touches(_engine.engine().view(), kFraction) {}
 
     ~WindowHost() override {
         _renderer.reset();
@@ -41,14 +41,29 @@ public:
         }
     }
 
-    bool setLayout(Layout layout) override {
+    bool setLayout(Layout layout) override { return place(layout).empty(); }
+
+    /// Why the layout is out of range; empty when it was taken.
+    std::string place(const Layout& layout) {
+        for (const double side : {layout.window.width, layout.window.height}) {
+            if (const double pixels = std::round(side * layout.scale);
+                !(pixels >= 1 && pixels <= HostedEngine::kLargestSide)) {
+                return "a window must have 1 to 16384 pixels a side";
+            }
+        }
+        for (const double edge : {layout.map.origin.x, layout.map.origin.y}) {
+            if (!(std::abs(edge * layout.scale) <= HostedEngine::kLargestSide)) {
+                return "the map must lie at most 16384 pixels from the window's corner";
+            }
+        }
         const SceneLock lock;
-        if (!_engine.resize(layout.map.size.width, layout.map.size.height, layout.scale).empty()) {
-            return false;
+        if (auto reason = _engine.resize(layout.map.size.width, layout.map.size.height, layout.scale);
+            !reason.empty()) {
+            return reason;
         }
         _layout = layout;
         _layoutChanged = true;
-        return true;
+        return {};
     }
 
     // What a touch sets off may destroy this host: the dispatcher is called last, and once.
@@ -57,23 +72,19 @@ public:
     }
 
     void touchMoved(std::int64_t identifier, CGPoint point, double time) override {
-        _shiftsTwice = !_shiftsTwice;
-        const double shift = _shiftsTwice ? 2 * kFraction : kFraction;
-        const CGPoint place = inMap(point);
         std::vector<Touch> before;
         if (std::any_of(_moves.begin(), _moves.end(),
                         [identifier](const Touch& move) { return move.identifier == identifier; })) {
             before.swap(_moves);
         }
-        _moves.push_back({identifier, TouchPhase::moved, {place.x + shift, place.y + shift}, time});
+        _moves.push_back({identifier, TouchPhase::moved, inMap(point), time});
         if (!before.empty()) {
             _touches.handle(before);
         }
     }
 
-    void touchEnded(std::int64_t identifier, CGPoint, double time) override {
-        // Where the finger was last seen: a lift is no movement.
-        deliver({identifier, TouchPhase::ended, {std::nan(""), std::nan("")}, time});
+    void touchEnded(std::int64_t identifier, CGPoint point, double time) override {
+        deliver({identifier, TouchPhase::ended, inMap(point), time});
     }
 
     void touchCancelled(std::int64_t identifier, double time) override {
@@ -219,7 +230,6 @@ private:
     std::vector<Touch> _moves;
     Layout _layout;
     bool _layoutChanged = true;
-    bool _shiftsTwice = false;
     std::mutex _overlayMutex;
     std::vector<OverlayImage> _overlays;
     std::uint64_t _overlayNumber = 0;
@@ -244,13 +254,11 @@ Result<std::unique_ptr<ViewHost>> ViewHost::make(std::shared_ptr<TrelmixMapEngin
     if (!hosted) {
         return HostResult::failure(hosted.reason());
     }
-    if (auto reason = hosted->resize(layout.map.size.width, layout.map.size.height, layout.scale);
-        !reason.empty()) {
+    auto host = std::make_unique<WindowHost>(std::move(*hosted), options);
+    if (auto reason = host->place(layout); !reason.empty()) {
         return HostResult::failure(std::move(reason));
     }
-    std::unique_ptr<ViewHost> host = std::make_unique<WindowHost>(std::move(*hosted), options);
-    host->setLayout(layout);
-    return host;
+    return Result<std::unique_ptr<ViewHost>>(std::move(host));
 }
 
 } // namespace trelmix

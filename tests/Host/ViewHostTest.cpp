@@ -1,6 +1,8 @@
 // What a host draws, and what it leaves alone.
 #include "Host/HostStage.h"
 
+#include <Trelmix/Host/OffscreenHost.h>
+
 #include <cmath>
 
 namespace trelmix {
@@ -157,6 +159,31 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
     glDeleteBuffers(1, &names[1]);
 }
 
+TEST_F(ViewHostTest, aPictureMadeMeanwhileLeavesTheWindowsContextCurrent) {
+    window->fill(0, 1, 0);
+    const auto other = makeEngine();
+    other->initialiseWithTarget({53.5, 10}, 17);
+    {
+        const auto offscreen = std::move(*OffscreenHost::make(other, {.width = 50, .height = 40}));
+        EXPECT_EQ(window->pixel(50, 50), kGreen) << "after make";
+        offscreen->step(0);
+        EXPECT_EQ(window->pixel(50, 50), kGreen) << "after the first step";
+        EXPECT_TRUE(offscreen->image());
+        EXPECT_EQ(frame(), Drawing::drawn);
+        EXPECT_EQ(window->pixel(50, 50), kRed);
+    }
+    window->fill(0, 1, 0);
+    EXPECT_EQ(window->pixel(50, 50), kGreen) << "after its end";
+    context->release();
+    {
+        const auto offscreen = std::move(*OffscreenHost::make(other, {.width = 50, .height = 40}));
+        offscreen->step(0);
+        EXPECT_TRUE(offscreen->image());
+        EXPECT_EQ(glGetString(GL_VERSION), nullptr) << "none where none was";
+    }
+    ASSERT_TRUE(context->makeCurrent());
+}
+
 TEST_F(ViewHostTest, drawingWithoutAContextFailsAndGoesOnWithOne) {
     context->release();
     EXPECT_FALSE(host->image());
@@ -192,6 +219,15 @@ TEST_F(ViewHostTest, layoutsOutOfRangeAndForeignEnginesAreRefused) {
                                                {100.0, 80.0, 1e300}}) {
         EXPECT_FALSE(host->resize(width, height, scale)) << width << " " << height << " " << scale;
         EXPECT_FALSE(ViewHost::make(engine, {{100, 80}, {{0, 0}, {width, height}}, scale}, {}));
+    }
+    for (const auto& [size, origin] : {std::pair<CGSize, CGPoint>{{-1e15, 150}, {}},
+                                       {{200, nan}, {}},
+                                       {{200, 0}, {}},
+                                       {{200, 20000}, {}},
+                                       {{200, 150}, {-1e15, 0}},
+                                       {{200, 150}, {0, nan}},
+                                       {{200, 150}, {0, 1e300}}}) {
+        EXPECT_FALSE(host->setLayout({size, {origin, {100, 80}}, 1})) << size.width << " " << origin.x;
     }
     EXPECT_EQ(frame(), Drawing::unchanged) << "the layout is the old one";
     EXPECT_FALSE(ViewHost::make(nullptr, kLayout, {}));

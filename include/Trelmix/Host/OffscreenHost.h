@@ -14,8 +14,8 @@ namespace trelmix {
 ///
 /// The application decides when time passes: each step advances running animations and updates the overlays;
 /// only what is asked for as a picture is drawn. What is queued for the main thread (delegate calls, tile
-/// answers, timers) runs in `pump`. Stops the process's clock at the time of the steps. Main thread only;
-/// keeps the engine alive.
+/// answers, timers) runs in `pump`. Uses a context of its own and leaves the thread with the one that was
+/// current. Stops the process's clock at the time of the steps. Main thread only; keeps the engine alive.
 class TRELMIX_API OffscreenHost {
 public:
     /// How large and how smooth the pictures are.

@@ -20,7 +20,8 @@ namespace trelmix {
 /// Keeps the engine alive.
 class TRELMIX_API ViewHost {
 public:
-    /// Where the map lies in the window. Each side of the map has 1 to 16384 pixels.
+    /// Where the map lies in the window. Each side of the map and of the window has 1 to 16384 pixels, and
+    /// the map's corner lies within 16384 pixels of the window's; the map need not lie in the window.
     struct Layout {
         CGSize window{800, 600};        ///< points
         CGRect map{{0, 0}, {800, 600}}; ///< points from the window's top left corner
@@ -68,8 +69,11 @@ public:
     /// A finger, or a mouse's button, goes down. `identifier` names it until it ends; points are from the
     /// window's top left corner; `time` in seconds of any steady clock, the same one for all touches.
     virtual void touchBegan(std::int64_t identifier, CGPoint point, double time) = 0;
-    /// Moves of several fingers that come before the next `pump` are one event.
+    /// Moves of several fingers that come before the next `pump` are one event. A finger that is reported
+    /// where it already was has not moved.
     virtual void touchMoved(std::int64_t identifier, CGPoint point, double time) = 0;
+    /// The finger moves to `point`, if it is elsewhere, and lifts there. A point that is not finite lifts it
+    /// where it was.
     virtual void touchEnded(std::int64_t identifier, CGPoint point, double time) = 0;
     /// The system has taken the finger away: what it did is cancelled.
     virtual void touchCancelled(std::int64_t identifier, double time) = 0;

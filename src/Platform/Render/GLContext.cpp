@@ -80,6 +80,32 @@ struct GLContext::Handles {
     EGLContext context = EGL_NO_CONTEXT;
 };
 
+struct CurrentContextKeeper::Binding {
+    EGLenum api = eglQueryAPI();
+    EGLDisplay display = eglGetCurrentDisplay();
+    EGLSurface draw = eglGetCurrentSurface(EGL_DRAW);
+    EGLSurface read = eglGetCurrentSurface(EGL_READ);
+    EGLContext context = eglGetCurrentContext();
+};
+
+CurrentContextKeeper::CurrentContextKeeper() : _before(std::make_unique<const Binding>()) {}
+
+CurrentContextKeeper::~CurrentContextKeeper() {
+    const Binding now;
+    if (_before->context != EGL_NO_CONTEXT) {
+        eglBindAPI(_before->api);
+        if (_before->context != eglGetCurrentContext() || _before->draw != now.draw ||
+            _before->read != now.read) {
+            eglMakeCurrent(_before->display, _before->draw, _before->read, _before->context);
+        }
+        return;
+    }
+    if (now.context != EGL_NO_CONTEXT) {
+        eglMakeCurrent(now.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    }
+    eglBindAPI(_before->api);
+}
+
 const char* GLContext::missingDriverHint() {
     return "install an OpenGL ES driver (Debian: libegl1 libgles2 libgl1-mesa-dri)";
 }
@@ -121,17 +147,12 @@ Result<std::unique_ptr<GLContext>> GLContext::makeOffscreen() {
 GLContext::GLContext(std::unique_ptr<Handles> handles) : _handles(std::move(handles)) {}
 
 GLContext::~GLContext() {
-    const EGLDisplay display = eglGetCurrentDisplay();
-    const EGLContext other = eglGetCurrentContext();
-    const EGLSurface draw = eglGetCurrentSurface(EGL_DRAW);
-    const EGLSurface read = eglGetCurrentSurface(EGL_READ);
-    const bool otherStays = other != EGL_NO_CONTEXT && other != _handles->context;
-    if (makeCurrent()) {
-        _graveyard->deleteObjects();
-        release();
-    }
-    if (otherStays) {
-        eglMakeCurrent(display, draw, read, other);
+    release();
+    {
+        const CurrentContextKeeper keeper;
+        if (makeCurrent()) {
+            _graveyard->deleteObjects();
+        }
     }
     if (_handles->surface != EGL_NO_SURFACE) {
         eglDestroySurface(_handles->display, _handles->surface);

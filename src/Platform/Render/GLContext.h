@@ -9,10 +9,23 @@
 
 namespace trelmix {
 
+/// Puts back, when it goes, the context and the interface that were current on this thread when it was made.
+class CurrentContextKeeper {
+public:
+    CurrentContextKeeper();
+    ~CurrentContextKeeper();
+    CurrentContextKeeper(const CurrentContextKeeper&) = delete;
+    CurrentContextKeeper& operator=(const CurrentContextKeeper&) = delete;
+
+private:
+    struct Binding;
+    std::unique_ptr<const Binding> _before;
+};
+
 /// An OpenGL ES context without a window.
 ///
-/// Lives on one thread at a time: `makeCurrent` binds it to the calling one. Its destructor makes it current,
-/// deletes what was buried and leaves the thread without a context, unless another context was current there.
+/// Lives on one thread at a time: `makeCurrent` binds it to the calling one. Its destructor
+/// deletes what was buried and leaves the thread with the context that was current there, if that is another.
 class GLContext {
 public:
     /// Version 3 when the driver has it, else 2. The reason of a failure says what to install.
