@@ -1,9 +1,9 @@
 #pragma once
 
 #include "BareScene.h"
-#include "Platform/Render/FrameTarget.h"
-#include "Platform/Render/GLContext.h"
-#include "Platform/Render/GLShader.h"
+#include "Render/FrameTarget.h"
+#include "Render/GLContext.h"
+#include "Render/GLShader.h"
 
 #include <array>
 #include <memory>

@@ -8,7 +8,7 @@
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
-#include "Platform/Render/Renderer.h"
+#include "Render/Renderer.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // How fast images come in and go out on one thread, and the size of the library that does it.
 
-#include "common/MbtilesArchive.h"
+#include "common/tiles/MbtilesArchive.h"
 #include "Report.h"
 #include "Town.h"
 

@@ -5,7 +5,7 @@
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/HitTest.h"
-#include "SceneKit/TileGround.h"
+#include "Tiles/TileGround.h"
 
 #include <Trelmix/TrelmixMapEngineFactory.h>
 

@@ -1,13 +1,13 @@
 // Pictures a second of 512 x 512 from one warm process, a new camera each, tiles in memory; and the most
 // memory that a program with one tile layer takes, above one that draws a single textured quad.
 
-#include "common/SceneRunner.h"
+#include "common/scene/SceneRunner.h"
 #include "Report.h"
 #include "Town.h"
 
-#include "Platform/Render/FrameTarget.h"
-#include "Platform/Render/GLContext.h"
-#include "Platform/Render/GLShader.h"
+#include "Render/FrameTarget.h"
+#include "Render/GLContext.h"
+#include "Render/GLShader.h"
 
 #include <array>
 #include <cmath>

@@ -4,8 +4,8 @@
 // every frame, and frames alternate, so that what else the machine does hits both.
 
 #include "BarePicture.h"
-#include "Platform/Render/GLContext.h"
-#include "Platform/Render/Renderer.h"
+#include "Render/GLContext.h"
+#include "Render/Renderer.h"
 #include "Report.h"
 
 #include <cmath>

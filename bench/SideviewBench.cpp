@@ -2,7 +2,7 @@
 // 1280 x 800: as it is, and with a bitmap made for every step.
 
 #include "Platform/View/ViewComposer.h"
-#include "Utils/SideviewScrollView.h"
+#include "Sideview/SideviewScrollView.h"
 
 #include <benchmark/benchmark.h>
 

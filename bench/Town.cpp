@@ -1,6 +1,6 @@
 #include "Town.h"
 
-#include "common/MbtilesArchive.h"
+#include "common/tiles/MbtilesArchive.h"
 #include "support/TileServer.h"
 
 #include <Trelmix/TrelmixMapEngineFactory.h>

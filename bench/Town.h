@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/MapScene.h"
+#include "common/scene/MapScene.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Render/FrameTarget.h"
-#include "Platform/Render/GLContext.h"
+#include "Render/FrameTarget.h"
+#include "Render/GLContext.h"
 
 #include <Trelmix/Host/ViewHost.h>
 

@@ -1,5 +1,5 @@
 // GeoJSON is either read, with coordinates that are on the map and areas that give an outline, or refused.
-#include "common/GeoJson.h"
+#include "common/scene/GeoJson.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // Levels files of any bytes: refused with one line, or a projection whose every operation survives every
 // number.
-#include "Utils/SideviewProjection.h"
+#include "Sideview/SideviewProjection.h"
 
 #include <array>
 #include <cmath>

@@ -1,5 +1,5 @@
 // Whatever a file holds, an archive opens or says why not, and its tiles are read or missing.
-#include "common/MbtilesArchive.h"
+#include "common/tiles/MbtilesArchive.h"
 
 #include <cstdint>
 #include <cstdio>

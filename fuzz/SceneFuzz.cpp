@@ -1,5 +1,5 @@
 // A scene file is either read or refused in one line; nothing that it names is opened.
-#include "common/SceneFile.h"
+#include "common/scene/SceneFile.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/CommandLine.h"
+#include "common/options/CommandLine.h"
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 #include "common/Json.h"
-#include "common/MapScene.h"
+#include "common/scene/MapScene.h"
 #include "trelmix/Commands.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
-#include "common/Drawing.h"
 #include "common/Files.h"
-#include "common/SceneRunner.h"
+#include "common/picture/Drawing.h"
+#include "common/scene/SceneRunner.h"
 #include "trelmix/Commands.h"
 
 #include <iostream>

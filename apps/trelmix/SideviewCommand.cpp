@@ -1,8 +1,8 @@
 #include "trelmix/SideviewCommand.h"
 
 #include "common/Files.h"
-#include "common/MapScene.h"
-#include "common/SceneSideview.h"
+#include "common/scene/MapScene.h"
+#include "common/scene/SceneSideview.h"
 
 #include <Trelmix/Host/SideviewHost.h>
 

@@ -1,6 +1,6 @@
 #include "view/Hud.h"
 
-#include "common/Drawing.h"
+#include "common/picture/Drawing.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/Controls.h"
-#include "common/SceneRunner.h"
+#include "common/picture/Controls.h"
+#include "common/scene/SceneRunner.h"
 
 #include <Trelmix/Host/ViewHost.h>
 

@@ -1,6 +1,6 @@
 #include "view/SidePanel.h"
 
-#include "common/SceneSideview.h"
+#include "common/scene/SceneSideview.h"
 
 #include <algorithm>
 #include <utility>

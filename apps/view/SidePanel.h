@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/SceneFile.h"
+#include "common/scene/SceneFile.h"
 #include "view/ScreenLayout.h"
 
 #include <Trelmix/Host/SideviewHost.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/MapScene.h"
-#include "common/SceneRunner.h"
+#include "common/scene/MapScene.h"
+#include "common/scene/SceneRunner.h"
 #include "view/HitReporter.h"
 #include "view/ScreenLayout.h"
 #include "view/SidePanel.h"

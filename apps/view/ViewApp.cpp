@@ -1,7 +1,7 @@
 #include "view/ViewApp.h"
 
 #include "common/Files.h"
-#include "common/SceneImage.h"
+#include "common/scene/SceneImage.h"
 #include "view/CameraControl.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/CommandLine.h"
+#include "common/options/CommandLine.h"
 #include "view/FileWatch.h"
 #include "view/Hud.h"
 #include "view/InputMapper.h"

@@ -2,8 +2,8 @@
 
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Geo/GeoUtils.h"
+#include "Overlays/MarkerNode.h"
 #include "Platform/Foundation/SceneLock.h"
-#include "SceneKit/MarkerNode.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
 #include "Engine/TrelmixMapEngineSceneView.h"
-#include "SceneKit/CircleNode.h"
-#include "SceneKit/MapTileNode.h"
-#include "SceneKit/PolygonNode.h"
-#include "SceneKit/PolylineNode.h"
+#include "Overlays/CircleNode.h"
+#include "Overlays/PolygonNode.h"
+#include "Overlays/PolylineNode.h"
+#include "Tiles/MapTileNode.h"
 
 namespace trelmix {
 

@@ -3,11 +3,11 @@
 #include "Camera/ZoomLimits.h"
 #include "Engine/SceneUpdate.h"
 #include "Geo/GeoUtils.h"
+#include "Overlays/LevelPlanNode.h"
+#include "Overlays/MarkerNode.h"
 #include "Platform/Foundation/MainEntry.h"
 #include "Platform/Foundation/Thread.h"
 #include "Platform/View/LayoutConstraint.h"
-#include "SceneKit/LevelPlanNode.h"
-#include "SceneKit/MarkerNode.h"
 
 #include <cmath>
 

@@ -3,8 +3,8 @@
 #include "Host/HostedEngine.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
-#include "Platform/Render/GLContext.h"
-#include "Platform/Render/Renderer.h"
+#include "Render/GLContext.h"
+#include "Render/Renderer.h"
 
 #include <cmath>
 #include <optional>

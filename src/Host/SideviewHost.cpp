@@ -5,7 +5,7 @@
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/View/TouchDispatcher.h"
 #include "Platform/View/ViewComposer.h"
-#include "Utils/SideviewScrollView.h"
+#include "Sideview/SideviewScrollView.h"
 
 #include <cmath>
 #include <utility>

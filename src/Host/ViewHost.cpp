@@ -4,9 +4,9 @@
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/SceneLock.h"
-#include "Platform/Render/GLStateGuard.h"
-#include "Platform/Render/Renderer.h"
 #include "Platform/View/TouchDispatcher.h"
+#include "Render/GLStateGuard.h"
+#include "Render/Renderer.h"
 
 #include <algorithm>
 #include <cmath>

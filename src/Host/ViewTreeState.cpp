@@ -2,7 +2,7 @@
 
 #include "Platform/View/UIImageView.h"
 #include "Platform/View/UIScrollView.h"
-#include "Utils/SideviewScrollView.h"
+#include "Sideview/SideviewScrollView.h"
 
 namespace trelmix {
 

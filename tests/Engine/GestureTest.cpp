@@ -2,7 +2,7 @@
 #include "support/EngineFixture.h"
 #include "support/TouchStory.h"
 
-#include "SceneKit/MapTileNode.h"
+#include "Tiles/MapTileNode.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
 
-#include "SceneKit/MapTileNode.h"
+#include "Tiles/MapTileNode.h"
 
 #include <limits>
 #include <thread>

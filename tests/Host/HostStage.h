@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Render/GLContext.h"
+#include "Render/GLContext.h"
 #include "support/EngineFixture.h"
 
 #include <Trelmix/Host/ViewHost.h>

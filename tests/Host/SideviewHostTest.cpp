@@ -1,4 +1,4 @@
-#include "Utils/SideviewStage.h"
+#include "Sideview/SideviewStage.h"
 
 #include <Trelmix/Host/SideviewHost.h>
 

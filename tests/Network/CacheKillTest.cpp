@@ -1,9 +1,9 @@
 // A process that is killed while it fills the cache loses nothing that it had finished.
 #include "Platform/Network/DiskCache.h"
 
-#include "Apps/ScratchFolder.h"
 #include "support/AnswerSamples.h"
 #include "support/CaseCount.h"
+#include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Certificates and HTTP/2 against servers that others wrote; without their programs there is nothing to test.
 
-#include "Apps/ScratchFolder.h"
 #include "Network/SessionCalls.h"
+#include "support/ScratchFolder.h"
 #include "support/TileServer.h"
 
 #include <gtest/gtest.h>

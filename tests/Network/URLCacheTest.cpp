@@ -1,7 +1,7 @@
 #include "Platform/Network/URLCache.h"
 
-#include "Apps/ScratchFolder.h"
 #include "support/AnswerSamples.h"
+#include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>

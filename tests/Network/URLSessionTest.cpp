@@ -1,6 +1,6 @@
 #include "Network/SessionCalls.h"
 
-#include "Apps/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 #include "support/TileServer.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "common/MbtilesArchive.h"
-#include "common/SceneRunner.h"
-#include "common/TileServer.h"
+#include "common/scene/SceneRunner.h"
+#include "common/tiles/MbtilesArchive.h"
+#include "common/tiles/TileServer.h"
 #include "Pictures/Stage.h"
 #include "sample/TilePyramid.h"
 

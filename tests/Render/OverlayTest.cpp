@@ -1,4 +1,4 @@
-#include "Platform/Render/GLStateGuard.h"
+#include "Render/GLStateGuard.h"
 #include "Render/RenderFixture.h"
 
 #include <GLES2/gl2.h>

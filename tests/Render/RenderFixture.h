@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/Render/GLContext.h"
-#include "Platform/Render/Renderer.h"
 #include "Platform/Scene/DrawList.h"
+#include "Render/GLContext.h"
+#include "Render/Renderer.h"
 
 #include <array>
 #include <cmath>

@@ -1,5 +1,5 @@
 #include "Camera/ReferenceCamera.h"
-#include "Platform/Render/FrameView.h"
+#include "Render/FrameView.h"
 #include "support/CaseCount.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
-#include "common/GeoJson.h"
-#include "common/SceneFile.h"
+#include "common/scene/GeoJson.h"
+#include "common/scene/SceneFile.h"
 #include "sample/Icons.h"
 #include "sample/SceneWriter.h"
 #include "sample/ShipPainter.h"
 #include "sample/TilePyramid.h"
 #include "sample/TownPainter.h"
-#include "Utils/SideviewProjection.h"
+#include "Sideview/SideviewProjection.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

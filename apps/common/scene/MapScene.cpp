@@ -1,0 +1,89 @@
+#include "common/scene/MapScene.h"
+
+#include <Trelmix/TrelmixMapEngineFactory.h>
+
+namespace trelmix::apps {
+
+namespace {
+
+/// Bytes of each tile layer: enough for going back and forth without loading anew.
+constexpr std::size_t kImageCacheLimit = std::size_t{128} << 20U;
+
+void loadFromUrls(TrelmixMapTileLayer& layer, const std::string& urlTemplate) {
+    layer.setImageUrlLayer(true);
+    layer.setImageUrlConstructor([urlTemplate](std::uint64_t x, std::uint64_t y, std::uint64_t zoom) {
+        return URL::fromString(
+            filledTemplate(urlTemplate, {static_cast<std::int64_t>(x), static_cast<std::int64_t>(y),
+                                         static_cast<std::int64_t>(zoom)}));
+    });
+}
+
+} // namespace
+
+void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay) {
+    if (keys.zIndex) {
+        overlay.setZIndex(*keys.zIndex);
+    }
+    if (keys.visible) {
+        overlay.setVisible(*keys.visible);
+    }
+    if (keys.opacity) {
+        overlay.setOpacity(*keys.opacity);
+    }
+    if (keys.tappable) {
+        overlay.setTappable(*keys.tappable);
+    }
+    if (!keys.id.empty()) {
+        overlay.setUserInfo(keys.id);
+    }
+}
+
+std::shared_ptr<TrelmixMapEngine> makeEngine(const SceneFile& scene, const SceneCamera& camera,
+                                             CGSize viewSize) {
+    auto engine = TrelmixMapEngineFactory::createMap();
+    // Sized before the first camera, which depends on the height of the view.
+    engine->view()->setFrame({{0, 0}, viewSize});
+    engine->view()->layoutIfNeeded();
+    engine->setBackgroundColor(scene.view.background);
+    const SceneLimits& limits = scene.limits;
+    if (limits.maxZoom) {
+        engine->setMaxZoom(static_cast<float>(*limits.maxZoom));
+    }
+    if (limits.minZoom) {
+        engine->setMinZoom(static_cast<float>(*limits.minZoom));
+    }
+    if (limits.target) {
+        engine->setCameraTargetBoundsSouthWest(limits.target->southWest);
+        engine->setCameraTargetBoundsNorthEast(limits.target->northEast);
+    }
+    const auto zoom = static_cast<float>(camera.zoom);
+    engine->initialiseWithTarget(camera.target, zoom);
+    engine->setCamera(
+        std::make_shared<TrelmixMapEngineCamera>(camera.target, camera.rotation, camera.viewingAngle, zoom),
+        false);
+    return engine;
+}
+
+MapScene buildMapScene(const SceneFile& scene, const SceneContent& content, const SceneCamera& camera,
+                       CGSize viewSize, std::shared_ptr<TileServer> tileServer) {
+    MapScene map;
+    map.tileServer = std::move(tileServer);
+    map.engine = makeEngine(scene, camera, viewSize);
+    map.engine->setDelegate(map.tileServer);
+    for (std::size_t i = 0; i < scene.tiles.size(); ++i) {
+        auto layer = TrelmixMapEngineFactory::createMapTilesNode();
+        applyOverlayKeys(scene.tiles[i].overlay, *layer);
+        layer->setImageCacheLimit(kImageCacheLimit);
+        if (content.tiles[i]) {
+            map.tileServer->serve(layer, content.tiles[i]);
+        } else {
+            loadFromUrls(*layer, scene.tiles[i].url);
+        }
+        layer->setMap(map.engine);
+        map.layers.push_back(std::move(layer));
+    }
+    map.overlays = addSceneOverlays(map.engine, scene, content);
+    return map;
+}
+
+} // namespace trelmix::apps

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "common/scene/SceneContent.h"
+#include "common/tiles/TileServer.h"
+
+#include <Trelmix/TrelmixMapEngine.h>
+#include <Trelmix/TrelmixMapTileLayer.h>
+
+#include <memory>
+#include <vector>
+
+namespace trelmix::apps {
+
+/// An engine with everything a scene describes on it. An overlay's user data is its id, a `std::string`, when
+/// the scene gives one. Main thread only.
+struct MapScene {
+    // Destroyed last: its threads answer the layers.
+    std::shared_ptr<TileServer> tileServer;
+    std::shared_ptr<TrelmixMapEngine> engine;
+    std::vector<std::shared_ptr<TrelmixMapTileLayer>> layers;
+    /// Everything but the tile layers, in the scene's order of sections.
+    std::vector<std::shared_ptr<TrelmixMapOverlay>> overlays;
+};
+
+/// An engine of that size, with the scene's background, limits and this camera, but without overlays.
+std::shared_ptr<TrelmixMapEngine> makeEngine(const SceneFile& scene, const SceneCamera& camera,
+                                             CGSize viewSize);
+
+/// The whole scene; `tileServer` becomes the engine's delegate.
+MapScene buildMapScene(const SceneFile& scene, const SceneContent& content, const SceneCamera& camera,
+                       CGSize viewSize, std::shared_ptr<TileServer> tileServer);
+
+/// Puts the overlays above the tiles on the engine's map.
+std::vector<std::shared_ptr<TrelmixMapOverlay>>
+addSceneOverlays(const std::shared_ptr<TrelmixMapEngine>& engine, const SceneFile& scene,
+                 const SceneContent& content);
+
+/// What every overlay takes; call it before `setMap`.
+void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay);
+
+} // namespace trelmix::apps

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "common/scene/GeoJson.h"
+#include "common/scene/SceneFile.h"
+#include "common/tiles/TileSource.h"
+
+#include <Trelmix/Platform/CGGeometry.h>
+#include <Trelmix/Platform/UIImage.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace trelmix::apps {
+
+/// A GeoJSON file and the icon that its scene entry names, empty when it names none.
+struct SceneGeoJsonContent {
+    GeoJsonFile file;
+    std::shared_ptr<const UIImage> icon;
+};
+
+/// The files that a scene names, opened and decoded: one entry for each of the scene's, in the same order.
+struct SceneContent {
+    /// Empty where the tiles come from addresses.
+    std::vector<std::shared_ptr<const TileSource>> tiles;
+    std::vector<std::shared_ptr<const UIImage>> levelPlans;
+    /// Empty where the marker has no icon of its own.
+    std::vector<std::shared_ptr<const UIImage>> markerIcons;
+    std::vector<SceneGeoJsonContent> geojson;
+    /// What has to be shown with the picture, as one line; empty when there is nothing.
+    std::string attribution;
+};
+
+/// The reason begins with `scenePath` and the place in the scene; then comes the file's path and what is
+/// wrong with it.
+Result<SceneContent> loadSceneContent(const SceneFile& scene, const std::string& scenePath);
+
+/// The scene's own camera, or one that shows everything the scene holds. Fails, without a path in the reason,
+/// when there is neither.
+Result<SceneCamera> cameraOfScene(const SceneFile& scene, const SceneContent& content, CGSize viewSize);
+
+} // namespace trelmix::apps

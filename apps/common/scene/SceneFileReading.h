@@ -1,0 +1,44 @@
+#pragma once
+
+#include "common/Json.h"
+#include "common/scene/SceneFile.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trelmix::apps {
+
+// Shared by the sections' readers; all throw `JsonError`.
+
+CLLocationCoordinate2D readCoordinate(const JsonCursor& at);
+SceneBox readBox(const JsonCursor& southWest, const JsonCursor& northEast);
+UIColor readColor(const JsonCursor& at);
+std::optional<UIColor> optionalColor(const JsonCursor& at);
+/// The key "width" of lines, in points.
+std::optional<double> optionalWidth(const JsonCursor& at);
+/// Joined with the folder of the scene file.
+std::string readPath(const JsonCursor& at, const std::string& folder);
+
+/// Fills the sections that hold overlays drawn over the tiles.
+void readOverlaySections(const JsonCursor& root, const std::string& folder, SceneFile& scene);
+SceneSideView readSideView(const JsonCursor& at, const std::string& folder);
+/// The keys that every overlay takes; `expectObject` gets the same list.
+SceneOverlay readOverlay(const JsonCursor& at);
+inline constexpr std::array<std::string_view, 5> kOverlayKeys = {"zIndex", "visible", "opacity", "tappable",
+                                                                 "id"};
+
+/// One item after the other of an array that may be missing.
+template <class Read>
+void forEachItem(const JsonCursor& root, std::string_view key, Read read) {
+    if (const auto list = root.member(key)) {
+        const std::size_t count = list->size();
+        for (std::size_t i = 0; i < count; ++i) {
+            const JsonCursor item = list->item(i);
+            read(item);
+        }
+    }
+}
+
+} // namespace trelmix::apps

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Engine/OverlayNode.h"
+#include "Overlays/ScenePlace.h"
+
+#include <Trelmix/TrelmixMapCircle.h>
+
+#include <optional>
+
+namespace trelmix {
+
+/// A disc at true ground size: a plane of one scene unit with round corners, scaled to its diameter.
+class CircleNode final : public OverlayNode<TrelmixMapCircle> {
+public:
+    static std::shared_ptr<CircleNode> make();
+
+    CLLocationCoordinate2D presentedCoordinate() const override;
+    CLLocationCoordinate2D coordinate() const override { return _coordinate; }
+    void setCoordinate(CLLocationCoordinate2D coordinate) override;
+    double radius() const override { return _radius; }
+    void setRadius(double radius) override;
+    std::optional<UIColor> color() const override { return _color; }
+    void setColor(std::optional<UIColor> color) override;
+    void updateCircleWithCoordinate(CLLocationCoordinate2D coordinate, double radius, bool animated,
+                                    double duration) override;
+    std::string description() const override;
+
+    Coordinate initialTargetCoordinateForProjection() const override { return coordinateOf(_coordinate); }
+    void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
+    void setup(const std::shared_ptr<CameraProjection>& projection) override;
+
+private:
+    CircleNode();
+    void prepareCircle();
+    bool place(CLLocationCoordinate2D coordinate);
+    void updateCircle(bool animated, double duration);
+    float diameter();
+
+    CLLocationCoordinate2D _coordinate = kCLLocationCoordinate2DInvalid;
+    /// The last one with a place.
+    CLLocationCoordinate2D _placedCoordinate = kCLLocationCoordinate2DInvalid;
+    std::optional<OpenGlPoint> _circlePosition;
+    double _radius = 1.0;
+    std::optional<UIColor> _color;
+    GroundScale _groundScale;
+};
+
+} // namespace trelmix

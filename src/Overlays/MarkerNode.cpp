@@ -1,0 +1,281 @@
+#include "Overlays/MarkerNode.h"
+
+#include "Platform/Scene/SCNAction.h"
+
+#include <atomic>
+#include <cmath>
+#include <numbers>
+
+namespace trelmix {
+
+namespace {
+
+constexpr double kTurn = 2.0 * std::numbers::pi;
+
+std::atomic<double> kTMXEngineMarkerAnimationDuration{0.2};
+
+/// The same direction as `goal`, at most half a turn from `current`.
+double shortestTurn(double goal, double current) {
+    const double difference = goal - current;
+    if (std::abs(difference) > std::numbers::pi) {
+        return difference > 0 ? goal - kTurn : goal + kTurn;
+    }
+    return goal;
+}
+
+} // namespace
+
+void TrelmixMapMarker::setMarkerAnimationDuration(double seconds) {
+    kTMXEngineMarkerAnimationDuration = seconds > 0 ? seconds : 0.0;
+}
+
+std::shared_ptr<MarkerNode> MarkerNode::make() {
+    return std::shared_ptr<MarkerNode>(new MarkerNode);
+}
+
+MarkerNode::MarkerNode() {
+    setIsTappable(true);
+    setLayerIndex(29);
+    // Until the first update gives it a size: a marker that has no place must not show at the origin.
+    setScale({0, 0, 0});
+}
+
+CLLocationCoordinate2D MarkerNode::presentedCoordinate() const {
+    const SceneLock lock;
+    return cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
+                              : kCLLocationCoordinate2DInvalid;
+}
+
+void MarkerNode::setCoordinate(CLLocationCoordinate2D coordinate) {
+    if (const MainEntry entry{"setCoordinate"}) {
+        _coordinate = coordinate;
+        setCoordinate(coordinate, true, kTMXEngineMarkerAnimationDuration);
+    }
+}
+
+void MarkerNode::setCoordinate(CLLocationCoordinate2D coordinate, bool animated, double duration) {
+    const MainEntry entry{"setCoordinate"};
+    if (!entry || !cameraProjection() || !CLLocationCoordinate2DIsValid(coordinate)) {
+        return;
+    }
+    _coordinate = coordinate;
+    if (place(coordinate)) {
+        changeMarkerPosition(animated, duration);
+    }
+}
+
+bool MarkerNode::place(CLLocationCoordinate2D coordinate) {
+    const auto position = CLLocationCoordinate2DIsValid(coordinate)
+                              ? scenePlaceOf(coordinate, *cameraProjection())
+                              : std::nullopt;
+    if (!position) {
+        return false;
+    }
+    _markerPosition = position;
+    _placedCoordinate = coordinate;
+    _needsUpdate = true;
+    return true;
+}
+
+void MarkerNode::changeMarkerPosition(bool animated, double duration) {
+    if (animated) {
+        runAction(SCNAction::moveTo({_markerPosition->x, -_markerPosition->y, 0}, duration));
+    } else {
+        setExactPosition({_markerPosition->x, -_markerPosition->y, exactPosition().z});
+    }
+}
+
+void MarkerNode::setMarkerIcon(std::shared_ptr<const UIImage> icon) {
+    const MainEntry entry{"setMarkerIcon"};
+    if (!entry) {
+        return;
+    }
+    _markerIcon = std::move(icon);
+    if (_markerIcon) {
+        prepareMarkerIcon();
+        return;
+    }
+    if (const auto& shown = geometry()) {
+        shown->setMaterials({});
+        setGeometry(shown);
+    }
+    removeFromParentNode();
+}
+
+void MarkerNode::setGroundAnchor(CGPoint anchor) {
+    const MainEntry entry{"setGroundAnchor"};
+    if (!entry || !std::isfinite(anchor.x) || !std::isfinite(anchor.y) || anchor == _groundAnchor) {
+        return;
+    }
+    _groundAnchor = anchor;
+    if (_markerIcon) {
+        prepareMarkerIcon();
+    }
+}
+
+void MarkerNode::setIsFlat(bool flat) {
+    if (const MainEntry entry{"setIsFlat"}) {
+        _isFlat = flat;
+        _needsUpdate = true;
+        if (_markerIcon) {
+            prepareMarkerIcon();
+        }
+    }
+}
+
+void MarkerNode::setIsDraggable(bool draggable) {
+    if (const MainEntry entry{"setIsDraggable"}) {
+        _isDraggable = draggable;
+    }
+}
+
+void MarkerNode::prepareMarkerIcon() {
+    const CGSize size = _markerIcon->size();
+    const auto width = static_cast<float>(size.width);
+    const auto height = static_cast<float>(size.height);
+    auto material = std::make_shared<SCNMaterial>();
+    material->readsFromDepthBuffer = false;
+    // It keeps its size on screen: levels of detail would only blur it.
+    material->diffuseUsesLevels = false;
+    material->diffuse = _markerIcon;
+    auto plane = std::make_shared<SCNPlane>(size.width, size.height);
+    plane->setMaterials({std::move(material)});
+    setPivot({(static_cast<float>(_groundAnchor.x) - 0.5F) * width,
+              -((static_cast<float>(_groundAnchor.y) - 0.5F) * height), 0});
+    setGeometry(std::move(plane));
+    _needsUpdate = true;
+}
+
+void MarkerNode::storeRotation(double degrees) {
+    _markerRotation = degrees;
+    const auto radians = static_cast<float>(degrees * DEG_TO_RAD_CONST);
+    if (std::isfinite(radians)) {
+        _markerRotationRad = radians;
+    }
+    _needsUpdate = true;
+}
+
+void MarkerNode::setMarkerRotation(double degrees) {
+    if (const MainEntry entry{"setMarkerRotation"}) {
+        storeRotation(degrees);
+    }
+}
+
+void MarkerNode::setRotation(double degrees, bool animated, double duration) {
+    const MainEntry entry{"setRotation"};
+    if (!entry || !cameraProjection() || !CLLocationCoordinate2DIsValid(_coordinate)) {
+        return;
+    }
+    if (animated && _isFlat) {
+        rotateTo(degrees, duration);
+        return;
+    }
+    storeRotation(degrees);
+    updateMarkerRotation();
+}
+
+void MarkerNode::rotateTo(double degrees, double duration) {
+    const double goal = std::fmod(static_cast<float>(degrees * -DEG_TO_RAD_CONST), kTurn);
+    if (!std::isfinite(goal)) {
+        return;
+    }
+    const auto target = static_cast<float>(shortestTurn(goal, presentedEulerAngles().z));
+    const std::uint64_t number = ++_rotationNumber;
+    runAction(SCNAction::rotateTo(0, 0, target, duration), [weak = weak_from_this(), number, target] {
+        if (const auto node = weak.lock()) {
+            const SceneLock lock;
+            static_cast<MarkerNode&>(*node).rotationEnded(number, -target);
+        }
+    });
+    // Only now: starting it may have cancelled another one.
+    _markerRotationActive = true;
+}
+
+void MarkerNode::rotationEnded(std::uint64_t number, float rotation) {
+    if (number == _rotationNumber) {
+        _markerRotationRad = rotation;
+        _markerRotationActive = false;
+        _needsUpdate = true;
+    }
+}
+
+void MarkerNode::actionsWereCancelled() {
+    // The move may have been cancelled while the rotation goes on.
+    if (!runsActionOf(SCNAction::Kind::rotate)) {
+        _markerRotationActive = false;
+        _needsUpdate = true;
+    }
+}
+
+void MarkerNode::updateMarkerRotation() {
+    if (!_lastCamera || _markerRotationActive) {
+        return;
+    }
+    const double current = presentedEulerAngles().z;
+    const double goal = _isFlat ? -_markerRotationRad : _lastCamera->rotation;
+    const double z = shortestTurn(std::fmod(goal, kTurn), current);
+    const double x = _isFlat ? 0.0 : _lastCamera->viewingAngle;
+    if (std::isfinite(z) && std::isfinite(x)) {
+        setExactEulerAngles({x, 0, z});
+    }
+}
+
+void MarkerNode::update(float zoom, float rotation, float viewingAngle) {
+    applyRenderingOrder();
+    if (!_markerIcon || !_markerPosition || !cameraProjection()) {
+        return;
+    }
+    const CameraState camera{zoom, rotation, viewingAngle, cameraProjection()->mapPointScreenPointRatio()};
+    if (!_needsUpdate && _lastCamera == camera) {
+        return;
+    }
+    _needsUpdate = false;
+    _lastCamera = camera;
+    if (const auto scale = _groundScale.unitsPerScreenPoint(camera.ratio, _placedCoordinate.latitude, zoom)) {
+        setScale({*scale, *scale, *scale});
+    }
+    updateMarkerRotation();
+}
+
+void MarkerNode::setup(const std::shared_ptr<CameraProjection>& projection) {
+    OverlayNode::setup(projection);
+    // Another engine has another origin: a marker whose coordinate has become invalid stays at its last
+    // place.
+    const bool isValid = CLLocationCoordinate2DIsValid(_coordinate);
+    if (projection && place(isValid ? _coordinate : _placedCoordinate)) {
+        changeMarkerPosition(false, 0);
+    }
+    // A marker that was cleared has lost its icon's material.
+    if (_markerIcon && (!geometry() || geometry()->materials().empty())) {
+        prepareMarkerIcon();
+    }
+}
+
+void MarkerNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
+    OverlayNode::addToMap(mapSceneView);
+    // Leaving the scene before may have cut a move short.
+    if (_markerPosition) {
+        changeMarkerPosition(false, 0);
+    }
+}
+
+void MarkerNode::clearEverything() {
+    OverlayNode::clearEverything();
+    _markerRotationActive = false;
+    _needsUpdate = true;
+}
+
+void MarkerNode::dragBy(OpenGlPoint offset) {
+    const SceneLock lock;
+    if (!_markerPosition || !std::isfinite(offset.x) || !std::isfinite(offset.y)) {
+        return;
+    }
+    _markerPosition = OpenGlPoint{_markerPosition->x + offset.x, _markerPosition->y + offset.y};
+    setExactPosition({_markerPosition->x, -_markerPosition->y, exactPosition().z});
+}
+
+std::string MarkerNode::description() const {
+    return "Marker " + descriptionOf(_coordinate);
+}
+
+} // namespace trelmix

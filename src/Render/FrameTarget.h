@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Render/GLCapabilities.h"
+#include "Render/GLObjects.h"
+
+#include <memory>
+#include <string>
+
+namespace trelmix {
+
+/// The framebuffer that frames are drawn into: multisampled when asked for, then resolved into a texture.
+///
+/// Its rows run from the top of the picture, as those of images do, so that reading back turns nothing over;
+/// the renderer's matrices look accordingly.
+class FrameTarget {
+public:
+    FrameTarget(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> graveyard);
+
+    /// Makes it this large; empty when it is, else the reason why not, and what was there stays.
+    std::string resize(int width, int height, int samples);
+    int width() const { return _surface.width; }
+    int height() const { return _surface.height; }
+    bool isEmpty() const { return _surface.width == 0; }
+
+    /// Binds what is drawn into and sets the viewport.
+    void bindForDrawing() const;
+    void resolve() const;
+    /// Binds the resolved picture.
+    void bindResolved() const;
+    GLuint texture() const { return _surface.texture.name(); }
+
+private:
+    struct Surface {
+        int width = 0;
+        int height = 0;
+        int samples = 0;
+        GLTexture texture;
+        GLFramebuffer resolved;
+        GLRenderbuffer multisampled;
+        GLFramebuffer drawn;
+    };
+    bool build(Surface& surface) const;
+    bool addSamples(Surface& surface) const;
+
+    GLCapabilities _capabilities;
+    std::shared_ptr<GLGraveyard> _graveyard;
+    Surface _surface;
+};
+
+} // namespace trelmix

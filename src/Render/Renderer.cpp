@@ -1,0 +1,309 @@
+#include "Render/Renderer.h"
+
+#include "Render/DrawPlan.h"
+#include "Render/FrameTarget.h"
+#include "Render/OverlayPainter.h"
+
+#include <array>
+#include <cmath>
+
+namespace trelmix {
+
+struct Renderer::Parts {
+    Parts(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> shared, Options given)
+        : graveyard(std::move(shared)), options(given), hasDerivatives(capabilities.hasDerivatives),
+          target(capabilities, graveyard),
+          stores(capabilities, graveyard, TextureLimits::of(capabilities, options.maximumTextureSize)),
+          plan(stores) {}
+
+    std::string prepare(const std::vector<DrawRun>& runs);
+    std::string prepare(const DrawRun& run);
+    void setState();
+    std::string paint(const DrawFrame& frame, FrameReport& report);
+    void paintScene(const std::vector<DrawRun>& runs, FrameReport& report);
+    void paintImages(const DrawRun& run);
+    void fade(const UIColor& background, double alpha);
+    void drawOverlays(std::span<const OverlayQuad> quads, int width, int height, bool rowsRunDown);
+
+    std::shared_ptr<GLGraveyard> graveyard;
+    Options options;
+    bool hasDerivatives;
+    FrameTarget target;
+    FrameView view;
+    RenderStores stores;
+    DrawPlan plan;
+    OverlayPainter overlays{stores.images};
+    VertexArrays arrays;
+};
+
+namespace {
+
+constexpr const char* kShaders = "the renderer's shaders: ";
+
+bool isUsable(const OverlayQuad& quad) {
+    const CGRect& r = quad.pixels;
+    return quad.image && std::isfinite(r.origin.x) && std::isfinite(r.origin.y) &&
+           std::isfinite(r.size.width) && std::isfinite(r.size.height);
+}
+
+void clear(const UIColor& color) {
+    const UIColor c = color.limited();
+    glClearColor(static_cast<float>(c.red * c.alpha), static_cast<float>(c.green * c.alpha),
+                 static_cast<float>(c.blue * c.alpha), static_cast<float>(c.alpha));
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+} // namespace
+
+Renderer::Renderer(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> graveyard,
+                   Options options)
+    : _parts(std::make_unique<Parts>(capabilities, std::move(graveyard), options)) {}
+
+Renderer::~Renderer() = default;
+
+void Renderer::setUploadSecondsPerFrame(double seconds) {
+    _parts->options.uploadSecondsPerFrame = seconds;
+}
+
+void Renderer::setSamples(int samples) {
+    _parts->options.samples = samples;
+}
+
+int Renderer::samples() const {
+    return _parts->options.samples;
+}
+
+Result<FrameReport> Renderer::draw(const DrawFrame& frame, int pixelWidth, int pixelHeight) {
+    Parts& parts = *_parts;
+    parts.graveyard->deleteObjects();
+    parts.setState();
+    std::string reason = parts.target.resize(pixelWidth, pixelHeight, parts.options.samples);
+    FrameReport report;
+    if (reason.empty()) {
+        reason = parts.paint(frame, report);
+    }
+    return reason.empty() ? Result(report) : Result<FrameReport>::failure(std::move(reason));
+}
+
+/// Shaders are made when they are first needed: the first picture waits for no others.
+std::string Renderer::Parts::prepare(const std::vector<DrawRun>& runs) {
+    for (const DrawRun& run : runs) {
+        if (const std::string reason = prepare(run); !reason.empty()) {
+            return kShaders + reason;
+        }
+    }
+    return {};
+}
+
+std::string Renderer::Parts::prepare(const DrawRun& run) {
+    switch (run.kind) {
+    case DrawRun::Kind::images:
+        return stores.images.prepare(run.isTinted, graveyard);
+    case DrawRun::Kind::discs:
+        return stores.discs.prepare(graveyard, hasDerivatives);
+    case DrawRun::Kind::sharedFills:
+    case DrawRun::Kind::largeFill:
+        return stores.fills.prepare(graveyard);
+    case DrawRun::Kind::program:
+        break; // its store has linked it
+    }
+    return {};
+}
+
+void Renderer::Parts::setState() {
+    constexpr std::array<GLenum, 8> features{GL_DEPTH_TEST,
+                                             GL_STENCIL_TEST,
+                                             GL_CULL_FACE,
+                                             GL_SCISSOR_TEST,
+                                             GL_DITHER,
+                                             GL_POLYGON_OFFSET_FILL,
+                                             GL_SAMPLE_ALPHA_TO_COVERAGE,
+                                             GL_SAMPLE_COVERAGE};
+    for (const GLenum feature : features) {
+        glDisable(feature);
+    }
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    glDepthMask(GL_FALSE);
+    glBlendEquation(GL_FUNC_ADD);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    glActiveTexture(GL_TEXTURE0);
+    arrays.reset();
+}
+
+std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
+    const std::size_t before = stores.atlas.uploadedBytes();
+    const std::size_t meshesBefore = stores.meshes.uploadedBytes();
+    const bool originMoved = view.update(frame.camera, target.width(), target.height());
+    report.rewrittenBytes = plan.setList(frame.list, view, originMoved);
+    plan.markWaiting(view);
+    report.uploadedBytes = stores.textures.upload(options.uploadSecondsPerFrame) +
+                           stores.atlas.uploadedBytes() - before + stores.meshes.uploadedBytes() -
+                           meshesBefore;
+    report.uploadsLeft = stores.textures.waitingInView();
+    const bool isVisible = frame.alpha > 0 && view.isFinite();
+    const auto& runs = plan.makeRuns(view);
+    report.rewrittenBytes +=
+        stores.images.slots().upload() + stores.discs.slots().upload() + stores.indices.upload();
+    if (std::string reason = prepare(runs); !reason.empty()) {
+        return reason;
+    }
+    target.bindForDrawing();
+    clear(frame.background);
+    if (isVisible) {
+        paintScene(runs, report);
+        if (frame.alpha < 1) {
+            fade(frame.background, frame.alpha);
+        }
+    }
+    target.resolve();
+    return {};
+}
+
+void Renderer::Parts::paintScene(const std::vector<DrawRun>& runs, FrameReport& report) {
+    stores.images.startFrame();
+    stores.discs.startFrame();
+    glEnable(GL_BLEND);
+    for (const DrawRun& run : runs) {
+        ++report.drawCalls;
+        switch (run.kind) {
+        case DrawRun::Kind::images:
+            paintImages(run);
+            break;
+        case DrawRun::Kind::discs:
+            stores.discs.use(view, arrays);
+            stores.discs.pointAt(run.chunk);
+            stores.indices.bind();
+            stores.indices.draw(run.first, run.count);
+            break;
+        case DrawRun::Kind::sharedFills:
+            stores.fills.useShared(view, arrays);
+            stores.fills.drawShared(run.chunk, run.first, run.count);
+            break;
+        case DrawRun::Kind::largeFill:
+            report.drawCalls += stores.fills.drawLarge(plan.placement(run), view, arrays) - 1;
+            break;
+        case DrawRun::Kind::program: {
+            const Placement& placement = plan.placement(run);
+            glUseProgram(placement.program->name());
+            report.drawCalls +=
+                placement.program->draw(*placement.mesh, view.matrixFor(placement.item->meshPosition),
+                                        *placement.item, arrays) -
+                1;
+            break;
+        }
+        }
+    }
+    glDisable(GL_BLEND);
+}
+
+void Renderer::Parts::paintImages(const DrawRun& run) {
+    stores.images.use(run.isTinted, view, arrays);
+    stores.images.pointAt(run.chunk);
+    stores.indices.bind();
+    glBindTexture(GL_TEXTURE_2D, run.texture);
+    if (!run.isTranslucent) {
+        glDisable(GL_BLEND);
+    }
+    stores.indices.draw(run.first, run.count);
+    if (!run.isTranslucent) {
+        glEnable(GL_BLEND);
+    }
+}
+
+void Renderer::Parts::fade(const UIColor& background, double alpha) {
+    if (!overlays.prepare(graveyard).empty()) {
+        return;
+    }
+    // Over what was drawn, the bare background by the rest: an image of one pixel is all that takes.
+    const UIColor c = background.limited();
+    const auto byte = [&](double component) {
+        return static_cast<std::uint8_t>(std::lround(component * c.alpha * 255));
+    };
+    const auto pixel = UIImage::withPixels(1, 1, {byte(c.red), byte(c.green), byte(c.blue), byte(1)});
+    glEnable(GL_BLEND);
+    glBlendColor(0, 0, 0, static_cast<float>(alpha));
+    glBlendFunc(GL_ONE_MINUS_CONSTANT_ALPHA, GL_CONSTANT_ALPHA);
+    overlays.draw({-1, -1, 1, 1, 0, 0, 1, 1}, stores.textures.overlay(pixel).parts().front().texture.name(),
+                  arrays);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glDisable(GL_BLEND);
+    stores.textures.dropDeadOverlays();
+}
+
+Result<std::shared_ptr<const UIImage>> Renderer::readBack(double scale) {
+    using Read = Result<std::shared_ptr<const UIImage>>;
+    const FrameTarget& target = _parts->target;
+    if (target.isEmpty()) {
+        return Read::failure("nothing has been drawn yet");
+    }
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(target.width()) *
+                                     static_cast<std::size_t>(target.height()) * 4);
+    target.bindResolved();
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    glReadPixels(0, 0, target.width(), target.height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    auto image = UIImage::withPixels(target.width(), target.height(), std::move(pixels), scale);
+    if (!image) {
+        return Read::failure(
+            "the picture cannot be kept as an image: it is too large or its scale is not positive");
+    }
+    return Read(std::move(image));
+}
+
+void Renderer::drawImages(std::span<const OverlayQuad> quads) {
+    Parts& parts = *_parts;
+    if (parts.target.isEmpty()) {
+        return;
+    }
+    parts.target.bindResolved();
+    parts.drawOverlays(quads, parts.target.width(), parts.target.height(), true);
+}
+
+void Renderer::drawImagesTo(unsigned framebuffer, int width, int height, std::span<const OverlayQuad> quads) {
+    if (width <= 0 || height <= 0) {
+        return;
+    }
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glViewport(0, 0, width, height);
+    _parts->drawOverlays(quads, width, height, false);
+}
+
+void Renderer::Parts::drawOverlays(std::span<const OverlayQuad> quads, int width, int height,
+                                   bool rowsRunDown) {
+    setState();
+    stores.textures.dropDeadOverlays();
+    if (!overlays.prepare(graveyard).empty()) {
+        return;
+    }
+    glEnable(GL_BLEND);
+    for (const OverlayQuad& quad : quads) {
+        if (isUsable(quad)) {
+            overlays.draw(stores.textures.overlay(quad.image), quad.pixels, width, height, rowsRunDown,
+                          arrays);
+        }
+    }
+    glDisable(GL_BLEND);
+}
+
+std::string Renderer::blitTo(unsigned framebuffer, int x, int y, int width, int height) {
+    Parts& parts = *_parts;
+    if (parts.target.isEmpty() || width <= 0 || height <= 0) {
+        return {};
+    }
+    parts.setState();
+    if (const std::string reason = parts.overlays.prepare(parts.graveyard); !reason.empty()) {
+        return kShaders + reason;
+    }
+    glDisable(GL_BLEND);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glViewport(x, y, width, height);
+    parts.overlays.draw({-1, 1, 1, -1, 0, 0, 1, 1}, parts.target.texture(), parts.arrays);
+    return {};
+}
+
+std::size_t Renderer::textureBytes() const {
+    return _parts->stores.textures.byteCount() + _parts->stores.atlas.byteCount();
+}
+
+} // namespace trelmix

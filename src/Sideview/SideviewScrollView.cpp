@@ -1,0 +1,249 @@
+#include "Sideview/SideviewScrollView.h"
+
+#include "Platform/Foundation/MainEntry.h"
+#include "Platform/View/LayoutConstraint.h"
+#include "Platform/View/UIScreen.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace trelmix {
+
+namespace {
+
+constexpr double kFootprintAlpha = 0.4;
+// Image points.
+constexpr CGRect kInitialPositionStrip{{0, 2}, {0, 15}};
+
+bool isFinite(const CGRect& rect) {
+    return std::isfinite(rect.origin.x) && std::isfinite(rect.origin.y) && std::isfinite(rect.size.width) &&
+           std::isfinite(rect.size.height);
+}
+
+void pin(UIView& superview, const char* format, const LayoutConstraint::Metrics& metrics,
+         const LayoutConstraint::Views& views) {
+    if (auto constraints = LayoutConstraint::constraintsWithVisualFormat(format, metrics, views)) {
+        superview.addConstraints(std::move(*constraints));
+    }
+}
+
+std::shared_ptr<UIView> addTintedView(UIView& superview, CGRect frame, UIColor color) {
+    auto added = UIView::make(frame);
+    added->setBackgroundColor(color.colorWithAlphaComponent(kFootprintAlpha));
+    superview.addSubview(added);
+    return added;
+}
+
+} // namespace
+
+TMXSideviewScrollViewDelegate::~TMXSideviewScrollViewDelegate() = default;
+TMXSideviewScrollView::~TMXSideviewScrollView() = default;
+
+std::shared_ptr<TMXSideviewScrollView> TMXSideviewScrollView::make(CGRect frame) {
+    return SideviewScrollView::make(frame);
+}
+
+std::shared_ptr<SideviewScrollView> SideviewScrollView::make(CGRect frame) {
+    return std::shared_ptr<SideviewScrollView>(new SideviewScrollView(frame));
+}
+
+SideviewScrollView::~SideviewScrollView() = default;
+
+std::shared_ptr<SideviewScrollView> SideviewScrollView::self() {
+    return std::static_pointer_cast<SideviewScrollView>(shared_from_this());
+}
+
+void SideviewScrollView::setDelegate(std::weak_ptr<TMXSideviewScrollViewDelegate> delegate) {
+    if (const MainEntry entry{"setDelegate"}) {
+        _delegate = std::move(delegate);
+    }
+}
+
+void SideviewScrollView::setBackgroundColor(std::optional<UIColor> color) {
+    if (const MainEntry entry{"setBackgroundColor"}) {
+        UIView::setBackgroundColor(color);
+        if (_imageView) {
+            _imageView->setBackgroundColor(color);
+        }
+    }
+}
+
+void SideviewScrollView::setEnableZooming(bool enable) {
+    if (const MainEntry entry{"setEnableZooming"}) {
+        _enableZooming = enable;
+        applyEnableZooming();
+    }
+}
+
+void SideviewScrollView::applyEnableZooming() {
+    if (!_scrollView) {
+        return;
+    }
+    if (_enableZooming) {
+        _scrollView->setMaximumZoomScale(1.0);
+    } else {
+        _scrollView->setMaximumZoomScale(_scrollView->minimumZoomScale());
+        _scrollView->setZoomScale(_scrollView->minimumZoomScale(), false);
+    }
+    _scrollView->setScrollEnabled(_enableZooming);
+}
+
+void SideviewScrollView::setupSideviewWith(std::shared_ptr<const UIImage> image,
+                                           const std::string& levelsPath) {
+    // The file is read before the lock is taken: no frame waits for a disk.
+    if (!requireMainThread("setupSideviewWith")) {
+        return;
+    }
+    const auto keep = self();
+    using Made = Result<std::shared_ptr<const SideviewProjection>>;
+    auto projection = image ? SideviewProjection::make(levelsPath, image->size().width, image->size().height)
+                            : Made::failure("image: there is none");
+    const MainEntry entry{"setupSideviewWith"};
+    removeHierarchy();
+    _setupFailure = projection.reason();
+    _projection = projection ? *projection : nullptr;
+    if (!image) {
+        return;
+    }
+    setBackgroundColor(UIColor::whiteColor());
+    addScrollView();
+    addImageView(image);
+    fitToWidth(image->size());
+    addRectangles();
+    layoutIfNeeded();
+    mapViewIdle();
+    setupGestureRecognisers();
+}
+
+void SideviewScrollView::removeHierarchy() {
+    if (_scrollView) {
+        _scrollView->removeFromSuperview();
+    }
+    _scrollView.reset();
+    _imageView.reset();
+    _cameraRectangle.reset();
+    _positionRectangle.reset();
+    _userPositionMarker.reset();
+    _markers.clear();
+    _navigationPath.reset();
+    ++_navigationPathRevision;
+}
+
+void SideviewScrollView::addScrollView() {
+    _scrollView = UIScrollView::make();
+    _scrollView->setDelegate(self());
+    _scrollView->setTranslatesAutoresizingMaskIntoConstraints(false);
+    addSubview(_scrollView);
+    for (const char* format : {"H:|[scrollView]|", "V:|[scrollView]|"}) {
+        pin(*this, format, {}, {{"scrollView", _scrollView}});
+    }
+}
+
+void SideviewScrollView::addImageView(const std::shared_ptr<const UIImage>& image) {
+    _imageView = SideviewImageView::make(image);
+    _imageView->setBackgroundColor(backgroundColor());
+    _imageView->setParentScrollView(self());
+    _imageView->setTranslatesAutoresizingMaskIntoConstraints(false);
+    _scrollView->addSubview(_imageView);
+    const LayoutConstraint::Metrics metrics{{"width", image->size().width}, {"height", image->size().height}};
+    for (const char* format : {"H:|[sideviewImageView(==width)]|", "V:|[sideviewImageView(==height)]|"}) {
+        pin(*_scrollView, format, metrics, {{"sideviewImageView", _imageView}});
+    }
+}
+
+void SideviewScrollView::fitToWidth(CGSize imageSize) {
+    const double ownWidth = frame().size.width;
+    const double width = ownWidth == 0 ? UIScreen::mainScreenBounds().size.width : ownWidth;
+    const double fitting = width / imageSize.width;
+    _scrollView->setContentSize(imageSize);
+    _scrollView->setMinimumZoomScale(std::isnan(fitting) ? 1.0 : std::min(1.0, fitting));
+    applyEnableZooming();
+    _scrollView->setZoomScale(_scrollView->minimumZoomScale(), false);
+}
+
+void SideviewScrollView::addRectangles() {
+    _cameraRectangle = addTintedView(*_imageView, {}, UIColor::redColor());
+    _positionRectangle = addTintedView(*_imageView, kInitialPositionStrip, UIColor::blueColor());
+}
+
+void SideviewScrollView::setDisplayedLevel(std::int64_t level, std::shared_ptr<TrelmixMapEngine> engine) {
+    if (const MainEntry entry{"setDisplayedLevel"}) {
+        _levelNumber = level;
+        _mapEngine.swap(engine);
+        mapViewIdle();
+    }
+}
+
+void SideviewScrollView::mapViewIdleAtCamera(const std::shared_ptr<TrelmixMapEngineCamera>&) {
+    mapViewIdle();
+}
+
+void SideviewScrollView::mapViewIdle() {
+    // The lock keeps the four corners of the view those of one camera.
+    const MainEntry entry{"mapViewIdle"};
+    if (!entry || !_projection || !_mapEngine) {
+        return;
+    }
+    const std::shared_ptr<TrelmixMapProjection> map = _mapEngine->projection();
+    if (!map) {
+        return;
+    }
+    const std::int64_t level = shouldCameraRectangleBeVisible() ? _levelNumber : kInvalidLevel;
+    const CGRect footprint = _projection->cameraBoundingRectangle(*map, level);
+    if (!isFinite(footprint)) {
+        return;
+    }
+    _cameraRectangle->setFrame(footprint);
+    CGRect strip = _positionRectangle->frame();
+    strip.origin.x = footprint.origin.x;
+    strip.size.width = footprint.size.width;
+    _positionRectangle->setFrame(strip);
+}
+
+bool SideviewScrollView::shouldCameraRectangleBeVisible() const {
+    return !_cameraRectangle->isHidden() &&
+           _cameraRectangle->backgroundColor().value_or(UIColor::blackColor()).alpha > 0;
+}
+
+std::vector<std::int64_t> SideviewScrollView::levelNumbers() const {
+    std::vector<std::int64_t> numbers;
+    if (_projection && _projection->levels()) {
+        for (const SideviewLevel& level : *_projection->levels()) {
+            if (level.levelNumber) {
+                numbers.push_back(*level.levelNumber);
+            }
+        }
+    }
+    return numbers;
+}
+
+std::optional<std::int64_t> SideviewScrollView::levelAt(CGPoint point) const {
+    return _projection ? _projection->levelAt(convertPointToView(point, _imageView)) : std::nullopt;
+}
+
+void SideviewScrollView::zoomBy(double factor, CGPoint point) {
+    if (!_scrollView || !std::isfinite(point.x) || !std::isfinite(point.y)) {
+        return;
+    }
+    const double before = _scrollView->zoomScale();
+    const CGPoint offset = _scrollView->contentOffset();
+    _scrollView->setZoomScale(before * factor, false);
+    const double zoomed = _scrollView->zoomScale() / before;
+    _scrollView->setContentOffset(
+        {(offset.x + point.x) * zoomed - point.x, (offset.y + point.y) * zoomed - point.y});
+}
+
+std::shared_ptr<UIView> SideviewScrollView::viewForZoomingInScrollView(UIScrollView&) {
+    return _imageView;
+}
+
+void SideviewScrollView::scrollViewDidZoom(UIScrollView&) {
+    if (_navigationPath) {
+        _navigationPath->setLineWidth(_navigationPathWidth / _scrollView->zoomScale());
+    }
+    updateUserPositionIcon();
+    updateSideviewMarkers();
+}
+
+} // namespace trelmix

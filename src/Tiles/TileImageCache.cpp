@@ -1,0 +1,60 @@
+#include "Tiles/TileImageCache.h"
+
+#include <algorithm>
+
+namespace trelmix {
+namespace {
+
+/// The levels of detail, a third of the image, are counted before they are made.
+std::size_t bytesOf(const UIImage* image) {
+    constexpr std::size_t kBookkeeping = 128;
+    return kBookkeeping +
+           (image == nullptr ? 0 : std::max(image->byteCount(), image->pixels().size() / 3 * 4));
+}
+
+} // namespace
+
+const std::shared_ptr<const UIImage>* TileImageCache::find(const TileKey& key) {
+    const auto found = _index.find(key);
+    if (found == _index.end()) {
+        return nullptr;
+    }
+    touch(key);
+    return &found->second->image;
+}
+
+void TileImageCache::insert(const TileKey& key, std::shared_ptr<const UIImage> image) {
+    if (const auto found = _index.find(key); found != _index.end()) {
+        erase(found->second);
+    }
+    const std::size_t bytes = bytesOf(image.get());
+    _entries.push_back({key, std::move(image), bytes});
+    _index.emplace(key, std::prev(_entries.end()));
+    _byteCount += bytes;
+}
+
+void TileImageCache::clear() {
+    _index.clear();
+    _entries.clear();
+    _byteCount = 0;
+}
+
+void TileImageCache::touch(const TileKey& key) {
+    if (const auto found = _index.find(key); found != _index.end()) {
+        _entries.splice(_entries.end(), _entries, found->second);
+    }
+}
+
+void TileImageCache::trim(std::size_t keptCount) {
+    while (isOverLimit() && _entries.size() > keptCount) {
+        erase(_entries.begin());
+    }
+}
+
+void TileImageCache::erase(Entries::iterator entry) {
+    _byteCount -= entry->byteCount;
+    _index.erase(entry->key);
+    _entries.erase(entry);
+}
+
+} // namespace trelmix

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Tiles/TileGround.h"
+
+#include <Trelmix/Platform/UIImage.h>
+
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+namespace trelmix {
+
+/// A layer's answers by tile; an empty image records that the source had none. Guarded by the scene lock.
+class TileImageCache {
+public:
+    /// What was answered; null when nothing was.
+    const std::shared_ptr<const UIImage>* find(const TileKey& key);
+    /// Replaces an earlier answer.
+    void insert(const TileKey& key, std::shared_ptr<const UIImage> image);
+    void clear();
+
+    std::optional<std::size_t> limit() const { return _limit; }
+    /// Bytes, levels of detail included; empty for no limit. Takes effect with the next `trim`.
+    void setLimit(std::optional<std::size_t> limit) { _limit = limit; }
+    bool isOverLimit() const { return _limit && _byteCount > *_limit; }
+    /// Marks a tile as in use now.
+    void touch(const TileKey& key);
+    /// Forgets the least recently used answers until the limit is kept, but none of the `keptCount` that
+    /// were touched last.
+    void trim(std::size_t keptCount);
+    std::size_t byteCount() const { return _byteCount; }
+
+private:
+    struct Entry {
+        TileKey key;
+        std::shared_ptr<const UIImage> image;
+        std::size_t byteCount;
+    };
+    using Entries = std::list<Entry>;
+    void erase(Entries::iterator entry);
+
+    /// The least recently used first.
+    Entries _entries;
+    std::unordered_map<TileKey, Entries::iterator, TileKeyHash> _index;
+    std::size_t _byteCount = 0;
+    std::optional<std::size_t> _limit;
+};
+
+} // namespace trelmix

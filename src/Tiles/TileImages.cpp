@@ -1,0 +1,121 @@
+// Where a tile layer's images come from and how answers are kept.
+
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/Thread.h"
+#include "Tiles/MapTileNode.h"
+
+namespace trelmix {
+
+bool MapTileNode::readCachedTile(SingleMapTileNode& node) {
+    const auto* const answer = _mapTileImages.find(node.key());
+    if (answer == nullptr) {
+        return false;
+    }
+    node.finishLoading(*answer);
+    if (node.tileImage()) {
+        restartTileCleanupTimer();
+    }
+    return true;
+}
+
+void MapTileNode::requestTileImage(SingleMapTileNode& node) {
+    const auto keep = self();
+    if (readCachedTile(node)) {
+        return;
+    }
+    if (loadsFromUrls()) {
+        createMapUrlTileDownloadTask(node.key());
+    } else if (_synchronousLayer) {
+        askDelegateAtOnce(node.key());
+    } else {
+        askDelegate(node.key());
+    }
+}
+
+void MapTileNode::askDelegate(const TileKey& key) {
+    const auto map = attachedMap();
+    const auto delegate = map ? map->delegate() : nullptr;
+    if (delegate) {
+        callOut([&, layer = self()] { delegate->tileRequestedForX(key.x, key.y, key.zoom, layer); });
+    }
+}
+
+void MapTileNode::askDelegateAtOnce(const TileKey& key) {
+    const auto map = attachedMap();
+    if (!map) {
+        return;
+    }
+    std::shared_ptr<const UIImage> image;
+    if (const auto delegate = map->delegate()) {
+        image = callOut([&] { return delegate->tileForX(key.x, key.y, key.zoom); });
+    }
+    provideOnMainThread(key, std::move(image), true);
+}
+
+void MapTileNode::provideTile(std::int64_t x, std::int64_t y, std::int64_t zoom,
+                              std::shared_ptr<const UIImage> image) {
+    provideOnMainThread({x, y, zoom}, std::move(image), false);
+}
+
+void MapTileNode::provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image, bool internally) {
+    if (Thread::isMainThread()) {
+        acceptTile(key, std::move(image), internally);
+        return;
+    }
+    DispatchQueue::main().async(
+        [weak = std::weak_ptr(self()), key, internally, image = std::move(image)]() mutable {
+            if (const auto layer = weak.lock()) {
+                layer->acceptTile(key, std::move(image), internally);
+            }
+        });
+}
+
+std::shared_ptr<SingleMapTileNode> MapTileNode::shownTile(const TileKey& key) const {
+    const auto level = _mapTiles.find(key.zoom);
+    if (level == _mapTiles.end()) {
+        return nullptr;
+    }
+    for (const auto& tile : level->second) {
+        if (tile->key() == key) {
+            return tile;
+        }
+    }
+    return nullptr;
+}
+
+void MapTileNode::acceptTile(TileKey key, std::shared_ptr<const UIImage> image, bool internally) {
+    const SceneLock lock;
+    if (loadsFromUrls() && !internally) {
+        return;
+    }
+    const auto tile = shownTile(key);
+    if (!tile) {
+        return;
+    }
+    insertCachedTile(key, image);
+    if (image) {
+        restartTileCleanupTimer();
+    }
+    tile->finishLoading(std::move(image));
+    trimImageCache();
+}
+
+void MapTileNode::insertCachedTile(const TileKey& key, const std::shared_ptr<const UIImage>& image) {
+    _mapTileImages.insert(key, image);
+}
+
+void MapTileNode::trimImageCache() {
+    if (!_mapTileImages.isOverLimit()) {
+        return;
+    }
+    std::size_t shown = 0;
+    for (const auto& [zoom, tiles] : _mapTiles) {
+        for (const auto& tile : tiles) {
+            _mapTileImages.touch(tile->key());
+            ++shown;
+        }
+    }
+    _mapTileImages.trim(shown);
+}
+
+} // namespace trelmix

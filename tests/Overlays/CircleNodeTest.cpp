@@ -1,0 +1,103 @@
+#include "Overlays/CircleNode.h"
+#include "Geo/GeoUtils.h"
+#include "support/EngineFixture.h"
+
+#include <cmath>
+#include <limits>
+
+namespace trelmix {
+namespace {
+
+constexpr CLLocationCoordinate2D kHere{54.32, 10.14};
+constexpr CLLocationCoordinate2D kThere{54.33, 10.16};
+
+class CircleNodeTest : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->initialiseWithTarget(kHere, 16);
+        circle = CircleNode::make();
+        circle->setColor(UIColor{1, 0, 0, 0.5});
+        circle->setCoordinate(kHere);
+    }
+    void TearDown() override {
+        circle.reset();
+        EngineFixture::TearDown();
+    }
+    double diameterOf(double radius) const {
+        return 2 * radius / GeoUtils::metersPerMapPoint(kHere.latitude, ZOOMLEVEL_MAX);
+    }
+
+    std::shared_ptr<CircleNode> circle;
+};
+
+TEST_F(CircleNodeTest, isARoundDiscOfItsDiameterOnTheGround) {
+    circle->setRadius(100);
+    circle->setMap(engine);
+    step();
+    const DrawItem& item = *lastFrame.list->items.at(0);
+    EXPECT_EQ(item.kind, DrawKind::disc);
+    EXPECT_EQ(item.color, (std::array<float, 4>{0.5F, 0, 0, 0.5F}));
+    EXPECT_NEAR(item.corners[1].x - item.corners[0].x, diameterOf(100), 0.01);
+    EXPECT_NEAR(item.corners[0].y - item.corners[2].y, diameterOf(100), 0.01);
+    EXPECT_FLOAT_EQ(circle->position().z, 0.05F);
+    EXPECT_EQ(item.renderingOrder, -73);
+}
+
+TEST_F(CircleNodeTest, movesAndGrowsTogether) {
+    circle->setRadius(10);
+    circle->setMap(engine);
+    circle->updateCircleWithCoordinate(kThere, 30, true, 1.0);
+    EXPECT_EQ(circle->coordinate(), kThere);
+    step(0.5);
+    EXPECT_NEAR(circle->presentedScale().x, diameterOf(20), 0.01);
+    EXPECT_NEAR(circle->presentedCoordinate().longitude, 10.15, 1e-9);
+    step(0.5);
+    EXPECT_NEAR(circle->presentedScale().x, diameterOf(30), 0.01);
+    EXPECT_NEAR(circle->presentedCoordinate().latitude, kThere.latitude, 1e-9);
+    EXPECT_EQ(circle->position().z, 0);
+}
+
+TEST_F(CircleNodeTest, aMoveThatIsCutShortEndsWhereItWasGoing) {
+    circle->setMap(engine);
+    circle->updateCircleWithCoordinate(kThere, 30, true, 1.0);
+    step(0.5);
+    circle->setMap(engine);
+    step();
+    EXPECT_NEAR(circle->presentedCoordinate().latitude, kThere.latitude, 1e-9);
+    EXPECT_NEAR(circle->presentedScale().x, diameterOf(30), 0.01);
+}
+
+TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStore) {
+    circle->setRadius(7);
+    circle->updateCircleWithCoordinate(kThere, 30, false, 0);
+    EXPECT_EQ(circle->coordinate(), kHere);
+    EXPECT_EQ(circle->radius(), 7);
+    EXPECT_FALSE(CLLocationCoordinate2DIsValid(circle->presentedCoordinate()));
+}
+
+TEST_F(CircleNodeTest, badRadiiAndCentresShowNothingWrong) {
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    circle->setMap(engine);
+    for (const double radius : {-5.0, kNan, 0.0, -std::numeric_limits<double>::infinity()}) {
+        circle->setRadius(radius);
+        EXPECT_EQ(circle->scale().x, 0) << radius;
+    }
+    for (const double radius : {1e300, std::numeric_limits<double>::infinity()}) {
+        circle->setRadius(radius);
+        EXPECT_TRUE(std::isfinite(circle->scale().x)) << radius;
+    }
+    circle->setRadius(5);
+    const SCNVector3 place = circle->position();
+    for (const CLLocationCoordinate2D bad :
+         {kCLLocationCoordinate2DInvalid, CLLocationCoordinate2D{kNan, kNan}, {-90, 0}}) {
+        circle->setCoordinate(bad);
+        circle->updateCircleWithCoordinate(bad, 5, true, 0.1);
+        step(0.2);
+        EXPECT_EQ(circle->position().x, place.x);
+        EXPECT_NEAR(circle->scale().x, diameterOf(5), 0.01);
+    }
+}
+
+} // namespace
+} // namespace trelmix

@@ -1,0 +1,235 @@
+#include "Overlays/MarkerNode.h"
+#include "Geo/GeoUtils.h"
+#include "support/EngineFixture.h"
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace trelmix {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr CLLocationCoordinate2D kQuay{54.32, 10.14};
+constexpr CLLocationCoordinate2D kPier{54.321, 10.142};
+
+std::shared_ptr<const UIImage> icon(int width, int height) {
+    return UIImage::withPixels(width, height,
+                               std::vector<std::uint8_t>(static_cast<std::size_t>(width * height * 4), 255));
+}
+
+class MarkerNodeTest : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->initialiseWithTarget(kQuay, 18);
+        marker = MarkerNode::make();
+        marker->setMarkerIcon(icon(40, 60));
+        marker->setCoordinate(kQuay);
+    }
+    void TearDown() override {
+        marker.reset();
+        EngineFixture::TearDown();
+    }
+    void show() {
+        marker->setMap(engine);
+        step();
+    }
+    void turnCamera(double rotation, double tilt) { engine->setCamera(rotation, tilt, 18, false); }
+    double middleLatitude() const { return (kQuay.latitude + kPier.latitude) * 0.5; }
+
+    std::shared_ptr<MarkerNode> marker;
+};
+
+TEST_F(MarkerNodeTest, theAnchorOfTheIconSitsOnTheCoordinate) {
+    EXPECT_EQ(marker->pivot(), (SCNVector3{0, 0, 0}));
+    marker->setGroundAnchor({0.5, 1.0});
+    EXPECT_EQ(marker->pivot(), (SCNVector3{0, -30, 0}));
+    const auto shown = marker->geometry();
+    marker->setGroundAnchor({0.5, 1.0});
+    marker->setGroundAnchor({kNan, 0});
+    EXPECT_EQ(marker->geometry(), shown);
+    marker->setGroundAnchor({0, 0});
+    EXPECT_EQ(marker->pivot(), (SCNVector3{-20, 30, 0}));
+}
+
+TEST_F(MarkerNodeTest, keepsItsSizeOnScreenAtEveryZoomAndHeading) {
+    show();
+    const auto projection = engine->cameraProjection();
+    for (const float zoom : {15.0F, 18.3F, 23.0F}) {
+        for (const double heading : {0.0, 123.0, 270.0}) {
+            engine->setCamera(heading, 0, zoom, false);
+            step();
+            const auto& corners = lastFrame.list->items.at(0)->corners;
+            const auto onScreen = [&](std::size_t i) {
+                return projection->screenCoordinateFor(coordinateAt(corners[i], *projection));
+            };
+            EXPECT_NEAR(onScreen(1).x - onScreen(0).x, 40, 0.05) << zoom << " " << heading;
+            EXPECT_NEAR(onScreen(2).y - onScreen(0).y, 60, 0.05) << zoom << " " << heading;
+        }
+    }
+    EXPECT_FALSE(lastFrame.list->items.at(0)->usesLevels);
+}
+
+TEST_F(MarkerNodeTest, standsUprightTowardsTheCameraOrLiesFlatWithItsOwnRotation) {
+    show();
+    turnCamera(-40, 30);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().x, 30 * DEG_TO_RAD_CONST, 1e-6);
+    EXPECT_NEAR(marker->eulerAngles().z, 40 * DEG_TO_RAD_CONST, 1e-6);
+    marker->setIsFlat(true);
+    marker->setMarkerRotation(90);
+    step();
+    EXPECT_EQ(marker->eulerAngles(), (SCNVector3{0, 0, static_cast<float>(-std::numbers::pi / 2)}));
+    // On to -170 degrees and to 170 by the shorter ways, past half a turn and back over it.
+    marker->setMarkerRotation(-170);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().z, -190 * DEG_TO_RAD_CONST, 1e-6);
+    marker->setMarkerRotation(170);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().z, -170 * DEG_TO_RAD_CONST, 1e-6);
+    for (const double bad : {kInfinity, kNan, 1e300}) {
+        marker->setMarkerRotation(bad);
+        marker->setRotation(bad, true, 0.1);
+        step();
+        EXPECT_NEAR(marker->eulerAngles().z, -170 * DEG_TO_RAD_CONST, 1e-6);
+    }
+}
+
+TEST_F(MarkerNodeTest, anAssignedCoordinateIsReachedAfterTheCommonDuration) {
+    show();
+    marker->setCoordinate(kPier);
+    EXPECT_EQ(marker->coordinate(), kPier);
+    step(0.1);
+    EXPECT_NEAR(marker->presentedCoordinate().latitude, middleLatitude(), 1e-7);
+    step(0.1);
+    EXPECT_NEAR(marker->presentedCoordinate().latitude, kPier.latitude, 1e-9);
+    TrelmixMapMarker::setMarkerAnimationDuration(2.0);
+    marker->setCoordinate(kQuay);
+    step(1.0);
+    EXPECT_NEAR(marker->presentedCoordinate().longitude, (kQuay.longitude + kPier.longitude) / 2, 1e-9);
+    TrelmixMapMarker::setMarkerAnimationDuration(kNan);
+    marker->setCoordinate(kPier);
+    step(0);
+    EXPECT_NEAR(marker->presentedCoordinate().latitude, kPier.latitude, 1e-9);
+}
+
+TEST_F(MarkerNodeTest, anAnimatedRotationHoldsTheAngleUntilItEnds) {
+    marker->setIsFlat(true);
+    marker->setMarkerRotation(10);
+    show();
+    marker->setRotation(100, true, 1.0);
+    step(0.5);
+    EXPECT_NEAR(marker->presentedEulerAngles().z, -55 * DEG_TO_RAD_CONST, 1e-6);
+    // A move that replaces another does not end the rotation.
+    marker->setCoordinate(kPier, true, 5);
+    marker->setCoordinate(kQuay, true, 5);
+    turnCamera(30, 0);
+    step(0.25);
+    EXPECT_NEAR(marker->presentedEulerAngles().z, -77.5 * DEG_TO_RAD_CONST, 1e-6);
+    step(0.25);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().z, -100 * DEG_TO_RAD_CONST, 1e-6);
+    EXPECT_EQ(marker->markerRotation(), 10);
+    marker->setMarkerRotation(20);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().z, -20 * DEG_TO_RAD_CONST, 1e-6);
+}
+
+TEST_F(MarkerNodeTest, theEndOfAnOlderRotationDoesNotEndTheNewerOne) {
+    marker->setIsFlat(true);
+    show();
+    marker->setRotation(90, true, 0.5);
+    Clock::set(Clock::now() + 0.5);
+    engine->sceneView()->nextFrame(Clock::now());
+    marker->setRotation(0, true, 1.0); // before the main queue hears that the first has ended
+    RunLoop::main().pump();
+    step(0.5);
+    EXPECT_NEAR(marker->presentedEulerAngles().z, -45 * DEG_TO_RAD_CONST, 1e-6);
+    step(0.5);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().z, 0, 1e-6);
+}
+
+TEST_F(MarkerNodeTest, aRotationThatIsCutShortDoesNotBlockLaterOnes) {
+    marker->setIsFlat(true);
+    show();
+    marker->setRotation(90, true, 10);
+    step(1);
+    marker->setMap(nullptr);
+    show();
+    marker->setMarkerRotation(30);
+    step();
+    EXPECT_NEAR(marker->eulerAngles().z, -30 * DEG_TO_RAD_CONST, 1e-6);
+}
+
+TEST_F(MarkerNodeTest, anInvalidCoordinateIsStoredButNeitherMovesNorMirrorsTheMarker) {
+    show();
+    const SCNVector3 scale = marker->scale();
+    const SCNVector3 position = marker->position();
+    for (const CLLocationCoordinate2D bad : {kCLLocationCoordinate2DInvalid,
+                                             CLLocationCoordinate2D{kNan, 0},
+                                             CLLocationCoordinate2D{200, 10},
+                                             {-90, kInfinity}}) {
+        marker->setCoordinate(bad);
+        marker->setCoordinate(bad, false, 0);
+        step();
+        EXPECT_EQ(marker->scale(), scale);
+        EXPECT_EQ(marker->position(), position);
+    }
+    marker->setCoordinate({-90, 0}, false, 0); // valid, but nowhere on the plane
+    step();
+    EXPECT_EQ(marker->position(), position);
+    EXPECT_GT(marker->scale().x, 0);
+}
+
+TEST_F(MarkerNodeTest, aMarkerThatNeverHadAPlaceShowsNothing) {
+    marker->setCoordinate(kCLLocationCoordinate2DInvalid);
+    show();
+    const auto& corners = lastFrame.list->items.at(0)->corners;
+    EXPECT_EQ(corners[0], corners[3]);
+}
+
+TEST_F(MarkerNodeTest, aFrameWithoutChangesGivesTheSameListAndAMoveKeepsTheOthers) {
+    auto other = MarkerNode::make();
+    other->setMarkerIcon(marker->markerIcon());
+    other->setCoordinate(kPier);
+    other->setMap(engine);
+    show();
+    const auto list = lastFrame.list;
+    step();
+    EXPECT_EQ(lastFrame.list, list);
+    marker->setCoordinate(kPier, false, 0);
+    step();
+    EXPECT_EQ(lastFrame.list->items.at(0), list->items.at(0));
+    EXPECT_NE(lastFrame.list->items.at(1), list->items.at(1));
+}
+
+TEST_F(MarkerNodeTest, anIconSetAgainShowsOnceTheMapIsSetAgain) {
+    show();
+    marker->setMarkerIcon(nullptr);
+    step();
+    EXPECT_TRUE(lastFrame.list->items.empty());
+    marker->setMarkerIcon(icon(8, 8));
+    step();
+    EXPECT_TRUE(lastFrame.list->items.empty());
+    show();
+    EXPECT_EQ(lastFrame.list->items.size(), 1U);
+}
+
+TEST_F(MarkerNodeTest, dragsFollowTheFingerAndStopARunningMove) {
+    show();
+    marker->setCoordinate(kPier, true, 1);
+    step(0.5);
+    const OpenGlPoint goal = *marker->markerPosition();
+    marker->dragBy({10, 20});
+    marker->dragBy({kNan, 0});
+    step(1);
+    EXPECT_EQ(*marker->markerPosition(), (OpenGlPoint{goal.x + 10, goal.y + 20}));
+    EXPECT_EQ(marker->exactPosition(), (Vector3d{goal.x + 10, -(goal.y + 20), 0}));
+    EXPECT_EQ(marker->coordinate(), kPier);
+}
+
+} // namespace
+} // namespace trelmix

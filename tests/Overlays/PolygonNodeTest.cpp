@@ -1,0 +1,87 @@
+#include "Overlays/PolygonNode.h"
+#include "Overlays/ScenePlace.h"
+#include "support/EngineFixture.h"
+
+#include <limits>
+
+namespace trelmix {
+namespace {
+
+class PolygonNodeTest : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->initialiseWithTarget({54.32, 10.14}, 18);
+        polygon = PolygonNode::make();
+        polygon->setColor(UIColor{0, 1, 0, 0.5});
+        polygon->setPolygonCorners(triangle);
+    }
+    void TearDown() override {
+        polygon.reset();
+        EngineFixture::TearDown();
+    }
+    const SCNShape* shape() const { return dynamic_cast<const SCNShape*>(polygon->geometry().get()); }
+
+    const std::vector<CLLocation> triangle{{54.32, 10.14}, {54.33, 10.14}, {54.33, 10.16}};
+    std::shared_ptr<PolygonNode> polygon;
+};
+
+TEST_F(PolygonNodeTest, fillsItsCornersWhereTheProjectionPutsThem) {
+    EXPECT_EQ(shape(), nullptr);
+    polygon->setMap(engine);
+    step();
+    const DrawItem& item = *lastFrame.list->items.at(0);
+    EXPECT_EQ(item.kind, DrawKind::fill);
+    EXPECT_EQ(item.renderingOrder, -74);
+    ASSERT_EQ(item.mesh->vertexCount(), 3U);
+    for (std::size_t i = 0; i < 3; ++i) {
+        const auto place = *scenePlaceOf(triangle[i].coordinate(), *engine->cameraProjection());
+        EXPECT_NEAR(item.meshPosition.x + static_cast<double>(item.mesh->vertices[3 * i]), place.x, 0.01);
+        EXPECT_NEAR(item.meshPosition.y + static_cast<double>(item.mesh->vertices[3 * i + 1]), -place.y,
+                    0.01);
+    }
+}
+
+TEST_F(PolygonNodeTest, aNewColourReusesTheOutlineAndNewCornersDoNot) {
+    polygon->setMap(engine);
+    const auto path = shape()->path();
+    const auto mesh = shape()->mesh();
+    polygon->setColor(UIColor::redColor());
+    EXPECT_EQ(shape()->path(), path);
+    EXPECT_EQ(shape()->mesh(), mesh);
+    polygon->setPolygonCorners(triangle);
+    EXPECT_NE(shape()->path(), path);
+    ASSERT_EQ(shape()->path()->elements().size(), 3U);
+    EXPECT_TRUE(shape()->path()->elements()[0].startsSubpath);
+    EXPECT_TRUE(shape()->path()->elements()[2].closesSubpath);
+}
+
+TEST_F(PolygonNodeTest, cornersWithoutAPlaceAreLeftOut) {
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    auto corners = triangle;
+    for (const CLLocation& bad : {CLLocation{-90, 0}, CLLocation{kNan, 10}, CLLocation{54, 1e300}}) {
+        corners.insert(corners.begin() + 1, bad);
+    }
+    polygon->setPolygonCorners(corners);
+    polygon->setMap(engine);
+    EXPECT_EQ(shape()->mesh()->indexCount(), 3U);
+    for (const auto& list : {std::vector<CLLocation>{}, {triangle[0]}, {triangle[0], triangle[1]}}) {
+        polygon->setPolygonCorners(list);
+        step();
+        EXPECT_TRUE(lastFrame.list->items.empty());
+    }
+}
+
+TEST_F(PolygonNodeTest, standsRightOnASecondEnginesMap) {
+    const auto second = makeEngine();
+    second->initialiseWithTarget({10, 20}, 18);
+    polygon->setMap(engine);
+    polygon->setMap(second);
+    step();
+    EXPECT_TRUE(lastFrame.list->items.empty());
+    const auto place = *scenePlaceOf(triangle[0].coordinate(), *second->cameraProjection());
+    EXPECT_DOUBLE_EQ(shape()->path()->elements()[0].point.x, place.x);
+}
+
+} // namespace
+} // namespace trelmix

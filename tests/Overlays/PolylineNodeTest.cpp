@@ -1,0 +1,198 @@
+#include "Overlays/PolylineNode.h"
+#include "Geo/GeoUtils.h"
+#include "support/EngineFixture.h"
+
+#include <algorithm>
+#include <limits>
+#include <sstream>
+
+namespace trelmix {
+namespace {
+
+const CLLocation kA{54.32, 10.14};
+const CLLocation kB{54.321, 10.14};
+const CLLocation kC{54.322, 10.14};
+const CLLocation kEast{54.321, 10.15};
+
+/// Writes down what the handlers write.
+class RecordingWriter : public UniformWriter {
+public:
+    void glUniform1f(int, float value) override { values = {value}; }
+    void glUniform4fv(int, int, const float* four) override { values.assign(four, four + 4); }
+    std::vector<float> values;
+};
+
+class PolylineNodeTest : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->initialiseWithTarget(kA.coordinate(), 18);
+        line = PolylineNode::make();
+    }
+    void TearDown() override {
+        line.reset();
+        EngineFixture::TearDown();
+    }
+    std::vector<float> uniform(const char* name) const {
+        RecordingWriter writer;
+        line->geometry()->firstMaterial()->bindings->at(name)(writer, 0);
+        return writer.values;
+    }
+
+    std::shared_ptr<PolylineNode> line;
+};
+
+std::size_t lineCount(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+}
+
+TEST_F(PolylineNodeTest, theShaderSourcesKeepTheirLinesAndTrailingBlanks) {
+    const std::string sources[] = {kLineVertexShaderString, kLineFragmentShaderString};
+    EXPECT_EQ(lineCount(sources[0]), 20U);
+    EXPECT_EQ(lineCount(sources[1]), 9U);
+    for (const std::string& source : sources) {
+        EXPECT_EQ(source.back(), '}');
+        EXPECT_EQ(source.find("#version 100 \n"), 0U);
+        std::istringstream lines(source.substr(0, source.size() - 1));
+        for (std::string each; std::getline(lines, each);) {
+            EXPECT_EQ(each.back(), ' ') << each;
+        }
+    }
+    EXPECT_NE(sources[0].find("a_tagent"), std::string::npos);
+}
+
+TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColour) {
+    line->setPolylineVertices({kA, kB, kEast});
+    line->setColor({1, 0, 0, 0.5});
+    line->setMap(engine);
+    step();
+    EXPECT_EQ(uniform("u_color1"), (std::vector<float>{0.5F, 0, 0, 0.5F}));
+    EXPECT_EQ(uniform("u_color2"), (std::vector<float>{0.5F, 0, 0, 0.5F}));
+    // Public zoom 23 is the internal zoom 22, of which one map point is a scene unit.
+    engine->setCamera(0, 0, 23, false);
+    const double ratio = engine->cameraProjection()->mapPointScreenPointRatio();
+    EXPECT_FLOAT_EQ(uniform("u_lineWidth")[0], static_cast<float>(5.0 * ratio));
+    engine->setCamera(0, 0, 22, false);
+    line->setWidth(8);
+    step();
+    EXPECT_FLOAT_EQ(uniform("u_lineWidth")[0], static_cast<float>(16.0 * ratio));
+    const auto& item = lastFrame.list->items.at(0);
+    EXPECT_EQ(item->kind, DrawKind::program);
+    EXPECT_EQ(item->renderingOrder, -72);
+    const auto bindings = item->bindings;
+    engine->setCamera(0, 0, 21, false);
+    line->setMap(nullptr);
+    line = nullptr;
+    lastFrame = {};
+    RecordingWriter writer;
+    bindings->at("u_lineWidth")(writer, 0);
+    bindings->at("u_color1")(writer, 0);
+    EXPECT_TRUE(writer.values.empty()) << "the line is gone";
+}
+
+TEST_F(PolylineNodeTest, zoomWidthAndColourLeaveTheMeshAlone) {
+    line->setPolylineVertices({kA, kB, kEast});
+    line->setMap(engine);
+    step();
+    const auto mesh = lastFrame.list->items.at(0)->mesh;
+    EXPECT_EQ(mesh->origin, (Vector3d{0, 0, 0}));
+    line->setColor(UIColor::redColor());
+    line->setWidth(9);
+    engine->setCamera(20, 30, 16, false);
+    step();
+    EXPECT_EQ(lastFrame.list->items.at(0)->mesh, mesh);
+}
+
+TEST_F(PolylineNodeTest, cleanUpDropsReversalsAndShortLegsButNoStraightOnes) {
+    using List = std::vector<CLLocation>;
+    const auto latitudes = [](const List& list) {
+        std::vector<double> result;
+        for (const CLLocation& each : PolylineNode::cleanedUp(list)) {
+            result.push_back(each.coordinate().latitude);
+        }
+        return result;
+    };
+    using Latitudes = std::vector<double>;
+    const CLLocation nearA{54.3200005, 10.14}; // 6 cm
+    EXPECT_EQ(latitudes({kA, kB, kC}), (Latitudes{54.32, 54.321, 54.322}));
+    EXPECT_EQ(latitudes({kA, kB, kA}), (Latitudes{54.32, 54.32}));
+    EXPECT_EQ(latitudes({kA, nearA, kEast}), (Latitudes{54.32, 54.321}));
+    EXPECT_EQ(latitudes({kA, nearA}), (Latitudes{54.32, 54.3200005}));
+    // To and fro: every turn goes, one after the other.
+    List toAndFro;
+    for (int i = 0; i < 100000; ++i) {
+        toAndFro.push_back(i % 2 == 0 ? kA : kB);
+    }
+    EXPECT_LE(PolylineNode::cleanedUp(toAndFro).size(), 2U);
+}
+
+TEST_F(PolylineNodeTest, theStackCleansUpAsTheListWithAnIndexDoes) {
+    // The same rule on a list from which vertices are erased, stepping back after each.
+    const auto plain = [](std::vector<CLLocation> list) {
+        std::size_t i = 0;
+        while (i + 2 < list.size()) {
+            const auto at = [&list](std::size_t k) { return coordinateOf(list[k].coordinate()); };
+            const double turn =
+                std::abs(GeoUtils::bearing(at(i), at(i + 1)) - GeoUtils::bearing(at(i + 2), at(i + 1)));
+            if (turn <= 0.0872664626 || turn >= 6.1959188445 ||
+                list[i].distanceFromLocation(list[i + 1]) <= 0.1) {
+                list.erase(list.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+                i = i > 0 ? i - 1 : 0;
+            } else {
+                ++i;
+            }
+        }
+        return list;
+    };
+    std::uint32_t seed = 7;
+    for (int round = 0; round < 200; ++round) {
+        std::vector<CLLocation> list;
+        for (int i = 0; i < 40; ++i) {
+            seed = seed * 1664525U + 1013904223U;
+            list.push_back({54 + (seed >> 30) * 0.001, 10 + ((seed >> 28) & 3U) * 0.001});
+        }
+        const auto expected = plain(list);
+        const auto got = PolylineNode::cleanedUp(list);
+        ASSERT_EQ(got.size(), expected.size());
+        for (std::size_t i = 0; i < got.size(); ++i) {
+            EXPECT_EQ(got[i].coordinate(), expected[i].coordinate());
+        }
+    }
+}
+
+TEST_F(PolylineNodeTest, listsThatAreNoLineKeepTheOldPicture) {
+    line->setPolylineVertices({kA, kB, kEast});
+    line->setMap(engine);
+    const auto before = line->geometry();
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    for (const auto& list : {std::vector<CLLocation>{}, {kA}, {kA, kA}, {kA, {kNan, 0}, {-90, 0}, kA}}) {
+        line->setPolylineVertices(list);
+        step();
+        EXPECT_EQ(line->geometry(), before);
+    }
+    line->setWidth(0);
+    line->setPolylineVertices({kB, kC});
+    EXPECT_EQ(line->geometry(), before);
+    line->setWidth(-3);
+    step();
+    EXPECT_EQ(uniform("u_lineWidth")[0], 0);
+    for (const float bad : {std::numeric_limits<float>::infinity(), static_cast<float>(kNan)}) {
+        line->setWidth(bad);
+        EXPECT_EQ(line->width(), -3);
+    }
+}
+
+TEST_F(PolylineNodeTest, verticesKeepTheirPlaceNearAFarFirstOne) {
+    const CLLocation far{-33.857, 151.21};
+    const CLLocation next{-33.8571, 151.2101};
+    line->setPolylineVertices({far, next});
+    line->setMap(engine);
+    step();
+    const DrawItem& item = *lastFrame.list->items.at(0);
+    const auto place = *scenePlaceOf(next.coordinate(), *engine->cameraProjection());
+    EXPECT_NEAR(item.meshPosition.x + static_cast<double>(item.mesh->vertices[6]), place.x, 1e-4);
+    EXPECT_NEAR(item.meshPosition.y + static_cast<double>(item.mesh->vertices[7]), -place.y, 1e-4);
+}
+
+} // namespace
+} // namespace trelmix

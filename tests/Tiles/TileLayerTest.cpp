@@ -1,0 +1,267 @@
+#include "Tiles/MapTileNode.h"
+
+#include "support/DelegateLog.h"
+#include "support/EngineFixture.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <thread>
+
+namespace trelmix {
+namespace {
+
+constexpr CLLocationCoordinate2D kPlace{43.7362, 7.4245};
+
+std::shared_ptr<const UIImage> picture() {
+    static const auto image = UIImage::withPixels(2, 2, std::vector<std::uint8_t>(16, 255));
+    return image;
+}
+
+/// Answers from the questions it has noted, or at once.
+class TileDelegate : public TrelmixMapEngineDelegate {
+public:
+    std::vector<TileKey> asked;
+    std::function<std::shared_ptr<const UIImage>(TileKey)> answerAtOnce;
+    std::function<void(TileKey, const std::shared_ptr<TrelmixMapTileLayer>&)> onRequest;
+
+    std::shared_ptr<const UIImage> tileForX(std::int64_t x, std::int64_t y, std::int64_t zoom) override {
+        asked.push_back({x, y, zoom});
+        return answerAtOnce ? answerAtOnce({x, y, zoom}) : nullptr;
+    }
+    void tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
+                           const std::shared_ptr<TrelmixMapTileLayer>& layer) override {
+        asked.push_back({x, y, zoom});
+        if (onRequest) {
+            onRequest({x, y, zoom}, layer);
+        }
+    }
+};
+
+class TileLayer : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        engine->setDelegate(delegate);
+        engine->initialiseWithTarget(kPlace, 17);
+    }
+    void show() { layer->setMap(engine); }
+    void answerAll(const std::shared_ptr<const UIImage>& image) {
+        for (const TileKey& key : std::exchange(delegate->asked, {})) {
+            layer->provideTile(key.x, key.y, key.zoom, image);
+        }
+    }
+    void moveBy(double mapPointsAtTileZoom) {
+        auto change = engine->currentCamera();
+        change.target.x += mapPointsAtTileZoom * 32;
+        engine->internalSetCamera(change);
+    }
+    std::set<std::int64_t> drawnZooms() const {
+        std::set<std::int64_t> zooms;
+        for (const auto& item : lastFrame.list->items) {
+            zooms.insert(item->renderingOrder + 100);
+        }
+        return zooms;
+    }
+    std::shared_ptr<TileDelegate> delegate = std::make_shared<TileDelegate>();
+    std::shared_ptr<MapTileNode> layer = MapTileNode::make();
+};
+
+TEST_F(TileLayer, asksForEachWantedTileOnceAndDrawsWhatIsAnswered) {
+    show();
+    step();
+    EXPECT_EQ(delegate->asked.size(), layer->wantedTileCount());
+    EXPECT_EQ(layer->answeredTileCount(), 0U);
+    EXPECT_TRUE(lastFrame.list->items.empty());
+    const std::size_t wanted = delegate->asked.size();
+    answerAll(picture());
+    EXPECT_EQ(layer->answeredTileCount(), wanted);
+    step(2);
+    EXPECT_EQ(lastFrame.list->items.size(), wanted);
+    EXPECT_TRUE(delegate->asked.empty());
+}
+
+TEST_F(TileLayer, checksAtMostOnceASecondAndOnlyAfterEnoughMovement) {
+    show();
+    step();
+    const auto asksAfter = [this](double seconds, const std::function<void()>& move) {
+        delegate->asked.clear();
+        move();
+        step(seconds);
+        return !delegate->asked.empty();
+    };
+    EXPECT_FALSE(asksAfter(0.5, [this] { moveBy(5000); })) << "within a second";
+    EXPECT_TRUE(asksAfter(0.6, [] {}));
+    EXPECT_FALSE(asksAfter(1.5, [this] { moveBy(150); }));
+    EXPECT_TRUE(asksAfter(1.5, [this] { moveBy(256); }));
+    EXPECT_FALSE(asksAfter(1.5, [this] { engine->setCamera(0, 0, 17.3F, false); }));
+    EXPECT_TRUE(asksAfter(1.5, [this] { engine->setCamera(0, 0, 17.6F, false); }))
+        << "the rounded zoom changed";
+}
+
+TEST_F(TileLayer, neighbouringTilesShareTheirCornersToTheLastBit) {
+    delegate->answerAtOnce = [](TileKey) { return picture(); };
+    layer->setSynchronousLayer(true);
+    show();
+    step();
+    std::map<std::pair<double, double>, int> corners;
+    for (const auto& item : lastFrame.list->items) {
+        for (const Vector3d& corner : item->corners) {
+            ++corners[{corner.x, corner.y}];
+        }
+    }
+    // A grid of c x r tiles has (c + 1)(r + 1) corners and no more.
+    const auto tiles = static_cast<double>(lastFrame.list->items.size());
+    EXPECT_LT(static_cast<double>(corners.size()), tiles * 1.6 + 4);
+    EXPECT_GE(std::count_if(corners.begin(), corners.end(), [](const auto& c) { return c.second == 4; }), 4);
+}
+
+TEST_F(TileLayer, aSynchronousLayerWithoutImagesAsksOnceAndShowsNothing) {
+    layer->setSynchronousLayer(true);
+    show();
+    step();
+    const std::size_t asked = delegate->asked.size();
+    EXPECT_EQ(layer->answeredTileCount(), asked);
+    engine->setCamera(0, 0, 18, false);
+    step(1.5);
+    engine->setCamera(0, 0, 17, false);
+    step(1.5);
+    std::set<std::tuple<std::int64_t, std::int64_t, std::int64_t>> distinct;
+    for (const TileKey& key : delegate->asked) {
+        distinct.insert({key.x, key.y, key.zoom});
+    }
+    EXPECT_EQ(distinct.size(), delegate->asked.size());
+    EXPECT_TRUE(lastFrame.list->items.empty());
+}
+
+TEST_F(TileLayer, whileALevelLoadsTheOldOneStaysAndGoesOnceItIsCovered) {
+    show();
+    step();
+    answerAll(picture());
+    step(1.5);
+    engine->setCamera(0, 0, 18, false);
+    step(1.5);
+    EXPECT_EQ(drawnZooms(), (std::set<std::int64_t>{17}));
+    answerAll(picture());
+    step(0.5);
+    EXPECT_EQ(drawnZooms(), (std::set<std::int64_t>{17, 18}));
+    step(1.1);
+    step();
+    // What lies wholly outside the view has no needed child and stays; what is in view has gone.
+    const auto& projection = *engine->cameraProjection();
+    for (const auto& item : lastFrame.list->items) {
+        if (item->renderingOrder == 17 - 100) {
+            const WorldMapPoint target = projection.cameraTargetMapPoint();
+            const WorldMapPoint origin = projection.initialMapPoint();
+            EXPECT_FALSE(
+                item->corners[0].x < target.x - origin.x && item->corners[1].x > target.x - origin.x &&
+                item->corners[0].y > origin.y - target.y && item->corners[2].y < origin.y - target.y);
+        }
+    }
+    engine->setCamera(0, 0, 17, false);
+    step(1.5);
+    step(1.5);
+    step();
+    EXPECT_EQ(drawnZooms(), (std::set<std::int64_t>{17})) << "cached parents cover finer tiles";
+}
+
+TEST_F(TileLayer, answersForTilesThatWentAreDroppedAndASecondAnswerReplacesTheFirst) {
+    show();
+    step();
+    const TileKey key = delegate->asked.front();
+    layer->provideTile(key.x, key.y, key.zoom, picture());
+    const auto other = UIImage::withPixels(1, 1, {1, 2, 3, 255});
+    layer->provideTile(key.x, key.y, key.zoom, other);
+    layer->provideTile(key.x + 1000, key.y, key.zoom, other);
+    layer->provideTile(key.x, key.y, key.zoom + 1, other);
+    step();
+    ASSERT_EQ(lastFrame.list->items.size(), 1U);
+    EXPECT_EQ(lastFrame.list->items.front()->image, other);
+}
+
+TEST_F(TileLayer, answersFromAnotherThreadArriveWithTheMainQueue) {
+    show();
+    step();
+    const TileKey key = delegate->asked.front();
+    std::thread([&] { layer->provideTile(key.x, key.y, key.zoom, picture()); }).join();
+    EXPECT_EQ(layer->answeredTileCount(), 0U);
+    RunLoop::main().pump();
+    EXPECT_EQ(layer->answeredTileCount(), 1U);
+    std::thread([&] { layer->provideTile(key.x, key.y, key.zoom, nullptr); }).join();
+    layer->setMap(nullptr);
+    layer.reset();
+    RunLoop::main().pump();
+}
+
+TEST_F(TileLayer, answeredInsideTheQuestionItWorks) {
+    delegate->onRequest = [](TileKey key, const auto& asking) {
+        asking->provideTile(key.x, key.y, key.zoom, picture());
+    };
+    show();
+    step();
+    EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
+    step();
+    EXPECT_EQ(lastFrame.list->items.size(), layer->wantedTileCount());
+}
+
+TEST_F(TileLayer, aDelegateThatThrowsLeavesGapsAndNoMore) {
+    delegate->answerAtOnce = [](TileKey key) {
+        return key.x % 2 == 0 ? picture() : throw std::runtime_error("no");
+    };
+    layer->setSynchronousLayer(true);
+    show();
+    step();
+    EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
+    EXPECT_EQ(takeFaults().size(), layer->wantedTileCount() - lastFrame.list->items.size());
+}
+
+TEST_F(TileLayer, aDelegateMayTakeTheLayerAwayOrDestroyTheEngineWhileItIsAsked) {
+    delegate->onRequest = [](TileKey, const auto& asking) { asking->setMap(nullptr); };
+    show();
+    step();
+    EXPECT_EQ(delegate->asked.size(), 1U);
+    EXPECT_TRUE(lastFrame.list->items.empty());
+    delegate->onRequest = [this](TileKey, const auto&) { engine.reset(); };
+    layer->setMap(engine);
+    stepThatEndsTheEngine();
+    EXPECT_FALSE(layer->map());
+}
+
+TEST_F(TileLayer, clearedWhileACleanUpIsPendingItCleansUpAgainLater) {
+    show();
+    step();
+    answerAll(picture());
+    layer->setMap(engine);
+    step(1.5);
+    answerAll(picture());
+    const auto coarseCount = [this] {
+        return std::count_if(lastFrame.list->items.begin(), lastFrame.list->items.end(),
+                             [](const auto& item) { return item->renderingOrder == 17 - 100; });
+    };
+    engine->setCamera(0, 0, 18, false);
+    step(1.5);
+    const auto before = coarseCount();
+    answerAll(picture());
+    step(1.5);
+    step();
+    EXPECT_LT(coarseCount(), before);
+}
+
+TEST_F(TileLayer, aHiddenLayerDrawsNoTile) {
+    delegate->answerAtOnce = [](TileKey) { return picture(); };
+    layer->setSynchronousLayer(true);
+    show();
+    step();
+    layer->setVisible(false);
+    step();
+    EXPECT_TRUE(lastFrame.list->items.empty());
+    layer->setVisible(true);
+    layer->setOpacity(0.5);
+    step();
+    EXPECT_FLOAT_EQ(lastFrame.list->items.front()->opacity, 0.5F);
+}
+
+} // namespace
+} // namespace trelmix

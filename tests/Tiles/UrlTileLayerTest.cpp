@@ -1,0 +1,341 @@
+// Maps whose tiles come from a server that misbehaves.
+#include "Platform/Foundation/WorkerPool.h"
+#include "Tiles/MapTileNode.h"
+
+#include "support/EngineFixture.h"
+#include "support/ScratchFolder.h"
+#include "support/TileServer.h"
+
+#include <Trelmix/Platform/NetworkSettings.h>
+
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <stdexcept>
+
+namespace trelmix {
+namespace {
+
+using End = TileReply::End;
+
+constexpr CLLocationCoordinate2D kPlace{43.7362, 7.4245};
+
+std::string tileFile() {
+    static const std::string file = [] {
+        const auto png = UIImage::withPixels(16, 16, std::vector<std::uint8_t>(1024, 255))->pngData();
+        return std::string(reinterpret_cast<const char*>(png.data()), png.size());
+    }();
+    return file;
+}
+
+/// A different fault for each tile, told by its address.
+TileReply faultFor(const TileRequest& request) {
+    const std::vector<TileReply> faults = {
+        {"", End::reset},
+        {"", End::close},
+        TileReply::truncated(tileFile()),
+        TileReply::of("503 Busy", "<html>busy</html>"),
+        TileReply::of("429 Slow down", "", "Retry-After: 0\r\n"),
+    };
+    return faults[std::hash<std::string>{}(request.path) % faults.size()];
+}
+
+class UrlTileLayer : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        useCache(folder.path("cache"));
+        engine->initialiseWithTarget(kPlace, 17);
+        layer->setImageUrlLayer(true);
+        layer->setImageUrlConstructor([this](std::uint64_t x, std::uint64_t y, std::uint64_t zoom) {
+            ++asked[{static_cast<std::int64_t>(x), static_cast<std::int64_t>(y),
+                     static_cast<std::int64_t>(zoom)}];
+            return URL::fromString(server.address() + "/" + std::to_string(zoom) + "/" + std::to_string(x) +
+                                   "/" + std::to_string(y) + ".png");
+        });
+    }
+    void TearDown() override {
+        layer.reset();
+        server.stop();
+        shutDownNetwork();
+        // Answers that were under way find nobody.
+        EXPECT_TRUE(decodersAreIdle());
+        RunLoop::main().drain();
+        setNetworkSettings(before);
+        EngineFixture::TearDown();
+    }
+    void useCache(const std::string& place) {
+        NetworkSettings settings = before;
+        settings.cacheFolder = place;
+        setNetworkSettings(settings);
+    }
+    void show() {
+        layer->setMap(engine);
+        step(2);
+    }
+    /// Pumps until the condition holds; false after a minute.
+    static bool pumpUntil(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end) {
+                return false;
+            }
+            RunLoop::main().wait(0.05);
+            RunLoop::main().pump();
+        }
+        return true;
+    }
+    static bool decodersAreIdle() {
+        return pumpUntil([] { return WorkerPool::decoders().pendingCount() == 0; });
+    }
+    bool answered() {
+        return pumpUntil([this] {
+            return layer->wantedTileCount() > 0 && layer->answeredTileCount() == layer->wantedTileCount();
+        });
+    }
+    std::size_t drawnCount() {
+        step();
+        return lastFrame.list->items.size();
+    }
+    void expectEachAskedOnce() const {
+        for (const auto& [tile, count] : asked) {
+            EXPECT_EQ(count, 1) << std::get<0>(tile) << ", " << std::get<1>(tile);
+        }
+    }
+
+    const NetworkSettings before = networkSettings();
+    apps::ScratchFolder folder;
+    std::function<TileReply(const TileRequest&)> reply = [](const TileRequest&) {
+        return TileReply::ok(tileFile());
+    };
+    TileServer server{[this](const TileRequest& request) { return reply(request); }};
+    std::map<std::tuple<std::int64_t, std::int64_t, std::int64_t>, int> asked;
+    std::shared_ptr<MapTileNode> layer = MapTileNode::make();
+};
+
+TEST_F(UrlTileLayer, whereFaultsPassTheMapEndsComplete) {
+    reply = [](const TileRequest& request) {
+        return request.count <= 2 ? faultFor(request) : TileReply::ok(tileFile());
+    };
+    show();
+    ASSERT_TRUE(answered());
+    EXPECT_EQ(drawnCount(), layer->wantedTileCount());
+    EXPECT_EQ(asked.size(), layer->wantedTileCount());
+    expectEachAskedOnce();
+}
+
+TEST_F(UrlTileLayer, whereFaultsLastThereAreGapsThatGoWithTheOutage) {
+    const std::vector<TileReply> faults = {
+        TileReply::of("404 Not Found", tileFile()),
+        TileReply::ok("<html>Please log in to the network</html>"),
+        TileReply::of("302 Found", "", "Location: /for/ever\r\n"),
+        TileReply::of("503 Busy", "", "Retry-After: 600\r\n"),
+        {"HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n" + tileFile(), End::close},
+        TileReply::ok(""),
+        TileReply::ok(tileFile().substr(0, tileFile().size() - 20)),
+    };
+    std::atomic<bool> isOut = true;
+    reply = [&](const TileRequest& request) {
+        if (request.path == "/for/ever") {
+            return TileReply::of("302 Found", "", "Location: /for/ever\r\n");
+        }
+        const std::size_t kind = std::hash<std::string>{}(request.path) % (faults.size() + 1);
+        return kind < faults.size() && isOut ? faults[kind] : TileReply::ok(tileFile());
+    };
+    show();
+    ASSERT_TRUE(answered());
+    const std::size_t drawn = drawnCount();
+    EXPECT_LT(drawn, layer->wantedTileCount());
+    expectEachAskedOnce();
+    isOut = false;
+    step(2);
+    EXPECT_EQ(drawnCount(), drawn) << "asked again although answered";
+    layer->setMap(nullptr);
+    show();
+    ASSERT_TRUE(answered());
+    EXPECT_EQ(drawnCount(), layer->wantedTileCount()) << "the outage stayed in the cache";
+}
+
+TEST_F(UrlTileLayer, whatWasLoadedOnceComesFromTheDiskWithoutTheServer) {
+    show();
+    ASSERT_TRUE(answered());
+    // Waits for the answers that are being stored, and forgets what memory has.
+    ASSERT_TRUE(decodersAreIdle());
+    shutDownNetwork();
+    server.stop();
+    layer->setMap(nullptr);
+    show();
+    ASSERT_TRUE(answered());
+    EXPECT_EQ(drawnCount(), layer->wantedTileCount());
+}
+
+TEST_F(UrlTileLayer, aTileThatComesBackWhileItIsLoadedIsNotAskedForAgain) {
+    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
+    show();
+    ASSERT_TRUE(server.waitForRequests(6));
+    const auto start = engine->currentCamera();
+    auto away = start;
+    away.target.x += 1e6;
+    engine->internalSetCamera(away);
+    step(2);
+    engine->internalSetCamera(start);
+    step(2);
+    server.release();
+    ASSERT_TRUE(answered());
+    EXPECT_EQ(drawnCount(), layer->wantedTileCount());
+    expectEachAskedOnce();
+}
+
+TEST_F(UrlTileLayer, beyondTheWorldNothingIsAskedFor) {
+    auto corner = engine->currentCamera();
+    corner.target = {1000, 1000};
+    engine->internalSetCamera(corner);
+    show();
+    ASSERT_TRUE(answered());
+    EXPECT_LT(asked.size(), layer->wantedTileCount());
+    EXPECT_FALSE(asked.empty());
+    for (const auto& [tile, count] : asked) {
+        const auto& [x, y, zoom] = tile;
+        EXPECT_TRUE(isInWorld({x, y, zoom})) << x << ", " << y;
+    }
+}
+
+TEST_F(UrlTileLayer, aConstructorMayThrowOrKnowNothing) {
+    int calls = 0;
+    layer->setImageUrlConstructor([&](std::uint64_t, std::uint64_t, std::uint64_t) -> std::optional<URL> {
+        if (++calls % 2 == 0) {
+            throw std::runtime_error("no");
+        }
+        return std::nullopt;
+    });
+    show();
+    EXPECT_GT(calls, 4);
+    EXPECT_EQ(takeFaults().size(), static_cast<std::size_t>(calls / 2));
+    RunLoop::main().drain();
+    EXPECT_EQ(layer->answeredTileCount(), 0U);
+}
+
+TEST_F(UrlTileLayer, aConstructorMayReplaceItselfOrTakeTheLayerAwayOrEndTheEngine) {
+    const auto url = URL::fromString(server.address() + "/a.png");
+    layer->setImageUrlConstructor([this, url](std::uint64_t, std::uint64_t, std::uint64_t) {
+        layer->setImageUrlConstructor([url](std::uint64_t, std::uint64_t, std::uint64_t) { return url; });
+        return url;
+    });
+    show();
+    ASSERT_TRUE(answered());
+    layer->setImageUrlConstructor([this, url](std::uint64_t, std::uint64_t, std::uint64_t) {
+        layer->setMap(nullptr);
+        return url;
+    });
+    layer->setMap(nullptr);
+    show();
+    EXPECT_EQ(layer->wantedTileCount(), 0U);
+    layer->setImageUrlConstructor([this, url](std::uint64_t, std::uint64_t, std::uint64_t) {
+        engine.reset();
+        return url;
+    });
+    layer->setMap(engine);
+    stepThatEndsTheEngine();
+    EXPECT_FALSE(layer->map());
+}
+
+TEST_F(UrlTileLayer, answersThatComeAfterTheEndOfLayerAndEngineAreDropped) {
+    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
+    show();
+    ASSERT_TRUE(server.waitForRequests(6));
+    const std::size_t tiles = asked.size();
+    const std::weak_ptr<MapTileNode> weak = layer;
+    layer.reset();
+    lastFrame = {};
+    engine = makeEngine();
+    RunLoop::main().drain();
+    EXPECT_TRUE(weak.expired());
+    server.release();
+    ASSERT_TRUE(server.waitForRequests(tiles)) << "what was asked for is loaded all the same";
+    ASSERT_TRUE(decodersAreIdle());
+}
+
+TEST_F(UrlTileLayer, answersFromBeforeItWasClearedDoNotReachTheLayer) {
+    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
+    show();
+    ASSERT_TRUE(server.waitForRequests(6));
+    layer->setMap(nullptr);
+    layer->setImageUrlConstructor([](std::uint64_t, std::uint64_t, std::uint64_t) { return std::nullopt; });
+    show();
+    server.release();
+    ASSERT_TRUE(server.waitForRequests(asked.size()));
+    ASSERT_TRUE(decodersAreIdle());
+    EXPECT_EQ(layer->answeredTileCount(), 0U);
+    shutDownNetwork();
+    RunLoop::main().drain();
+}
+
+TEST_F(UrlTileLayer, theApplicationsOwnAnswersAreIgnored) {
+    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
+    show();
+    const auto [x, y, zoom] = asked.begin()->first;
+    layer->provideTile(x, y, zoom, UIImage::withPixels(1, 1, {1, 2, 3, 255}));
+    RunLoop::main().drain();
+    EXPECT_EQ(layer->answeredTileCount(), 0U);
+    server.release();
+    ASSERT_TRUE(answered());
+    for (const auto& item : (step(), lastFrame.list->items)) {
+        EXPECT_EQ(item->image->pixelWidth(), 16);
+    }
+}
+
+TEST_F(UrlTileLayer, itsImageCacheForgetsWhatIsNotShownAndNothingElse) {
+    const auto visit = [this](double offset) {
+        auto camera = engine->currentCamera();
+        camera.target.x += offset;
+        engine->internalSetCamera(camera);
+        step(2);
+        ASSERT_TRUE(answered());
+        EXPECT_EQ(drawnCount(), layer->wantedTileCount());
+    };
+    const auto askedTwice = [this] {
+        return std::count_if(asked.begin(), asked.end(), [](const auto& entry) { return entry.second > 1; });
+    };
+    show();
+    ASSERT_TRUE(answered());
+    visit(1e6);
+    visit(-1e6);
+    EXPECT_EQ(askedTwice(), 0);
+    layer->setImageCacheLimit(1);
+    const std::size_t shown = layer->wantedTileCount();
+    visit(1e6);
+    EXPECT_EQ(askedTwice(), static_cast<std::ptrdiff_t>(shown));
+    visit(1e6);
+    layer->setImageCacheLimit(std::nullopt);
+    visit(-1e6);
+    visit(1e6);
+}
+
+TEST(TileImageCache, keepsWhatWasTouchedLastAndItsSumOfBytes) {
+    TileImageCache cache;
+    const auto image = UIImage::withPixels(10, 10, std::vector<std::uint8_t>(400));
+    cache.insert({0, 0, 0}, nullptr);
+    const std::size_t none = cache.byteCount();
+    for (int i = 1; i <= 10; ++i) {
+        cache.insert({i, 0, 0}, image);
+        cache.insert({i, 0, 0}, image);
+    }
+    const std::size_t each = (cache.byteCount() - none) / 10;
+    EXPECT_GE(each, 400U * 4 / 3);
+    cache.setLimit(4 * each);
+    cache.touch({2, 0, 0});
+    ASSERT_NE(cache.find({3, 0, 0}), nullptr);
+    cache.trim(0);
+    for (const int kept : {2, 3, 9, 10}) {
+        EXPECT_NE(cache.find({kept, 0, 0}), nullptr) << kept;
+    }
+    EXPECT_EQ(cache.byteCount(), 4 * each);
+    cache.setLimit(0);
+    cache.trim(3);
+    EXPECT_EQ(cache.byteCount(), 3 * each);
+    cache.clear();
+    EXPECT_EQ(cache.byteCount(), 0U);
+}
+
+} // namespace
+} // namespace trelmix

@@ -1,0 +1,42 @@
+#include "common/picture/Drawing.h"
+
+#include <gtest/gtest.h>
+
+using namespace trelmix;
+using namespace trelmix::apps;
+
+TEST(Attribution, isPlainTextOnceForEachSource) {
+    EXPECT_EQ(joinedAttributions({"&copy; <a href=\"x\">Some &amp; others</a>", "", "  second\n line ",
+                                  "\xC2\xA9 Some & others", "bad \xff\xc0\xaf byte"}),
+              "\xC2\xA9 Some & others | second line | bad byte");
+    EXPECT_EQ(joinedAttributions({"<b></b>"}), "");
+}
+
+TEST(Attribution, staysInsideThePictureHoweverSmallThatIs) {
+    const std::string text = "One rather long name of a source | and another one";
+    EXPECT_GT(attributionImage(text, 2, 80)->pixelHeight(), attributionImage(text, 2, 800)->pixelHeight());
+    EXPECT_LE(attributionImage(text, 2, 80)->pixelWidth(), 160);
+    EXPECT_FALSE(attributionImage("", 1, 100));
+    EXPECT_FALSE(attributionImage(text, 1, -7));
+    for (const int side : {1, 9, 60, 500}) {
+        const auto blank = UIImage::withPixels(
+            side, side, std::vector<std::uint8_t>(static_cast<std::size_t>(side * side) * 4, 255));
+        const auto marked = withAttribution(blank, attributionImage(text, 1, side - 8));
+        ASSERT_TRUE(marked);
+        EXPECT_EQ(marked->pixelWidth(), side);
+        EXPECT_TRUE(marked->isOpaque());
+    }
+}
+
+TEST(Pin, isCutOutInItsColourAndStandsOnItsTip) {
+    const auto pin = pinImage({1, 0, 0, 1});
+    ASSERT_EQ(pin->pixelWidth(), 48);
+    ASSERT_EQ(pin->pixelHeight(), 64);
+    const auto pixel = [&](int x, int y) {
+        return pin->pixels().subspan(static_cast<std::size_t>(y * 48 + x) * 4, 4);
+    };
+    EXPECT_EQ(pixel(0, 0)[3], 0);
+    EXPECT_EQ(pixel(9, 24)[0], 255);
+    EXPECT_EQ(pixel(9, 24)[1], 0);
+    EXPECT_GT(pixel(23, 62)[3] + pixel(24, 62)[3], 0);
+}

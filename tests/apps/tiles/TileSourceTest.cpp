@@ -1,0 +1,135 @@
+#include "common/tiles/TileSource.h"
+
+#include "common/tiles/EnlargedTile.h"
+#include "common/tiles/MbtilesArchive.h"
+#include "common/tiles/TileDirectory.h"
+#include "support/ArchiveWriter.h"
+#include "support/ScratchFolder.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+using namespace trelmix;
+using namespace trelmix::apps;
+
+namespace {
+
+/// Holds the pictures it was given.
+class FakeStore final : public TileStore {
+public:
+    void add(const TileIndex& tile, TileBytes bytes) { tiles.emplace_back(tile, std::move(bytes)); }
+    Result<std::optional<TileBytes>> tile(const TileIndex& tile) const override {
+        const auto found = std::find_if(tiles.begin(), tiles.end(), [&](auto& t) { return t.first == tile; });
+        return found == tiles.end() ? std::optional<TileBytes>() : std::optional(found->second);
+    }
+    std::optional<TileBounds> bounds() const override { return std::nullopt; }
+    std::string attribution() const override { return {}; }
+    const std::string& name() const override { return storeName; }
+
+private:
+    std::vector<std::pair<TileIndex, TileBytes>> tiles;
+    std::string storeName = "fake";
+};
+
+int red(const UIImage& image, int x, int y) {
+    return image.pixels()[static_cast<std::size_t>(y * image.pixelWidth() + x) * 4];
+}
+int green(const UIImage& image, int x, int y) {
+    return image.pixels()[static_cast<std::size_t>(y * image.pixelWidth() + x) * 4 + 1];
+}
+
+} // namespace
+
+TEST(TileSource, enlargedPartsKeepEveryPointOfTheGroundAtItsPlace) {
+    // Red grows along x and green along y, so a pixel's colour tells which ground it shows.
+    const auto ancestor = paintedTile(128, [](int x, int y) { return std::array{x * 2, y * 2, 0}; });
+    const auto noneBeside = [](std::int64_t, std::int64_t) { return nullptr; };
+    for (const std::int64_t levels : {1, 2, 4}) {
+        const double zoomed = static_cast<double>(std::int64_t{1} << levels);
+        const std::int64_t last = (std::int64_t{1} << levels) - 1;
+        for (const TileIndex part : {TileIndex{0, 0, 0}, {last, last, 0}, {1, last, 0}}) {
+            const auto image = enlargedPart(*ancestor, part, levels, noneBeside);
+            for (int i = 0; i < 128; ++i) {
+                const auto ground = [&](std::int64_t index) {
+                    const double place = (static_cast<double>(index) * 128 + i + 0.5) / zoomed - 0.5;
+                    return std::clamp(place, 0.0, 127.0) * 2;
+                };
+                EXPECT_NEAR(red(*image, i, 64), ground(part.x), 0.51);
+                EXPECT_NEAR(green(*image, 5, i), ground(part.y), 0.51);
+            }
+        }
+    }
+}
+
+TEST(TileSource, whatCrossesTheEdgeOfTwoAncestorsRunsOnWithoutAStep) {
+    auto store = std::make_unique<FakeStore>();
+    for (const int column : {0, 1}) {
+        for (const int row : {0, 1}) {
+            const auto ground = paintedTile(16, [=](int x, int y) {
+                return std::array{(column * 16 + x) * 8, (row * 16 + y) * 8, 0};
+            });
+            store->add({column, row, 1}, ground->pngData());
+        }
+    }
+    const TileSource source(std::move(store));
+    for (const std::int64_t levels : {1, 2, 7}) {
+        const std::int64_t middle = std::int64_t{1} << levels;
+        for (const TileIndex tile :
+             {TileIndex{middle - 1, middle, levels + 1}, {middle, middle - 1, levels + 1}}) {
+            const auto image = source.imageFor(tile);
+            ASSERT_TRUE(image);
+            for (int i = 0; i < 16; ++i) {
+                const auto ground = [&](std::int64_t index) {
+                    return ((static_cast<double>(index) * 16 + i + 0.5) / static_cast<double>(middle) - 0.5) *
+                           8;
+                };
+                EXPECT_NEAR(red(*image, i, 3), ground(tile.x), 0.51);
+                EXPECT_NEAR(green(*image, 3, i), ground(tile.y), 0.51);
+            }
+        }
+    }
+}
+
+TEST(TileSource, theNearestAncestorStandsInAndABrokenTileLeavesAGap) {
+    const auto flat = [](int shade) {
+        return paintedTile(16, [=](int, int) { return std::array{shade, 0, 0}; });
+    };
+    auto store = std::make_unique<FakeStore>();
+    store->add({0, 0, 0}, flat(10)->pngData());
+    store->add({1, 1, 1}, flat(20)->pngData());
+    store->add({0, 1, 1}, TileBytes(40, std::byte{7}));
+    const TileSource source(std::move(store));
+    const std::pair<TileIndex, int> shades[] = {
+        {{0, 0, 0}, 10}, {{1, 1, 1}, 20}, {{0, 0, 1}, 10}, {{7, 7, 3}, 20}, {{0, 0, 30}, 10}};
+    for (const auto& [tile, shade] : shades) {
+        const auto image = source.imageFor(tile);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(red(*image, 8, 8), shade);
+    }
+    EXPECT_FALSE(source.imageFor({0, 1, 1}));
+    EXPECT_FALSE(source.imageFor({1, 7, 3})) << "below the broken tile";
+    EXPECT_EQ(source.faultCount(), 2U);
+    EXPECT_TRUE(source.firstFault().starts_with("tile 1/0/1: ")) << source.firstFault();
+    for (const TileIndex outside :
+         {TileIndex{-1, 0, 0}, {0, 1, 0}, {2, 0, 1}, {0, 0, -1}, {0, 0, 31}, {0, 0, INT64_MAX}}) {
+        EXPECT_FALSE(source.imageFor(outside));
+    }
+}
+
+TEST(TileDirectory, findsFilesByTheirTemplateAndWhatTheyCover) {
+    const ScratchFolder folder;
+    folder.write("z2/3-1.png", "north east");
+    folder.write("z1/0-0.png", "coarse");
+    folder.write("z2/3-9.png", "outside the world");
+    folder.write("z2/03-2.png", "not how the template writes it");
+    const TileDirectory tiles(folder.path("z{z}/{x}-{y}.png"));
+    EXPECT_TRUE(tiles.tile({3, 1, 2})->has_value());
+    EXPECT_FALSE(tiles.tile({3, 2, 2})->has_value());
+    EXPECT_FALSE(tiles.tile({3, 9, 2})->has_value());
+    const auto bounds = tiles.bounds();
+    ASSERT_TRUE(bounds);
+    EXPECT_DOUBLE_EQ(bounds->southWest.longitude, 90);
+    EXPECT_DOUBLE_EQ(bounds->northEast.longitude, 180);
+    EXPECT_NEAR(bounds->southWest.latitude, 0, 1e-9);
+    EXPECT_NEAR(bounds->northEast.latitude, 66.51326044311186, 1e-9);
+}

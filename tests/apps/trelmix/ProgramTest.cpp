@@ -1,0 +1,266 @@
+// Runs the program itself, as a shell would.
+#include "support/ArchiveWriter.h"
+#include "support/ScratchFolder.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+using namespace trelmix;
+using namespace trelmix::apps;
+
+namespace {
+
+struct Outcome {
+    int exitCode = -1;
+    std::string output;
+    std::string errors;
+};
+
+std::string textOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class ProgramTest : public testing::Test {
+protected:
+    Outcome run(const std::string& arguments, const std::string& input = "") const {
+        folder.write("in", input);
+        const std::string command =
+            "cd '" + folder.path("") + "' && '" TRELMIX_PROGRAM "' " + arguments + " <in >out 2>err";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, textOf(folder.path("out")),
+                textOf(folder.path("err"))};
+    }
+
+    std::shared_ptr<const UIImage> picture(const std::string& name) const {
+        const std::string text = textOf(folder.path(name));
+        return UIImage::withData(std::as_bytes(std::span(text)));
+    }
+
+    /// Every tile of zoom 16 around (0, 0) in one colour, but for the one to the south-east of it.
+    void writeArchive(const std::string& name, int tileSize) const {
+        ArchiveWriter writer(folder.path(name));
+        const auto bytes = paintedTile(tileSize, [](int, int) {
+                               return std::array{200, 100, 50};
+                           })->pngData();
+        writer.metadata("attribution", "somebody");
+        constexpr std::int64_t kMiddle = 1 << 15;
+        for (std::int64_t x = kMiddle - 4; x < kMiddle + 4; ++x) {
+            for (std::int64_t y = kMiddle - 4; y < kMiddle + 4; ++y) {
+                if (x != kMiddle || y != kMiddle) {
+                    writer.tile(16, x, y, bytes);
+                }
+            }
+        }
+    }
+
+    ScratchFolder folder;
+};
+
+std::array<int, 3> pixelOf(const UIImage& image, int x, int y) {
+    const auto at = image.pixels().subspan(static_cast<std::size_t>(y * image.pixelWidth() + x) * 4, 3);
+    return {at[0], at[1], at[2]};
+}
+
+constexpr const char* kTown = R"({"view": {"width": 300, "height": 200, "background": "#00ff00"},
+    "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17}, "tiles": [{"mbtiles": "town.mbtiles"}]})";
+
+} // namespace
+
+TEST_F(ProgramTest, badInputGivesOneLineAndExitCodeTwo) {
+    folder.write("ok.json", kTown);
+    folder.write("type.json", R"({"camera": 5})");
+    folder.write("key.json", R"({"cammera": {}})");
+    folder.write("empty.json", "{}");
+    folder.write("text.mbtiles", std::string(2000, 'x'));
+    folder.write("text.json", R"({"tiles": [{"mbtiles": "text.mbtiles"}]})");
+    folder.write("icon.json",
+                 R"({"markers": [{"coordinate": {"lat": 0, "lon": 0}, "icon": "text.mbtiles"}]})");
+    folder.write("bad.geojson", R"({"type": "Point", "coordinates": [0, 100]})");
+    folder.write("geojson.json", R"({"geojson": [{"file": "bad.geojson"}]})");
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "subcommand"},
+        {"paint a.json", "subcommand is required"},
+        {"render", "scene"},
+        {"render ok.json", "--output"},
+        {"render ok.json -o a.png --frobnicate", "--frobnicate"},
+        {"render ok.json -o a.png --timeout soon", "--timeout"},
+        {"render missing.json -o a.png", "missing.json: cannot be opened"},
+        {"render . -o a.png", ".: is a folder"},
+        {"render type.json -o a.png", "type.json: camera: must be an object"},
+        {"render key.json -o a.png", "key.json: has the unknown key \"cammera\""},
+        {"render empty.json -o a.png", "empty.json: needs the key \"camera\""},
+        {"render ok.json -o a.png", "ok.json: tiles[0].mbtiles: town.mbtiles: does not exist"},
+        {"render text.json -o a.png", "text.json: tiles[0].mbtiles: text.mbtiles: is no tile archive"},
+        {"render icon.json -o a.png", "icon.json: markers[0].icon: text.mbtiles: "},
+        {"render geojson.json -o a.png", "geojson.json: geojson[0].file: bad.geojson: coordinates[1]: must"},
+        {"render ok.json -o a.png --size 0x0", "--size"},
+        {"render ok.json -o a.png --size 100000x100000", "--size"},
+        {"render ok.json -o a.png --size 5", "--size 5: must be"},
+        {"render ok.json -o a.png --camera 1,2,3", "--camera 1,2,3: must be LAT"},
+        {"render ok.json -o a.png --camera 91,2,17,0,0", "latitude from -90 to 90"},
+        {"render ok.json -o a.png --camera 1,2,nan,0,0", "--camera"},
+        {"locate key.json", "key.json: has the unknown key"},
+    };
+    for (const auto& [arguments, message] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments;
+        EXPECT_EQ(outcome.output, "") << arguments;
+        EXPECT_NE(outcome.errors.find(message), std::string::npos) << arguments << " -> " << outcome.errors;
+        EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+    }
+    EXPECT_FALSE(picture("a.png"));
+}
+
+TEST_F(ProgramTest, rendersTilesInTheirPlacesWithGapsAndAttribution) {
+    writeArchive("town.mbtiles", 64);
+    folder.write("town.json", kTown);
+    ASSERT_EQ(run("render town.json -o a.png --no-attribution").exitCode, 0);
+    const auto plain = picture("a.png");
+    ASSERT_TRUE(plain);
+    ASSERT_EQ(plain->pixelWidth(), 300);
+    ASSERT_EQ(plain->pixelHeight(), 200);
+    EXPECT_EQ(pixelOf(*plain, 100, 60), (std::array{200, 100, 50}));
+    EXPECT_EQ(pixelOf(*plain, 100, 140), (std::array{200, 100, 50}));
+    EXPECT_EQ(pixelOf(*plain, 200, 140), (std::array{0, 255, 0})) << "the tile that is not there";
+    const Outcome deep =
+        run("render town.json -o b.png --no-attribution --scale 2 --camera 0.001,-0.001,22,30,40");
+    ASSERT_EQ(deep.exitCode, 0) << deep.errors;
+    const auto stretched = picture("b.png");
+    ASSERT_EQ(stretched->pixelWidth(), 600);
+    EXPECT_EQ(pixelOf(*stretched, 300, 200), (std::array{200, 100, 50})) << "cut out of the tile far above";
+    ASSERT_EQ(run("render town.json -o c.png").exitCode, 0);
+    EXPECT_NE(pixelOf(*picture("c.png"), 290, 190), pixelOf(*plain, 290, 190));
+    EXPECT_EQ(run("render town.json -o missing/folder.png").exitCode, 2);
+}
+
+TEST_F(ProgramTest, aDamagedTileIsAGapWithAWarning) {
+    {
+        ArchiveWriter writer(folder.path("town.mbtiles"));
+        for (std::int64_t x = 32764; x < 32772; ++x) {
+            for (std::int64_t y = 32764; y < 32772; ++y) {
+                writer.tile(16, x, y, std::vector<std::byte>(100, std::byte{1}));
+            }
+        }
+    }
+    folder.write("town.json", kTown);
+    const Outcome outcome = run("render town.json -o a.png");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_NE(outcome.errors.find("town.mbtiles: tile 16/327"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(pixelOf(*picture("a.png"), 100, 60), (std::array{0, 255, 0}));
+}
+
+TEST_F(ProgramTest, atTheTimeOutThePictureIsWrittenAllTheSame) {
+    // Large enough that no frame lasts as long as decoding them.
+    writeArchive("town.mbtiles", 2048);
+    folder.write("town.json", kTown);
+    const Outcome outcome = run("render town.json -o a.png --timeout 0 --size 800x600");
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_NE(outcome.errors.find("tiles were not answered in time"), std::string::npos) << outcome.errors;
+    ASSERT_TRUE(picture("a.png"));
+    EXPECT_EQ(run("render town.json -o b.png --timeout 0 --size 800x600 --allow-missing-tiles").exitCode, 0);
+    EXPECT_TRUE(picture("b.png"));
+}
+
+TEST_F(ProgramTest, withoutACameraTheSceneIsFramedWhole) {
+    folder.write("scene.json", R"({"view": {"width": 400, "height": 300}, "circles": [
+        {"coordinate": {"lat": 10, "lon": 20}, "radius": 100, "color": "#ff0000"}]})");
+    ASSERT_EQ(run("render scene.json -o a.png").exitCode, 0);
+    const auto image = picture("a.png");
+    ASSERT_TRUE(image);
+    EXPECT_EQ(pixelOf(*image, 200, 150), (std::array{255, 0, 0}));
+    EXPECT_EQ(pixelOf(*image, 200, 20), (std::array{255, 0, 0}));
+    EXPECT_EQ(pixelOf(*image, 200, 5), (std::array{255, 255, 255}));
+}
+
+TEST_F(ProgramTest, locateAnswersLineByLineAndGoesOnAfterABadOne) {
+    folder.write("scene.json", R"({"view": {"width": 400, "height": 300},
+        "camera": {"target": {"lat": 43.7357, "lon": 7.4265}, "zoom": 17, "rotation": 90, "viewingAngle": 50}})");
+    const Outcome outcome = run("locate scene.json", "{\"x\":200,\"y\":150}\n"
+                                                     "\n"
+                                                     "{\"x\":200}\n"
+                                                     "{\"x\":200,\"y\":-200}\n"
+                                                     "{\"lat\":43.7357,\"lon\":7.41}\n"
+                                                     "{\"lat\":99,\"lon\":0}\n"
+                                                     "nonsense\n"
+                                                     "{\"lat\":43.7357,\"lon\":7.4265}");
+    EXPECT_EQ(outcome.exitCode, 2);
+    double lat = 0;
+    double lon = 0;
+    double x = 0;
+    double y = 0;
+    char errors[2][40] = {};
+    ASSERT_EQ(std::sscanf(outcome.output.c_str(),
+                          "{\"lat\":%lf,\"lon\":%lf}\n{\"error\":\"%39[^\"]\"}\n{\"error\":\"%39[^\"]\"}\n"
+                          "{\"x\":%lf,\"y\":%lf}",
+                          &lat, &lon, errors[0], errors[1], &x, &y),
+              6)
+        << outcome.output;
+    EXPECT_NEAR(lat, 43.7357, 1e-7);
+    EXPECT_NEAR(lon, 7.4265, 1e-7);
+    EXPECT_STREQ(errors[0], "above the horizon");
+    EXPECT_STREQ(errors[1], "behind the camera");
+    EXPECT_NEAR(x, 200, 1e-3);
+    EXPECT_NEAR(y, 150, 1e-3);
+    for (const char* line : {"line 3: needs the key \"y\"", "line 6: lat: must be", "line 7: "}) {
+        EXPECT_NE(outcome.errors.find(line), std::string::npos) << outcome.errors;
+    }
+    const Outcome corners = run("locate scene.json --corners --camera -33.8,151.2,18,0,0 --size 200x200");
+    EXPECT_EQ(corners.exitCode, 0);
+    EXPECT_TRUE(corners.output.starts_with("{\"topLeft\":{\"lat\":-33.7")) << corners.output;
+}
+
+TEST_F(ProgramTest, viewSaysWhatIsMissingWhenThereIsNoWindowProgram) {
+    // A copy of the program stands alone, without the other one beside it.
+    std::filesystem::copy_file(TRELMIX_PROGRAM, folder.path("alone"));
+    const int status =
+        std::system(("cd '" + folder.path("") + "' && PATH=/nowhere ./alone view a.json 2>err").c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_NE(textOf(folder.path("err")).find("trelmix-view: is neither beside"), std::string::npos);
+}
+
+TEST_F(ProgramTest, aSideViewIsWrittenAsHighAsItsPictureOrAsAsked) {
+    std::vector<std::uint8_t> grey(400 * 100 * 4, 200);
+    for (std::size_t i = 3; i < grey.size(); i += 4) {
+        grey[i] = 255;
+    }
+    folder.write("side.png", UIImage::withPixels(400, 100, std::move(grey))->pngData());
+    folder.write("levels.json", R"({"bearing": 90, "southLatitude": -0.001, "northLatitude": 0.001,
+        "westLongitude": -0.002, "eastLongitude": 0.002,
+        "levels": [{"levelNumber": 3, "levelbounds": [{"relativeheight": 0, "ceilingheight": 5}]}]})");
+    const auto sceneWith = [](const std::string& levels) {
+        return R"({"view": {"width": 200, "height": 150}, "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 20},
+            "sideView": {"image": "side.png", "levels": ")" +
+               levels + R"(", "path": {"color": "#0000ff", "points": [
+            {"lat": 0, "lon": -0.0016, "level": 3}, {"lat": 0, "lon": -0.0012, "level": 3}]}}})";
+    };
+    folder.write("ship.json", sceneWith("levels.json"));
+    folder.write("lost.json", sceneWith("none.json"));
+    folder.write("town.json", kTown);
+
+    const Outcome written = run("sideview ship.json -o a.png");
+    ASSERT_EQ(written.exitCode, 0) << written.errors;
+    const auto fitted = picture("a.png");
+    ASSERT_TRUE(fitted);
+    EXPECT_EQ(fitted->size(), (CGSize{200, 50}));
+    EXPECT_EQ(pixelOf(*fitted, 30, 25), (std::array{0, 0, 255}));
+    EXPECT_EQ(pixelOf(*fitted, 150, 40), (std::array{200, 200, 200}));
+    EXPECT_GT(pixelOf(*fitted, 100, 40)[0], pixelOf(*fitted, 100, 40)[1] + 50) << "the camera's footprint";
+
+    EXPECT_EQ(run("sideview ship.json -o b.png --size 100x80 --scale 2").exitCode, 0);
+    EXPECT_EQ(picture("b.png")->size(), (CGSize{200, 160}));
+
+    const std::pair<const char*, const char*> faults[] = {
+        {"sideview town.json -o c.png", "town.json: sideView: is missing"},
+        {"sideview lost.json -o c.png", "lost.json: sideView.levels: none.json: cannot open"},
+        {"sideview ship.json", "--output"},
+    };
+    for (const auto& [arguments, reason] : faults) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments;
+        EXPECT_NE(outcome.errors.find(reason), std::string::npos) << outcome.errors;
+    }
+}

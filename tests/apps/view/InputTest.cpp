@@ -1,0 +1,140 @@
+// What hands do in the window.
+#include "apps/view/WindowFixture.h"
+
+#include <Trelmix/TrelmixMapMarker.h>
+
+namespace trelmix::apps {
+namespace {
+
+TEST_F(WindowTest, theMapStaysUnderTheMouseThatDragsItAlsoStraightAlongAnAxis) {
+    open(kPlain);
+    for (const auto& [from, to, steps] : std::vector<std::tuple<CGPoint, CGPoint, int>>{
+             {{300, 200}, {500, 200}, 40}, {{300, 200}, {300, 60}, 140}, {{100, 400}, {420, 130}, 9}}) {
+        const auto place = groundAt(from);
+        drag(from, to, steps);
+        EXPECT_LE(distance(pointOf(place), to), 0.5) << from.x << "," << from.y;
+        settle();
+        EXPECT_LE(distance(pointOf(place), to), 0.5) << "at rest";
+    }
+}
+
+TEST_F(WindowTest, fingersPanPinchAndTurn) {
+    open(kPlain);
+    const auto place = groundAt({200, 200});
+    finger(SDL_FINGERDOWN, 1, {200, 200});
+    for (int i = 1; i <= 20; ++i) {
+        finger(SDL_FINGERMOTION, 1, {200.0 + 5 * i, 200.0 + 3 * i});
+    }
+    finger(SDL_FINGERUP, 1, {300, 260});
+    EXPECT_LE(distance(pointOf(place), {300, 260}), 0.5);
+
+    const float zoom = engine().camera()->zoom();
+    finger(SDL_FINGERDOWN, 1, {270, 240});
+    finger(SDL_FINGERDOWN, 2, {370, 240});
+    for (int i = 1; i <= 20; ++i) {
+        finger(SDL_FINGERMOTION, 1, {270.0 - 5 * i, 240});
+        finger(SDL_FINGERMOTION, 2, {370.0 + 5 * i, 240});
+    }
+    finger(SDL_FINGERUP, 2, {470, 240});
+    finger(SDL_FINGERUP, 1, {170, 240});
+    EXPECT_NEAR(engine().camera()->zoom(), zoom + std::log2(3.0F), 0.05);
+
+    finger(SDL_FINGERDOWN, 5, {220, 240});
+    finger(SDL_FINGERDOWN, 6, {420, 240});
+    for (int i = 1; i <= 30; ++i) {
+        const double angle = i * 0.03;
+        finger(SDL_FINGERMOTION, 5, {320 - 100 * std::cos(angle), 240 - 100 * std::sin(angle)});
+        finger(SDL_FINGERMOTION, 6, {320 + 100 * std::cos(angle), 240 + 100 * std::sin(angle)});
+    }
+    finger(SDL_FINGERUP, 5, {});
+    finger(SDL_FINGERUP, 6, {});
+    EXPECT_NEAR(std::abs(engine().camera()->rotation()), 0.9 * 180 / 3.14159265, 4);
+}
+
+TEST_F(WindowTest, theWheelZoomsAboutThePointer) {
+    open(kPlain);
+    engine().setCamera(30, 40, 17, false);
+    for (const CGPoint at : {CGPoint{100, 420}, {520, 200}}) {
+        for (const float notches : {1.0F, 2.0F, -5.0F, 0.25F}) {
+            const auto place = groundAt(at);
+            const float zoom = engine().camera()->zoom();
+            wheel(at, notches);
+            EXPECT_FLOAT_EQ(engine().camera()->zoom(), zoom + notches / 4);
+            EXPECT_LE(distance(pointOf(place), at), 0.5) << notches;
+        }
+    }
+    const auto target = engine().camera()->target();
+    wheel({100, 420}, 400);
+    wheel({100, 420}, 1);
+    EXPECT_EQ(engine().camera()->zoom(), 23);
+    wheel({320, 240}, -400);
+    EXPECT_EQ(engine().camera()->zoom(), 15);
+    EXPECT_NEAR(engine().camera()->target().latitude, target.latitude, 0.05) << "the map has not flown away";
+}
+
+TEST_F(WindowTest, theRightButtonTurnsAndTilts) {
+    open(kPlain);
+    drag({300, 300}, {350, 260}, 10, SDL_BUTTON_RIGHT);
+    EXPECT_NEAR(engine().camera()->rotation(), 20, 1e-3);
+    EXPECT_NEAR(engine().camera()->viewingAngle(), 10, 1e-3);
+    EXPECT_EQ(engine().camera()->zoom(), 17);
+}
+
+TEST_F(WindowTest, clicksSayWhatTheyHit) {
+    writeImage("icon.png", 30, 30, {200, 0, 0});
+    open(
+        R"({"view": {"width": 640, "height": 480}, "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17},
+        "circles": [{"coordinate": {"lat": 53.5, "lon": 10.002}, "radius": 20, "tappable": true, "id": "pond"}],
+        "markers": [{"coordinate": {"lat": 53.5, "lon": 10}, "icon": "icon.png", "id": "home",
+                     "draggable": true}]})");
+    EXPECT_EQ(pixel(320, 240), (std::array{200, 0, 0}));
+    const auto before = picture();
+    click({325, 236});
+    ASSERT_TRUE(until([&] { return hasLine("tap marker \"home\" 53.5,10"); }));
+    settle();
+    EXPECT_NE(pixel(14, 14), (std::array{255, 255, 255})) << "a label says so in the window";
+
+    const CGPoint pond = pointOf({53.5, 10.002});
+    click({std::round(pond.x), std::round(pond.y)});
+    EXPECT_TRUE(until([&] { return hasLine("tap circle \"pond\""); }));
+    click({100, 400});
+    EXPECT_TRUE(until([&] { return hasLine("tap map 53.49"); }));
+    EXPECT_NEAR(engine().camera()->target().longitude, 10, 1e-9) << "clicks move nothing";
+
+    // A long press on the marker picks it up.
+    button(true, {320, 240});
+    ASSERT_TRUE(until([&] { return hasLine("drag marker \"home\" from"); }));
+    motion({350, 250});
+    motion({420, 300});
+    button(false, {420, 300});
+    EXPECT_TRUE(until([&] { return hasLine("drag marker \"home\" to"); }));
+    const auto marker = std::dynamic_pointer_cast<TrelmixMapMarker>(app->stage().map().overlays.front());
+    EXPECT_LE(distance(pointOf(marker->presentedCoordinate()), {420, 300}), 0.5);
+    settle();
+    EXPECT_EQ(pixel(420, 300), (std::array{200, 0, 0}));
+    // A long press elsewhere is told when it ends.
+    button(true, {100, 100});
+    wait(0.7);
+    button(false, {100, 100});
+    EXPECT_TRUE(until([&] { return hasLine("long press map"); }));
+}
+
+TEST_F(WindowTest, aWindowThatLosesItsInputLetsGoOfTheMap) {
+    open(kPlain);
+    button(true, {300, 200});
+    motion({330, 230});
+    SDL_Event lost{};
+    lost.type = SDL_WINDOWEVENT;
+    lost.window.event = SDL_WINDOWEVENT_FOCUS_LOST;
+    send(lost);
+    const auto target = engine().camera()->target();
+    motion({500, 400});
+    button(false, {500, 400});
+    finger(SDL_FINGERMOTION, 9, {100, 100});
+    finger(SDL_FINGERUP, 9, {200, 100});
+    EXPECT_EQ(engine().camera()->target().latitude, target.latitude);
+    EXPECT_EQ(engine().camera()->target().longitude, target.longitude);
+}
+
+} // namespace
+} // namespace trelmix::apps

@@ -1,0 +1,164 @@
+#pragma once
+
+#include "support/ScratchFolder.h"
+#include "view/ViewApp.h"
+
+#include <SDL.h>
+
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace trelmix::apps {
+
+/// The program's loop in a real window, fed by pushed events.
+class WindowTest : public testing::Test {
+protected:
+    static constexpr double kWidth = 640;
+    static constexpr double kHeight = 480;
+    static constexpr const char* kPlain = R"({"view": {"width": 640, "height": 480, "background": "#208040"},
+        "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17}})";
+
+    void TearDown() override { app.reset(); }
+
+    /// Opens a window with that scene and waits until nothing moves any more.
+    void open(const std::string& scene, WindowOptions options = {}) {
+        options.view.sceneFile = folder.write("scene.json", scene);
+        options.print = [this](const std::string& line) { lines.push_back(line); };
+        ViewApp::Failure failure;
+        app = ViewApp::open(std::move(options), failure);
+        if (!app) {
+            throw std::runtime_error(failure.reason);
+        }
+        settle();
+    }
+
+    /// Runs the loop until the condition holds; false when it never does.
+    template <class Condition>
+    bool until(Condition holds) {
+        for (int i = 0; i < 5000; ++i) {
+            if (holds()) {
+                return true;
+            }
+            app->step();
+        }
+        return false;
+    }
+    /// Until tiles are there and the picture stands still.
+    void settle() {
+        const auto start = app->stage().thread().updateCount();
+        ASSERT_TRUE(until(
+            [&] { return app->stage().thread().updateCount() > start + 2 && app->stage().isSettled(); }));
+    }
+    /// For as many frames as a gesture takes to be told from another one.
+    void wait(double seconds) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+        until([&] { return std::chrono::steady_clock::now() >= end; });
+    }
+
+    void send(SDL_Event event) {
+        ASSERT_EQ(SDL_PushEvent(&event), 1);
+        app->step();
+    }
+    void button(bool isDown, CGPoint at, std::uint8_t which = SDL_BUTTON_LEFT) {
+        SDL_Event event{};
+        event.type = isDown ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
+        event.button.button = which;
+        event.button.x = static_cast<int>(at.x);
+        event.button.y = static_cast<int>(at.y);
+        send(event);
+    }
+    void motion(CGPoint to) {
+        SDL_Event event{};
+        event.type = SDL_MOUSEMOTION;
+        event.motion.x = static_cast<int>(to.x);
+        event.motion.y = static_cast<int>(to.y);
+        send(event);
+    }
+    void drag(CGPoint from, CGPoint to, int steps, std::uint8_t which = SDL_BUTTON_LEFT) {
+        motion(from);
+        button(true, from, which);
+        for (int i = 1; i <= steps; ++i) {
+            const double part = static_cast<double>(i) / steps;
+            motion(
+                {std::round(from.x + (to.x - from.x) * part), std::round(from.y + (to.y - from.y) * part)});
+        }
+        button(false, to, which);
+    }
+    void click(CGPoint at) {
+        button(true, at);
+        button(false, at);
+    }
+    void wheel(CGPoint at, float notches) {
+        motion(at);
+        SDL_Event event{};
+        event.type = SDL_MOUSEWHEEL;
+        event.wheel.preciseY = notches;
+        event.wheel.y = static_cast<int>(notches);
+        send(event);
+    }
+    void finger(Uint32 type, SDL_FingerID which, CGPoint at) {
+        SDL_Event event{};
+        event.type = type;
+        event.tfinger.touchId = 3;
+        event.tfinger.fingerId = which;
+        event.tfinger.x = static_cast<float>(at.x / kWidth);
+        event.tfinger.y = static_cast<float>(at.y / kHeight);
+        send(event);
+    }
+    void key(SDL_Keycode code) {
+        SDL_Event event{};
+        event.type = SDL_KEYDOWN;
+        event.key.keysym.sym = code;
+        send(event);
+    }
+
+    TrelmixMapEngine& engine() { return app->stage().engine(); }
+    CLLocationCoordinate2D groundAt(CGPoint point) {
+        return engine().projection()->worldCoordinateFor(point);
+    }
+    CGPoint pointOf(CLLocationCoordinate2D place) {
+        return engine().projection()->screenCoordinateFor(place);
+    }
+    std::shared_ptr<const UIImage> picture() {
+        const auto image = app->stage().picture(app->layout());
+        EXPECT_TRUE(image) << image.reason();
+        return image ? *image : nullptr;
+    }
+    /// Red, green, blue.
+    std::array<int, 3> pixel(int x, int y) {
+        const auto image = picture();
+        if (!image || x >= image->pixelWidth() || y >= image->pixelHeight()) {
+            return {-1, -1, -1};
+        }
+        const auto at = image->pixels().subspan(static_cast<std::size_t>(y * image->pixelWidth() + x) * 4, 3);
+        return {at[0], at[1], at[2]};
+    }
+    bool hasLine(const std::string& start) const {
+        return std::any_of(lines.begin(), lines.end(),
+                           [&](const std::string& line) { return line.starts_with(start); });
+    }
+
+    /// A picture of one colour, as a file.
+    void writeImage(const std::string& name, int width, int height, std::array<std::uint8_t, 3> color) {
+        std::vector<std::uint8_t> pixels;
+        for (int i = 0; i < width * height; ++i) {
+            pixels.insert(pixels.end(), {color[0], color[1], color[2], 255});
+        }
+        folder.write(name, UIImage::withPixels(width, height, std::move(pixels))->pngData());
+    }
+
+    ScratchFolder folder;
+    std::vector<std::string> lines;
+    std::unique_ptr<ViewApp> app;
+};
+
+inline double distance(CGPoint a, CGPoint b) {
+    return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+} // namespace trelmix::apps
