@@ -56,22 +56,23 @@ void zoomAbout(TrelmixMapEngine& engine, CGPoint point, double levels) {
 
 void turnBy(TrelmixMapEngine& engine, double rotation, double viewingAngle, bool animated) {
     if (const auto camera = engine.camera()) {
-        engine.setCamera(camera->rotation() + rotation,
-                         std::clamp(camera->viewingAngle() + viewingAngle, 0.0, 55.0), camera->zoom(),
-                         animated);
+        engine.setCameraWithRotation(camera->rotation() + rotation,
+                                     std::clamp(camera->viewingAngle() + viewingAngle, 0.0, 55.0),
+                                     camera->zoom(), animated);
     }
 }
 
 void zoomBy(TrelmixMapEngine& engine, double levels, bool animated) {
     if (const auto camera = engine.camera()) {
-        engine.setCamera(camera->rotation(), camera->viewingAngle(),
-                         allowedZoom(engine, static_cast<double>(camera->zoom()) + levels), animated);
+        engine.setCameraWithRotation(camera->rotation(), camera->viewingAngle(),
+                                     allowedZoom(engine, static_cast<double>(camera->zoom()) + levels),
+                                     animated);
     }
 }
 
 void resetRotation(TrelmixMapEngine& engine) {
     if (const auto camera = engine.camera()) {
-        engine.setCamera(0, camera->viewingAngle(), camera->zoom(), true);
+        engine.setCameraWithRotation(0, camera->viewingAngle(), camera->zoom(), true);
     }
 }
 
@@ -83,8 +84,8 @@ double metresPerPoint(const TrelmixMapEngine& engine, CGSize viewSize) {
     constexpr double kSpan = 50;
     const CGPoint middle{viewSize.width / 2, viewSize.height / 2};
     const double metres =
-        Geo::getDistanceBetween(projection->worldCoordinateFor({middle.x - kSpan, middle.y}),
-                                projection->worldCoordinateFor({middle.x + kSpan, middle.y}));
+        Geo::getDistanceBetweenWithCoordinate1(projection->worldCoordinateFor({middle.x - kSpan, middle.y}),
+                                               projection->worldCoordinateFor({middle.x + kSpan, middle.y}));
     return std::isfinite(metres) ? metres / (2 * kSpan) : 0;
 }
 

@@ -69,7 +69,7 @@ class Application : public TrelmixMapEngineDelegate {
 public:
     void tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                            const std::shared_ptr<TrelmixMapTileLayer>& layer) override {
-        layer->provideTile(x, y, zoom, square(256, (x + y) % 2 == 0 ? 0xd5e3cc : 0xc9d8ea));
+        layer->provideTileForX(x, y, zoom, square(256, (x + y) % 2 == 0 ? 0xd5e3cc : 0xc9d8ea));
     }
     bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>& marker) override {
         std::cout << "tapped " << marker->description() << std::endl;

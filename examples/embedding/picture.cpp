@@ -24,9 +24,9 @@ struct Tiles : TrelmixMapEngineDelegate {
     void tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                            const std::shared_ptr<TrelmixMapTileLayer>& layer) override {
         const bool isDark = (x + y) % 2 == 0;
-        layer->provideTile(x, y, zoom,
-                           square(256, isDark ? std::vector<std::uint8_t>{190, 214, 190, 255}
-                                              : std::vector<std::uint8_t>{220, 232, 210, 255}));
+        layer->provideTileForX(x, y, zoom,
+                               square(256, isDark ? std::vector<std::uint8_t>{190, 214, 190, 255}
+                                                  : std::vector<std::uint8_t>{220, 232, 210, 255}));
     }
 };
 
@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     map->initialiseWithTarget({54.9297, 14.0215}, 17);
-    map->setCamera(332, 45, 17, false); // rotation and viewing angle in degrees, zoom, at once
+    map->setCameraWithRotation(332, 45, 17, false); // rotation and viewing angle in degrees, zoom, at once
     TrelmixMapEngineFactory::createMapTilesNode()->setMap(map);
     TrelmixMapEngineFactory::createMapMarkerWith(square(20, {200, 40, 40, 255}), {54.9301, 14.0207})
         ->setMap(map);

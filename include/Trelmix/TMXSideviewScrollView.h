@@ -97,12 +97,14 @@ public:
 
     /// A marker shows once it has both an icon and a place; whichever comes first creates it. Ignored before
     /// the set-up.
-    virtual void updateSideviewMarker(const std::string& identifier, std::shared_ptr<const UIImage> icon) = 0;
+    virtual void updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                                    std::shared_ptr<const UIImage> icon) = 0;
     /// A coordinate that has no place in the picture moves nothing.
-    virtual void updateSideviewMarker(const std::string& identifier, CLLocationCoordinate2D coordinate,
-                                      std::int64_t levelNumber) = 0;
+    virtual void updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                                    CLLocationCoordinate2D coordinate,
+                                                    std::int64_t levelNumber) = 0;
     /// Takes its icon and its place away; an unknown identifier changes nothing.
-    virtual void removeSideviewMarker(const std::string& identifier) = 0;
+    virtual void removeSideviewMarkerWithIdentifier(const std::string& identifier) = 0;
 
     /// Replaces the path; an empty one removes it. Ignored before the set-up.
     /// @param path the altitude of each location is its level number, cut to a whole number; locations

@@ -77,7 +77,7 @@ public:
     /// @param animated over 0.2 s; otherwise at once.
     virtual void setCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera, bool animated) = 0;
     /// The same, keeping the target. Degrees; nothing happens before the first camera.
-    virtual void setCamera(double rotation, double viewingAngle, float zoom, bool animated) = 0;
+    virtual void setCameraWithRotation(double rotation, double viewingAngle, float zoom, bool animated) = 0;
 };
 
 } // namespace trelmix

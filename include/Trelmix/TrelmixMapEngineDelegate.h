@@ -48,7 +48,7 @@ public:
     /// The image of a tile of a synchronous layer; empty when there is none. Comes on the thread that updates
     /// the overlays: the one that draws, or the main thread. Tile indices may lie outside the world.
     virtual std::shared_ptr<const UIImage> tileForX(std::int64_t x, std::int64_t y, std::int64_t zoom);
-    /// An asynchronous layer needs a tile; answer with its `provideTile`, now or later. Threads as for
+    /// An asynchronous layer needs a tile; answer with its `provideTileForX`, now or later. Threads as for
     /// `tileForX`.
     virtual void tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                                    const std::shared_ptr<TrelmixMapTileLayer>& layer);

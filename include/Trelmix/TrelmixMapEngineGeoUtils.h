@@ -16,14 +16,15 @@ namespace trelmix {
 class TRELMIX_API TrelmixMapEngineGeoUtils {
 public:
     /// Initial bearing of the great circle between the two, in [0, 2 pi); 0 for equal coordinates.
-    static double getBearing(CLLocationCoordinate2D from, CLLocationCoordinate2D to);
+    static double getBearingFrom(CLLocationCoordinate2D from, CLLocationCoordinate2D to);
     /// Where one arrives. The longitude is not normalised: it can leave [-180, 180].
     /// @param withBearing radians
     /// @param distance metres along the great circle
-    static CLLocationCoordinate2D getCoordinate(CLLocationCoordinate2D from, double withBearing,
-                                                double distance);
+    static CLLocationCoordinate2D getCoordinateFrom(CLLocationCoordinate2D from, double withBearing,
+                                                    double distance);
     /// Length of the great circle in metres.
-    static double getDistanceBetween(CLLocationCoordinate2D coordinate1, CLLocationCoordinate2D coordinate2);
+    static double getDistanceBetweenWithCoordinate1(CLLocationCoordinate2D coordinate1,
+                                                    CLLocationCoordinate2D coordinate2);
 
     /// Latitude to map y. The latitude is not limited to the Mercator square: +90 gives a large negative
     /// number, -90 infinity.
@@ -36,9 +37,9 @@ public:
     static double convertMapXToLong(double x, float zoom);
 
     /// Metres that one map point covers at that latitude and zoom.
-    static double metersPerMapPoint(double latitude, float zoom);
-    /// The reciprocal of metersPerMapPoint.
-    static double mapPointsPerMeter(double latitude, float zoom);
+    static double metersPerMapPointAt(double latitude, float zoom);
+    /// The reciprocal of metersPerMapPointAt.
+    static double mapPointsPerMeterAt(double latitude, float zoom);
 };
 
 } // namespace trelmix

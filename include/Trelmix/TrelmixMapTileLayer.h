@@ -16,16 +16,16 @@ namespace trelmix {
 
 /// A raster map on the usual 256-point tile grid. It asks for each tile that comes into view once: an
 /// address (`imageUrlLayer`), or the engine's delegate, which answers at once (`synchronousLayer`) or later
-/// (`provideTile`). Starts with the delegate, asynchronous, and zIndex 25.
+/// (`provideTileForX`). Starts with the delegate, asynchronous, and zIndex 25.
 ///
 /// Created by TrelmixMapEngineFactory; shared between the application and the scene it is shown in.
-/// Main thread only, but for `provideTile`.
+/// Main thread only, but for `provideTileForX`.
 class TRELMIX_API TrelmixMapTileLayer : public TrelmixMapOverlay {
 public:
     ~TrelmixMapTileLayer() override;
 
     /// True: images come from `TrelmixMapEngineDelegate::tileForX`, which every frame that needs one waits
-    /// for. False: they are asked for by `tileRequestedForX` and answered by `provideTile`.
+    /// for. False: they are asked for by `tileRequestedForX` and answered by `provideTileForX`.
     virtual bool synchronousLayer() const = 0;
     virtual void setSynchronousLayer(bool synchronous) = 0;
 
@@ -36,8 +36,8 @@ public:
         std::function<std::optional<URL>(std::uint64_t x, std::uint64_t y, std::uint64_t zoom)>;
 
     /// True, with a constructor: images come from addresses, through the cache and the network connection
-    /// that the process shares (`NetworkSettings.h`), and `provideTile` is ignored. An address is asked once;
-    /// what fails within 10 s, or is no image, answers the tile with none. Tiles beyond the world are
+    /// that the process shares (`NetworkSettings.h`), and `provideTileForX` is ignored. An address is asked
+    /// once; what fails within 10 s, or is no image, answers the tile with none. Tiles beyond the world are
     /// answered with none. Changes count for tiles that are asked for afterwards.
     virtual bool imageUrlLayer() const = 0;
     virtual void setImageUrlLayer(bool isUrlLayer) = 0;
@@ -52,8 +52,8 @@ public:
 
     /// Answers a tile: with its image, or with none when there is none. Answers for tiles that are no longer
     /// wanted are dropped; a second answer replaces the first. Any thread.
-    virtual void provideTile(std::int64_t x, std::int64_t y, std::int64_t zoom,
-                             std::shared_ptr<const UIImage> image) = 0;
+    virtual void provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
+                                 std::shared_ptr<const UIImage> image) = 0;
 
     /// Tiles that the last check found in view, and how many of them have been answered.
     virtual std::size_t wantedTileCount() const = 0;

@@ -190,7 +190,8 @@ void TrelmixMapEngineSceneView::setCamera(const std::shared_ptr<TrelmixMapEngine
     internalSetCamera(change);
 }
 
-void TrelmixMapEngineSceneView::setCamera(double rotation, double viewingAngle, float zoom, bool animated) {
+void TrelmixMapEngineSceneView::setCameraWithRotation(double rotation, double viewingAngle, float zoom,
+                                                      bool animated) {
     const MainEntry entry{"setCamera"};
     if (!entry || !_cameraProjection) {
         return;

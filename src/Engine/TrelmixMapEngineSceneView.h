@@ -75,7 +75,7 @@ public:
 
     void initialiseWithTarget(CLLocationCoordinate2D target, float zoom) override;
     void setCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera, bool animated) override;
-    void setCamera(double rotation, double viewingAngle, float zoom, bool animated) override;
+    void setCameraWithRotation(double rotation, double viewingAngle, float zoom, bool animated) override;
 
     // For overlays and hosts, with the scene lock held.
     const std::shared_ptr<SCNView>& sceneView() const { return _sceneView; }

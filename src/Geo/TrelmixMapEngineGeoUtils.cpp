@@ -4,17 +4,17 @@
 
 namespace trelmix {
 
-double TrelmixMapEngineGeoUtils::getBearing(CLLocationCoordinate2D from, CLLocationCoordinate2D to) {
+double TrelmixMapEngineGeoUtils::getBearingFrom(CLLocationCoordinate2D from, CLLocationCoordinate2D to) {
     return GeoUtils::bearing(coordinateOf(from), coordinateOf(to));
 }
 
-CLLocationCoordinate2D TrelmixMapEngineGeoUtils::getCoordinate(CLLocationCoordinate2D from,
-                                                               double withBearing, double distance) {
+CLLocationCoordinate2D TrelmixMapEngineGeoUtils::getCoordinateFrom(CLLocationCoordinate2D from,
+                                                                   double withBearing, double distance) {
     return locationOf(GeoUtils::coordinate(coordinateOf(from), withBearing, distance));
 }
 
-double TrelmixMapEngineGeoUtils::getDistanceBetween(CLLocationCoordinate2D coordinate1,
-                                                    CLLocationCoordinate2D coordinate2) {
+double TrelmixMapEngineGeoUtils::getDistanceBetweenWithCoordinate1(CLLocationCoordinate2D coordinate1,
+                                                                   CLLocationCoordinate2D coordinate2) {
     return GeoUtils::distanceBetween(coordinateOf(coordinate1), coordinateOf(coordinate2));
 }
 
@@ -34,11 +34,11 @@ double TrelmixMapEngineGeoUtils::convertMapXToLong(double x, float zoom) {
     return GeoUtils::convertMapXToLong(x, zoom);
 }
 
-double TrelmixMapEngineGeoUtils::metersPerMapPoint(double latitude, float zoom) {
+double TrelmixMapEngineGeoUtils::metersPerMapPointAt(double latitude, float zoom) {
     return GeoUtils::metersPerMapPoint(latitude, zoom);
 }
 
-double TrelmixMapEngineGeoUtils::mapPointsPerMeter(double latitude, float zoom) {
+double TrelmixMapEngineGeoUtils::mapPointsPerMeterAt(double latitude, float zoom) {
     return GeoUtils::mapPointsPerMeter(latitude, zoom);
 }
 

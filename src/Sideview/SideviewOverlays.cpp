@@ -89,18 +89,19 @@ SideviewMarker& SideviewScrollView::markerNamed(const std::string& identifier) {
     return place->second;
 }
 
-void SideviewScrollView::updateSideviewMarker(const std::string& identifier,
-                                              std::shared_ptr<const UIImage> icon) {
-    const MainEntry entry{"updateSideviewMarker"};
+void SideviewScrollView::updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                                            std::shared_ptr<const UIImage> icon) {
+    const MainEntry entry{"updateSideviewMarkerWithIdentifier"};
     if (entry && _imageView) {
         markerNamed(identifier).icon = std::move(icon);
         updateSideviewMarkers();
     }
 }
 
-void SideviewScrollView::updateSideviewMarker(const std::string& identifier,
-                                              CLLocationCoordinate2D coordinate, std::int64_t levelNumber) {
-    const MainEntry entry{"updateSideviewMarker"};
+void SideviewScrollView::updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                                            CLLocationCoordinate2D coordinate,
+                                                            std::int64_t levelNumber) {
+    const MainEntry entry{"updateSideviewMarkerWithIdentifier"};
     if (!entry || !_projection) {
         return;
     }
@@ -122,8 +123,8 @@ void SideviewScrollView::updateSideviewMarkers() {
     }
 }
 
-void SideviewScrollView::removeSideviewMarker(const std::string& identifier) {
-    if (const MainEntry entry{"removeSideviewMarker"}) {
+void SideviewScrollView::removeSideviewMarkerWithIdentifier(const std::string& identifier) {
+    if (const MainEntry entry{"removeSideviewMarkerWithIdentifier"}) {
         if (const auto removed = _markers.extract(identifier)) {
             removed.mapped().imageView->removeFromSuperview();
         }

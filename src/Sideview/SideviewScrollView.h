@@ -55,10 +55,11 @@ public:
     void setUserPositionIcon(std::shared_ptr<const UIImage> icon) override;
     void updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) override;
     void removeUserPosition() override;
-    void updateSideviewMarker(const std::string& identifier, std::shared_ptr<const UIImage> icon) override;
-    void updateSideviewMarker(const std::string& identifier, CLLocationCoordinate2D coordinate,
-                              std::int64_t levelNumber) override;
-    void removeSideviewMarker(const std::string& identifier) override;
+    void updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                            std::shared_ptr<const UIImage> icon) override;
+    void updateSideviewMarkerWithIdentifier(const std::string& identifier, CLLocationCoordinate2D coordinate,
+                                            std::int64_t levelNumber) override;
+    void removeSideviewMarkerWithIdentifier(const std::string& identifier) override;
     void drawNavigationPath(const std::vector<CLLocation>& path, UIColor color, double width) override;
     /// Image points, as wide as it is on screen now; null without one.
     const UIBezierPath* navigationPath() const { return _navigationPath ? &*_navigationPath : nullptr; }

@@ -34,8 +34,8 @@ public:
     void setImageUrlConstructor(ImageUrlConstructor constructor) override;
     std::optional<std::size_t> imageCacheLimit() const override;
     void setImageCacheLimit(std::optional<std::size_t> bytes) override;
-    void provideTile(std::int64_t x, std::int64_t y, std::int64_t zoom,
-                     std::shared_ptr<const UIImage> image) override;
+    void provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
+                         std::shared_ptr<const UIImage> image) override;
     std::size_t wantedTileCount() const override;
     std::size_t answeredTileCount() const override;
     std::string description() const override;

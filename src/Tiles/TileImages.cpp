@@ -52,8 +52,8 @@ void MapTileNode::askDelegateAtOnce(const TileKey& key) {
     provideOnMainThread(key, std::move(image), true);
 }
 
-void MapTileNode::provideTile(std::int64_t x, std::int64_t y, std::int64_t zoom,
-                              std::shared_ptr<const UIImage> image) {
+void MapTileNode::provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
+                                  std::shared_ptr<const UIImage> image) {
     provideOnMainThread({x, y, zoom}, std::move(image), false);
 }
 

@@ -35,7 +35,7 @@ protected:
 TEST_F(CameraPath, beforeTheFirstCameraThereIsNoneAndOnlyAWholeRecordMakesOne) {
     EXPECT_FALSE(engine->camera());
     EXPECT_FALSE(engine->projection());
-    engine->setCamera(10, 20, 17, false);
+    engine->setCameraWithRotation(10, 20, 17, false);
     EXPECT_FALSE(engine->camera());
     engine->setCamera(record(kPlace, 10, 20, 17), false);
     ASSERT_TRUE(engine->camera());
@@ -48,7 +48,7 @@ TEST_F(CameraPath, aDelegateThatThrowsIsReportedAndTheCameraGoesOn) {
     start();
     log->onWillMove = log->onIdle = [] { throw std::runtime_error("no"); };
     for (int i = 1; i <= 20; ++i) {
-        engine->setCamera(i, 0, 17, false);
+        engine->setCameraWithRotation(i, 0, 17, false);
         step();
         EXPECT_NEAR(engine->camera()->rotation(), i, 1e-4);
     }
@@ -58,12 +58,12 @@ TEST_F(CameraPath, aDelegateThatThrowsIsReportedAndTheCameraGoesOn) {
 TEST_F(CameraPath, zoomAndTiltAreLimitedToWhatIsSupported) {
     start(30);
     EXPECT_EQ(engine->camera()->zoom(), 23.0F);
-    engine->setCamera(0, 80, 3, false);
+    engine->setCameraWithRotation(0, 80, 3, false);
     EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-4);
     EXPECT_EQ(engine->camera()->zoom(), 15.0F);
-    engine->setCamera(0, -10, 17, false);
+    engine->setCameraWithRotation(0, -10, 17, false);
     EXPECT_EQ(engine->camera()->viewingAngle(), 0);
-    engine->setCamera(0, kNaN, 17, false);
+    engine->setCameraWithRotation(0, kNaN, 17, false);
     EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-4);
     engine->setMinZoom(5);
     engine->setMaxZoom(20);
@@ -90,7 +90,7 @@ TEST_F(CameraPath, numbersThatAreNotFiniteLeaveTheCameraAsItWas) {
 
 TEST_F(CameraPath, aSetterReportsRestAfterTheCurrentEventWithEqualRecords) {
     start();
-    engine->setCamera(30, 20, 18, false);
+    engine->setCameraWithRotation(30, 20, 18, false);
     EXPECT_EQ(log->calls, Calls{"willMove"});
     RunLoop::main().pump();
     EXPECT_EQ(log->calls, (Calls{"willMove", "didChange", "idle"}));
@@ -100,10 +100,10 @@ TEST_F(CameraPath, aSetterReportsRestAfterTheCurrentEventWithEqualRecords) {
 
 TEST_F(CameraPath, anAnimationRunsTheShortWayInAFifthOfASecondAndThenReports) {
     start();
-    engine->setCamera(170, 0, 17, false);
+    engine->setCameraWithRotation(170, 0, 17, false);
     step();
     log->calls.clear();
-    engine->setCamera(-170, 40, 18, true);
+    engine->setCameraWithRotation(-170, 40, 18, true);
     EXPECT_EQ(log->calls, Calls{"willMove"});
     EXPECT_NEAR(engine->camera()->zoom(), 17, 1e-5);
     step(0.1);
@@ -119,9 +119,9 @@ TEST_F(CameraPath, anAnimationRunsTheShortWayInAFifthOfASecondAndThenReports) {
 
 TEST_F(CameraPath, aNewChangeEndsARunningAnimationWhichThenReportsNothing) {
     start();
-    engine->setCamera(0, 0, 20, true);
+    engine->setCameraWithRotation(0, 0, 20, true);
     step(0.1);
-    engine->setCamera(0, 0, 16, true);
+    engine->setCameraWithRotation(0, 0, 16, true);
     step(0.15);
     EXPECT_EQ(log->count("idle"), 0U);
     step(0.1);
@@ -172,10 +172,10 @@ TEST_F(CameraPath, aDelegateThatSetsACameraWhileItHearsOfOneWins) {
 
 TEST_F(CameraPath, aDelegateThatAlwaysSetsACameraNeitherOverflowsTheStackNorStarvesTheLoop) {
     start();
-    log->onWillMove = [this] { engine->setCamera(1, 0, 17, false); };
-    engine->setCamera(0, 0, 16, false);
+    log->onWillMove = [this] { engine->setCameraWithRotation(1, 0, 17, false); };
+    engine->setCameraWithRotation(0, 0, 16, false);
     log->onWillMove = nullptr;
-    log->onIdle = [this] { engine->setCamera(2, 0, 17, false); };
+    log->onIdle = [this] { engine->setCameraWithRotation(2, 0, 17, false); };
     step();
     EXPECT_LT(log->calls.size(), 50U);
     log->onIdle = nullptr;
@@ -186,7 +186,7 @@ TEST_F(CameraPath, aDelegateThatAlwaysSetsACameraNeitherOverflowsTheStackNorStar
 TEST_F(CameraPath, anEngineDestroyedInsideItsDelegateIsGoneQuietly) {
     start();
     log->onWillMove = [this] { engine.reset(); };
-    engine->setCamera(0, 0, 16, true);
+    engine->setCameraWithRotation(0, 0, 16, true);
     RunLoop::main().drain();
     EXPECT_EQ(log->count("idle"), 0U);
     engine = makeEngine();

@@ -32,7 +32,7 @@ protected:
 
 TEST_F(Gesture, whatWasUnderTheFingerStaysUnderItAfterAPan) {
     for (const double rotation : {0.0, 37.0, 90.0, 200.0}) {
-        engine->setCamera(rotation, 0, 17, false);
+        engine->setCameraWithRotation(rotation, 0, 17, false);
         const CLLocationCoordinate2D grabbed = under({400, 300});
         story()
             .down(1, {400, 300})
@@ -81,7 +81,7 @@ TEST_F(Gesture, twoFingersUpTiltAndSidewaysScroll) {
     told.move({{1, {300, 200}}, {2, {500, 200}}});
     EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-3);
     told.up(1).up(2);
-    engine->setCamera(0, 0, 17, false);
+    engine->setCameraWithRotation(0, 0, 17, false);
     const double before = engine->camera()->target().longitude;
     story().down(1, {300, 300}).down(2, {500, 300}).move({{1, {200, 305}}, {2, {400, 305}}}).up(1).up(2);
     EXPECT_GT(engine->camera()->target().longitude, before);
@@ -112,7 +112,7 @@ TEST_F(Gesture, aDoubleTapZoomsInByOneWithAnAnimationAlsoAtTheHighestZoom) {
     step();
     EXPECT_NEAR(engine->camera()->zoom(), 18, 1e-4);
     EXPECT_EQ(log->count("willMove(gesture)"), 1U);
-    engine->setCamera(0, 0, 23, false);
+    engine->setCameraWithRotation(0, 0, 23, false);
     finish();
     log->calls.clear();
     story().tap({400, 300}).tap({402, 301});

@@ -79,7 +79,7 @@ TEST_F(OverlayBase, callsFromAnotherThreadAreReportedAndIgnored) {
     engine->initialiseWithTarget({54, 11}, 16);
     std::thread([this] {
         overlay->setMap(engine);
-        engine->setCamera(0, 0, 20, false);
+        engine->setCameraWithRotation(0, 0, 20, false);
     }).join();
     EXPECT_EQ(takeFaults().size(), 2U);
     EXPECT_FALSE(overlay->scene());

@@ -185,7 +185,7 @@ TEST_F(Tap, aLongPressOnTheMapReportsWhereItEnds) {
 }
 
 TEST_F(Tap, aDraggedMarkersAnchorStaysUnderTheFingerAndTheCameraStaysStill) {
-    engine->setCamera(35, 0, 17.5F, false);
+    engine->setCameraWithRotation(35, 0, 17.5F, false);
     const auto pin = marker();
     pin->setIsDraggable(true);
     finish();

@@ -156,11 +156,11 @@ TEST(Sphere, scalesFollowTheLatitude) {
 
 TEST(Sphere, thePublicFaceGivesTheSameNumbers) {
     const CLLocationCoordinate2D a{43.73, 7.42}, b{43.75, 7.40};
-    EXPECT_EQ(TrelmixMapEngineGeoUtils::getBearing(a, b),
+    EXPECT_EQ(TrelmixMapEngineGeoUtils::getBearingFrom(a, b),
               GeoUtils::bearing(coordinateOf(a), coordinateOf(b)));
-    EXPECT_EQ(TrelmixMapEngineGeoUtils::getDistanceBetween(a, b),
+    EXPECT_EQ(TrelmixMapEngineGeoUtils::getDistanceBetweenWithCoordinate1(a, b),
               GeoUtils::distanceBetween(coordinateOf(a), coordinateOf(b)));
-    EXPECT_EQ(TrelmixMapEngineGeoUtils::getCoordinate(a, 1, 500),
+    EXPECT_EQ(TrelmixMapEngineGeoUtils::getCoordinateFrom(a, 1, 500),
               locationOf(GeoUtils::coordinate(coordinateOf(a), 1, 500)));
 }
 

@@ -100,7 +100,7 @@ TEST_F(RenderThreadTest, presentsWhatChangesAndNothingElse) {
     const auto still = thread->presentCount();
     ASSERT_TRUE(thread->waitForUpdates(thread->updateCount() + 20));
     EXPECT_EQ(thread->presentCount(), still);
-    engine->setCamera(45, 0, 18, false);
+    engine->setCameraWithRotation(45, 0, 18, false);
     rest(*thread);
     EXPECT_GT(thread->presentCount(), still);
 
@@ -134,7 +134,7 @@ TEST_F(RenderThreadTest, stopsAtAnyMoment) {
     for (int i = 0; i < 30; ++i) {
         host->resize(40 + i, 60 - i, 1);
     }
-    engine->setCamera(10, 0, 18, false);
+    engine->setCameraWithRotation(10, 0, 18, false);
     RunLoop::main().drain();
     EXPECT_FALSE(thread);
 }
@@ -157,7 +157,7 @@ TEST_F(RenderThreadTest, drawsWhileEverythingMovesComesAndGoes) {
                                const std::shared_ptr<TrelmixMapTileLayer>& layer) override {
             // From another thread still, as a decoder would.
             const auto image = plainImage(8, {0, 200, 0});
-            std::thread([=] { layer->provideTile(x, y, zoom, image); }).join();
+            std::thread([=] { layer->provideTileForX(x, y, zoom, image); }).join();
         }
     };
     const auto tiles = std::make_shared<Tiles>();
@@ -214,7 +214,7 @@ TEST_F(RenderThreadTest, enginesComeAndGoWithTheirThreads) {
         map->initialiseWithTarget({53.5, 10}, 17);
         auto thread = RenderThread::start(own, screen.surface());
         TrelmixMapEngineFactory::createMapMarkerWith(icon, {53.5, 10})->setMap(map);
-        map->setCamera(0, 10, 18, i % 2 == 0);
+        map->setCameraWithRotation(0, 10, 18, i % 2 == 0);
         const std::weak_ptr<TrelmixMapEngine> weak = map;
         if (i % 3 == 0) {
             // The thread's host has the last reference.

@@ -57,7 +57,7 @@ TEST_F(HostedSideview, isComposedAnewOnlyWhenItLooksDifferent) {
              sideview->setUserPositionIcon(icon), sideview->updateUserPosition({kLatitude, kWest}, 0);
          }},
         {"background", [&] { sideview->setBackgroundColor(UIColor::blackColor()); }},
-        {"camera", [&] { engine->setCamera(0, 0, 20.0F, false), step(); }},
+        {"camera", [&] { engine->setCameraWithRotation(0, 0, 20.0F, false), step(); }},
         {"level", [&] { sideview->setDisplayedLevel(1, engine); }},
         {"colour", [&] { sideview->sideviewCameraRectangle()->setBackgroundColor(UIColor::whiteColor()); }},
         {"hidden", [&] { sideview->sideviewPositionRectangle()->setHidden(true); }},

@@ -106,13 +106,13 @@ TEST_F(ViewHostTest, aFrameWithoutChangesLeavesTheWindowAlone) {
     };
     const auto image = plainImage(4, {0, 0, 255});
     EXPECT_FALSE(isDrawnAfter([] {}));
-    EXPECT_TRUE(isDrawnAfter([&] { engine->setCamera(0, 0, 18, false); }));
-    EXPECT_FALSE(isDrawnAfter([&] { engine->setCamera(0, 0, 18, false); }));
+    EXPECT_TRUE(isDrawnAfter([&] { engine->setCameraWithRotation(0, 0, 18, false); }));
+    EXPECT_FALSE(isDrawnAfter([&] { engine->setCameraWithRotation(0, 0, 18, false); }));
     EXPECT_TRUE(isDrawnAfter([&] { host->setOverlayImages({{image, {{0, 0}, {4, 4}}}}); }));
     EXPECT_FALSE(isDrawnAfter([&] { host->setOverlayImages({{image, {{0, 0}, {4, 4}}}}); }));
     EXPECT_TRUE(isDrawnAfter([&] { host->setOverlayImages({}); }));
     EXPECT_TRUE(isDrawnAfter([&] { host->setLayout({{200, 150}, {{0, 0}, {180, 80}}, 1}); }));
-    engine->setCamera(90, 30, 19, true);
+    engine->setCameraWithRotation(90, 30, 19, true);
     EXPECT_EQ(frame(), Drawing::drawn);
     EXPECT_EQ(frame(), Drawing::drawn) << "a camera on its way";
     EXPECT_TRUE(comesToRest());

@@ -82,7 +82,7 @@ TEST_F(ViewHostTouchTest, theGroundStaysUnderADraggedFingerAlsoAlongAnAxis) {
         {{700, 100}, {100, 600}, 30},    {{400, 300}, {380, 300}, 1},    {{100, 400}, {700, 400}, 3},
         {{400, 300}, {500, 300}, 10, 2}, {{300, 200}, {280, 200}, 2, 3}, {{300, 200}, {620, 200}, 32, 4}};
     for (const double rotation : {0.0, 37.0}) {
-        engine->setCamera(rotation, 0, 17, false);
+        engine->setCameraWithRotation(rotation, 0, 17, false);
         for (const auto& d : drags) {
             const auto place = groundAt(d.from);
             drag(d.from, d.to, d.steps, d.fingers);

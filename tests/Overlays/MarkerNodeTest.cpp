@@ -36,7 +36,9 @@ protected:
         marker->setMap(engine);
         step();
     }
-    void turnCamera(double rotation, double tilt) { engine->setCamera(rotation, tilt, 18, false); }
+    void turnCamera(double rotation, double tilt) {
+        engine->setCameraWithRotation(rotation, tilt, 18, false);
+    }
     double middleLatitude() const { return (kQuay.latitude + kPier.latitude) * 0.5; }
 
     std::shared_ptr<MarkerNode> marker;
@@ -59,7 +61,7 @@ TEST_F(MarkerNodeTest, keepsItsSizeOnScreenAtEveryZoomAndHeading) {
     const auto projection = engine->cameraProjection();
     for (const float zoom : {15.0F, 18.3F, 23.0F}) {
         for (const double heading : {0.0, 123.0, 270.0}) {
-            engine->setCamera(heading, 0, zoom, false);
+            engine->setCameraWithRotation(heading, 0, zoom, false);
             step();
             const auto& corners = lastFrame.list->items.at(0)->corners;
             const auto onScreen = [&](std::size_t i) {

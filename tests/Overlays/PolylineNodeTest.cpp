@@ -69,10 +69,10 @@ TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColour) {
     EXPECT_EQ(uniform("u_color1"), (std::vector<float>{0.5F, 0, 0, 0.5F}));
     EXPECT_EQ(uniform("u_color2"), (std::vector<float>{0.5F, 0, 0, 0.5F}));
     // Public zoom 23 is the internal zoom 22, of which one map point is a scene unit.
-    engine->setCamera(0, 0, 23, false);
+    engine->setCameraWithRotation(0, 0, 23, false);
     const double ratio = engine->cameraProjection()->mapPointScreenPointRatio();
     EXPECT_FLOAT_EQ(uniform("u_lineWidth")[0], static_cast<float>(5.0 * ratio));
-    engine->setCamera(0, 0, 22, false);
+    engine->setCameraWithRotation(0, 0, 22, false);
     line->setWidth(8);
     step();
     EXPECT_FLOAT_EQ(uniform("u_lineWidth")[0], static_cast<float>(16.0 * ratio));
@@ -80,7 +80,7 @@ TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColour) {
     EXPECT_EQ(item->kind, DrawKind::program);
     EXPECT_EQ(item->renderingOrder, -72);
     const auto bindings = item->bindings;
-    engine->setCamera(0, 0, 21, false);
+    engine->setCameraWithRotation(0, 0, 21, false);
     line->setMap(nullptr);
     line = nullptr;
     lastFrame = {};
@@ -98,7 +98,7 @@ TEST_F(PolylineNodeTest, zoomWidthAndColourLeaveTheMeshAlone) {
     EXPECT_EQ(mesh->origin, (Vector3d{0, 0, 0}));
     line->setColor(UIColor::redColor());
     line->setWidth(9);
-    engine->setCamera(20, 30, 16, false);
+    engine->setCameraWithRotation(20, 30, 16, false);
     step();
     EXPECT_EQ(lastFrame.list->items.at(0)->mesh, mesh);
 }

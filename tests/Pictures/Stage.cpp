@@ -26,7 +26,8 @@ CLLocationCoordinate2D coordinateOf(MapPixel pixel, int zoom) {
 }
 
 CLLocationCoordinate2D metresFrom(CLLocationCoordinate2D place, double east, double north) {
-    return TrelmixMapEngineGeoUtils::getCoordinate(place, std::atan2(east, north), std::hypot(east, north));
+    return TrelmixMapEngineGeoUtils::getCoordinateFrom(place, std::atan2(east, north),
+                                                       std::hypot(east, north));
 }
 
 Stage::Stage(const Look& first, OffscreenHost::Options options)

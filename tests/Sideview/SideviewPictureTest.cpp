@@ -64,13 +64,13 @@ protected:
 };
 
 TEST_F(SideviewPicture, everythingStandsAtItsComputedPixelsAtEveryZoom) {
-    engine->setCamera(0, 0, 21.0F, false);
+    engine->setCameraWithRotation(0, 0, 21.0F, false);
     connect(1);
     step();
     sideview->setUserPositionIcon(plainImage(20, 30, {0, 255, 0, 255}));
     sideview->updateUserPosition({kLatitude, longitudeAt(860)}, 0);
-    sideview->updateSideviewMarker("stairs", {kLatitude, longitudeAt(640)}, 1);
-    sideview->updateSideviewMarker("stairs", plainImage(12, 8, {255, 0, 255, 255}));
+    sideview->updateSideviewMarkerWithIdentifier("stairs", {kLatitude, longitudeAt(640)}, 1);
+    sideview->updateSideviewMarkerWithIdentifier("stairs", plainImage(12, 8, {255, 0, 255, 255}));
     sideview->drawNavigationPath({CLLocation({kLatitude, longitudeAt(600)}, 0.9),
                                   CLLocation({kLatitude, longitudeAt(700)}, 0),
                                   CLLocation({kLatitude, longitudeAt(800)}, 0)},
@@ -168,19 +168,19 @@ TEST_F(SideviewPicture, aMarkerShowsOnceItHasBothAnIconAndAPlace) {
         return extent(*shown, isGreen).size.width > 0;
     };
     const CLLocationCoordinate2D here{kLatitude, longitudeAt(300)};
-    sideview->updateSideviewMarker("a", icon);
+    sideview->updateSideviewMarkerWithIdentifier("a", icon);
     EXPECT_FALSE(shows());
-    sideview->updateSideviewMarker("a", kCLLocationCoordinate2DInvalid, 0);
+    sideview->updateSideviewMarkerWithIdentifier("a", kCLLocationCoordinate2DInvalid, 0);
     EXPECT_FALSE(shows());
-    sideview->updateSideviewMarker("a", here, 0);
+    sideview->updateSideviewMarkerWithIdentifier("a", here, 0);
     EXPECT_TRUE(shows());
-    sideview->updateSideviewMarker("a", kCLLocationCoordinate2DInvalid, 0);
+    sideview->updateSideviewMarkerWithIdentifier("a", kCLLocationCoordinate2DInvalid, 0);
     EXPECT_TRUE(shows()) << "it stays where it was";
-    sideview->removeSideviewMarker("b");
+    sideview->removeSideviewMarkerWithIdentifier("b");
     EXPECT_TRUE(shows());
-    sideview->removeSideviewMarker("a");
+    sideview->removeSideviewMarkerWithIdentifier("a");
     EXPECT_FALSE(shows());
-    sideview->updateSideviewMarker("a", here, 0);
+    sideview->updateSideviewMarkerWithIdentifier("a", here, 0);
     EXPECT_FALSE(shows()) << "a new marker has no icon yet";
 
     sideview->updateUserPosition(here, 0);

@@ -28,12 +28,12 @@ protected:
         sideview->setEnableZooming(true);
         sideview->setUserPositionIcon(icon);
         sideview->updateUserPosition(place, 0);
-        sideview->updateSideviewMarker("a", icon);
-        sideview->updateSideviewMarker("a", place, 0);
+        sideview->updateSideviewMarkerWithIdentifier("a", icon);
+        sideview->updateSideviewMarkerWithIdentifier("a", place, 0);
         sideview->drawNavigationPath({CLLocation(place, 0)}, UIColor::redColor(), 4);
         sideview->levelAt({10, 10});
         sideview->levelNumbers();
-        sideview->removeSideviewMarker("a");
+        sideview->removeSideviewMarkerWithIdentifier("a");
         sideview->removeUserPosition();
         sideview->zoomBy(2, {5, 5});
         TouchStory touches(sideview);
@@ -130,7 +130,7 @@ TEST_F(SideviewSetup, aSecondSetupReplacesTheFirstWholly) {
     const auto icon = plainImage(4, 4, {0, 0, 0, 255});
     sideview->setUserPositionIcon(icon);
     sideview->updateUserPosition({kLatitude, kWest}, 0);
-    sideview->updateSideviewMarker("a", icon);
+    sideview->updateSideviewMarkerWithIdentifier("a", icon);
     sideview->drawNavigationPath({CLLocation(kLatitude, kWest), CLLocation(kLatitude, kEast)},
                                  UIColor::redColor(), 4);
     sideview->scrollView()->setZoomScale(1, false);
@@ -193,7 +193,7 @@ TEST_F(SideviewSetup, neitherTheEngineNorTheGesturesKeepItAlive) {
     auto group = TrelmixMapEngineDelegateGroup::make();
     group->addMember(sideview);
     engine->setDelegate(group);
-    engine->setCamera(10, 10, 19.0F, false);
+    engine->setCameraWithRotation(10, 10, 19.0F, false);
     const std::weak_ptr<UIView> weak = sideview;
     const std::weak_ptr<UIView> image = sideview->sideviewImageView();
     sideview.reset();
@@ -208,10 +208,10 @@ TEST_F(SideviewSetup, callsFromAnotherThreadAreFaultsAndChangeNothing) {
     std::thread([&] {
         sideview->setDisplayedLevel(7, engine);
         sideview->setupSideviewWith(nullptr, "");
-        sideview->updateSideviewMarker("a", icon);
+        sideview->updateSideviewMarkerWithIdentifier("a", icon);
     }).join();
-    EXPECT_EQ(takeFaults(),
-              (std::vector<std::string>{"setDisplayedLevel", "setupSideviewWith", "updateSideviewMarker"}));
+    EXPECT_EQ(takeFaults(), (std::vector<std::string>{"setDisplayedLevel", "setupSideviewWith",
+                                                      "updateSideviewMarkerWithIdentifier"}));
     EXPECT_EQ(sideview->levelNumber(), TMXSideviewScrollView::kInitialLevel);
     EXPECT_NE(sideview->sideviewProjection(), nullptr);
 }

@@ -50,7 +50,7 @@ protected:
     void show() { layer->setMap(engine); }
     void answerAll(const std::shared_ptr<const UIImage>& image) {
         for (const TileKey& key : std::exchange(delegate->asked, {})) {
-            layer->provideTile(key.x, key.y, key.zoom, image);
+            layer->provideTileForX(key.x, key.y, key.zoom, image);
         }
     }
     void moveBy(double mapPointsAtTileZoom) {
@@ -96,8 +96,8 @@ TEST_F(TileLayer, checksAtMostOnceASecondAndOnlyAfterEnoughMovement) {
     EXPECT_TRUE(asksAfter(0.6, [] {}));
     EXPECT_FALSE(asksAfter(1.5, [this] { moveBy(150); }));
     EXPECT_TRUE(asksAfter(1.5, [this] { moveBy(256); }));
-    EXPECT_FALSE(asksAfter(1.5, [this] { engine->setCamera(0, 0, 17.3F, false); }));
-    EXPECT_TRUE(asksAfter(1.5, [this] { engine->setCamera(0, 0, 17.6F, false); }))
+    EXPECT_FALSE(asksAfter(1.5, [this] { engine->setCameraWithRotation(0, 0, 17.3F, false); }));
+    EXPECT_TRUE(asksAfter(1.5, [this] { engine->setCameraWithRotation(0, 0, 17.6F, false); }))
         << "the rounded zoom changed";
 }
 
@@ -124,9 +124,9 @@ TEST_F(TileLayer, aSynchronousLayerWithoutImagesAsksOnceAndShowsNothing) {
     step();
     const std::size_t asked = delegate->asked.size();
     EXPECT_EQ(layer->answeredTileCount(), asked);
-    engine->setCamera(0, 0, 18, false);
+    engine->setCameraWithRotation(0, 0, 18, false);
     step(1.5);
-    engine->setCamera(0, 0, 17, false);
+    engine->setCameraWithRotation(0, 0, 17, false);
     step(1.5);
     std::set<std::tuple<std::int64_t, std::int64_t, std::int64_t>> distinct;
     for (const TileKey& key : delegate->asked) {
@@ -141,7 +141,7 @@ TEST_F(TileLayer, whileALevelLoadsTheOldOneStaysAndGoesOnceItIsCovered) {
     step();
     answerAll(picture());
     step(1.5);
-    engine->setCamera(0, 0, 18, false);
+    engine->setCameraWithRotation(0, 0, 18, false);
     step(1.5);
     EXPECT_EQ(drawnZooms(), (std::set<std::int64_t>{17}));
     answerAll(picture());
@@ -160,7 +160,7 @@ TEST_F(TileLayer, whileALevelLoadsTheOldOneStaysAndGoesOnceItIsCovered) {
                 item->corners[0].y > origin.y - target.y && item->corners[2].y < origin.y - target.y);
         }
     }
-    engine->setCamera(0, 0, 17, false);
+    engine->setCameraWithRotation(0, 0, 17, false);
     step(1.5);
     step(1.5);
     step();
@@ -171,11 +171,11 @@ TEST_F(TileLayer, answersForTilesThatWentAreDroppedAndASecondAnswerReplacesTheFi
     show();
     step();
     const TileKey key = delegate->asked.front();
-    layer->provideTile(key.x, key.y, key.zoom, picture());
+    layer->provideTileForX(key.x, key.y, key.zoom, picture());
     const auto other = UIImage::withPixels(1, 1, {1, 2, 3, 255});
-    layer->provideTile(key.x, key.y, key.zoom, other);
-    layer->provideTile(key.x + 1000, key.y, key.zoom, other);
-    layer->provideTile(key.x, key.y, key.zoom + 1, other);
+    layer->provideTileForX(key.x, key.y, key.zoom, other);
+    layer->provideTileForX(key.x + 1000, key.y, key.zoom, other);
+    layer->provideTileForX(key.x, key.y, key.zoom + 1, other);
     step();
     ASSERT_EQ(lastFrame.list->items.size(), 1U);
     EXPECT_EQ(lastFrame.list->items.front()->image, other);
@@ -185,11 +185,11 @@ TEST_F(TileLayer, answersFromAnotherThreadArriveWithTheMainQueue) {
     show();
     step();
     const TileKey key = delegate->asked.front();
-    std::thread([&] { layer->provideTile(key.x, key.y, key.zoom, picture()); }).join();
+    std::thread([&] { layer->provideTileForX(key.x, key.y, key.zoom, picture()); }).join();
     EXPECT_EQ(layer->answeredTileCount(), 0U);
     RunLoop::main().pump();
     EXPECT_EQ(layer->answeredTileCount(), 1U);
-    std::thread([&] { layer->provideTile(key.x, key.y, key.zoom, nullptr); }).join();
+    std::thread([&] { layer->provideTileForX(key.x, key.y, key.zoom, nullptr); }).join();
     layer->setMap(nullptr);
     layer.reset();
     RunLoop::main().pump();
@@ -197,7 +197,7 @@ TEST_F(TileLayer, answersFromAnotherThreadArriveWithTheMainQueue) {
 
 TEST_F(TileLayer, answeredInsideTheQuestionItWorks) {
     delegate->onRequest = [](TileKey key, const auto& asking) {
-        asking->provideTile(key.x, key.y, key.zoom, picture());
+        asking->provideTileForX(key.x, key.y, key.zoom, picture());
     };
     show();
     step();
@@ -240,7 +240,7 @@ TEST_F(TileLayer, clearedWhileACleanUpIsPendingItCleansUpAgainLater) {
         return std::count_if(lastFrame.list->items.begin(), lastFrame.list->items.end(),
                              [](const auto& item) { return item->renderingOrder == 17 - 100; });
     };
-    engine->setCamera(0, 0, 18, false);
+    engine->setCameraWithRotation(0, 0, 18, false);
     step(1.5);
     const auto before = coarseCount();
     answerAll(picture());

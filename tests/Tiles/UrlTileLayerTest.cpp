@@ -274,7 +274,7 @@ TEST_F(UrlTileLayer, theApplicationsOwnAnswersAreIgnored) {
     reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
     show();
     const auto [x, y, zoom] = asked.begin()->first;
-    layer->provideTile(x, y, zoom, UIImage::withPixels(1, 1, {1, 2, 3, 255}));
+    layer->provideTileForX(x, y, zoom, UIImage::withPixels(1, 1, {1, 2, 3, 255}));
     RunLoop::main().drain();
     EXPECT_EQ(layer->answeredTileCount(), 0U);
     server.release();

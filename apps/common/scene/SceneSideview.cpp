@@ -22,9 +22,10 @@ std::shared_ptr<const UIImage> imageAt(const std::string& place, const std::stri
 void addMarkers(TMXSideviewScrollView& sideview, const std::vector<SceneSideMarker>& markers) {
     for (std::size_t i = 0; i < markers.size(); ++i) {
         const SceneSideMarker& marker = markers[i];
-        sideview.updateSideviewMarker(marker.identifier,
-                                      imageAt("markers[" + std::to_string(i) + "].icon", marker.icon));
-        sideview.updateSideviewMarker(marker.identifier, marker.position.coordinate, marker.position.level);
+        sideview.updateSideviewMarkerWithIdentifier(
+            marker.identifier, imageAt("markers[" + std::to_string(i) + "].icon", marker.icon));
+        sideview.updateSideviewMarkerWithIdentifier(marker.identifier, marker.position.coordinate,
+                                                    marker.position.level);
     }
 }
 

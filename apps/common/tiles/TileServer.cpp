@@ -44,7 +44,7 @@ void TileServer::tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t 
             return;
         }
     }
-    layer->provideTile(x, y, zoom, nullptr);
+    layer->provideTileForX(x, y, zoom, nullptr);
 }
 
 bool TileServer::waitUntilAnswered(std::chrono::milliseconds patience) {
@@ -69,7 +69,7 @@ void TileServer::work() {
         } catch (const std::bad_alloc&) {
             // A tile too large for the memory there is leaves a gap.
         }
-        request.layer->provideTile(request.tile.x, request.tile.y, request.tile.zoom, std::move(image));
+        request.layer->provideTileForX(request.tile.x, request.tile.y, request.tile.zoom, std::move(image));
         request = {};
         lock.lock();
         if (--_running == 0 && _requests.empty()) {

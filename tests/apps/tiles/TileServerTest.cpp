@@ -13,7 +13,7 @@ class CountingLayer final : public TrelmixMapTileLayer {
 public:
     std::atomic<int> answers{0};
 
-    void provideTile(std::int64_t, std::int64_t, std::int64_t, std::shared_ptr<const UIImage>) override {
+    void provideTileForX(std::int64_t, std::int64_t, std::int64_t, std::shared_ptr<const UIImage>) override {
         ++answers;
     }
     bool synchronousLayer() const override { return false; }

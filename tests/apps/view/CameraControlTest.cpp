@@ -26,7 +26,7 @@ TEST(CameraControl, zoomingAboutAPointKeepsTheGroundUnderIt) {
         for (const double tilt : {0.0, 30.0, 55.0}) {
             for (const CGPoint point : {CGPoint{400, 300}, {0, 0}, {799, 20}, {33, 590}}) {
                 for (const double levels : {0.5, -1.25, 2.0}) {
-                    map->setCamera(rotation, tilt, 18, false);
+                    map->setCameraWithRotation(rotation, tilt, 18, false);
                     const auto place = map->projection()->worldCoordinateFor(point);
                     zoomAbout(*map, point, levels);
                     const CGPoint after = map->projection()->screenCoordinateFor(place);

@@ -36,7 +36,7 @@ TEST_F(WindowTest, keysMoveTheCamera) {
 TEST_F(WindowTest, cPrintsTheCameraAsAnOptionThatShowsTheSame) {
     open(kPlain);
     wheel({100, 420}, 5);
-    engine().setCamera(33, 21, 18.3F, false);
+    engine().setCameraWithRotation(33, 21, 18.3F, false);
     settle();
     key(SDLK_c);
     ASSERT_TRUE(hasLine("--camera "));

@@ -53,7 +53,7 @@ TEST_F(WindowTest, fingersPanPinchAndTurn) {
 
 TEST_F(WindowTest, theWheelZoomsAboutThePointer) {
     open(kPlain);
-    engine().setCamera(30, 40, 17, false);
+    engine().setCameraWithRotation(30, 40, 17, false);
     for (const CGPoint at : {CGPoint{100, 420}, {520, 200}}) {
         for (const float notches : {1.0F, 2.0F, -5.0F, 0.25F}) {
             const auto place = groundAt(at);

@@ -89,7 +89,7 @@ TEST_F(SidePanelTest, aClickShowsItsLevelAndMovesTheMapThere) {
 TEST_F(SidePanelTest, theFootprintFollowsTheMapOnceItRests) {
     const auto strip = [&] { return app->stage().side()->sideview().sideviewPositionRectangle()->frame(); };
     const CGRect before = strip();
-    engine().setCamera(0, 0, 20, false);
+    engine().setCameraWithRotation(0, 0, 20, false);
     EXPECT_TRUE(until([&] { return strip().size.width < before.size.width / 2; }));
     settle();
     drag({300, 100}, {400, 100}, 10);
