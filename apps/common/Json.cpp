@@ -152,6 +152,31 @@ std::string quotedJson(std::string_view text) {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
+std::string jsonText(const JsonValue& value) {
+    if (const auto* items = value.array()) {
+        std::string text;
+        for (const JsonValue& item : *items) {
+            text += (text.empty() ? "" : ",") + jsonText(item);
+        }
+        return "[" + text + "]";
+    }
+    if (const auto* members = value.object()) {
+        std::string text;
+        for (const auto& member : *members) {
+            text += (text.empty() ? "" : ",") + quotedJson(member.key) + ":" + jsonText(member.value);
+        }
+        return "{" + text + "}";
+    }
+    if (const auto* whole = std::get_if<std::int64_t>(&value.value)) {
+        return std::to_string(*whole);
+    }
+    if (const auto* flag = std::get_if<bool>(&value.value)) {
+        return *flag ? "true" : "false";
+    }
+    const auto number = value.number();
+    return value.text() != nullptr ? quotedJson(*value.text()) : number ? jsonNumber(*number) : "null";
+}
+
 std::string jsonNumber(double number) {
     char digits[40];
     const auto end = std::to_chars(std::begin(digits), std::end(digits), number);

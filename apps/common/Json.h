@@ -49,6 +49,9 @@ Result<JsonValue> parseJson(std::string_view text);
 /// The text between quotation marks, escaped; bytes that are no UTF-8 are replaced.
 std::string quotedJson(std::string_view text);
 
+/// The value in one line; what `parseJson` reads back as the same.
+std::string jsonText(const JsonValue& value);
+
 /// The shortest decimal that reads back as the same number.
 std::string jsonNumber(double number);
 

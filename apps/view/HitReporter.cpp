@@ -1,6 +1,6 @@
 #include "view/HitReporter.h"
 
-#include "common/Json.h"
+#include "common/MapScene.h"
 
 #include <Trelmix/TrelmixLevelPlanNode.h>
 #include <Trelmix/TrelmixMapCircle.h>
@@ -31,10 +31,17 @@ std::string kindOf(const TrelmixMapOverlay& overlay) {
     return dynamic_cast<const TrelmixLevelPlanNode*>(&overlay) != nullptr ? "level plan" : "overlay";
 }
 
+/// The kind, then the feature's name or else the scene's, then what else the feature tells.
 std::string nameOf(const TrelmixMapOverlay& overlay) {
     const std::any info = overlay.userInfo();
-    const auto* id = std::any_cast<std::string>(&info);
-    return kindOf(overlay) + (id != nullptr ? " " + quotedJson(*id) : "");
+    const auto* tag = std::any_cast<SceneTag>(&info);
+    if (tag == nullptr) {
+        return kindOf(overlay);
+    }
+    const JsonValue* name = tag->properties ? tag->properties->find("name") : nullptr;
+    const std::string& shown = name != nullptr && name->text() != nullptr ? *name->text() : tag->id;
+    return kindOf(overlay) + (shown.empty() ? "" : " " + quotedJson(shown)) +
+           (tag->properties ? " " + jsonText(*tag->properties) : "");
 }
 
 // A hundred-millionth of a degree is a millimetre.

@@ -10,7 +10,8 @@ namespace trelmix::apps {
 /// Says in words what touches hit. Main thread.
 class HitReporter : public TrelmixMapEngineDelegate {
 public:
-    /// @param report hears one line a hit: `tap marker "guest" 53.54,9.98`, `tap map 53.54,9.98`.
+    /// @param report hears one line a hit: `tap marker "guest" 53.54,9.98`, `tap map 53.54,9.98`, and of a
+    /// GeoJSON feature its name and its properties, `tap polygon "Old Park" {"name":"Old Park","trees":12}`.
     explicit HitReporter(std::function<void(const std::string&)> report) : _report(std::move(report)) {}
 
     void mapViewDidTapAt(CLLocationCoordinate2D coordinate) override;

@@ -25,6 +25,8 @@ Result<std::unique_ptr<Stage>> Stage::make(Window& window, const LoadedScene& sc
     stage->_listeners->addMember(stage->_map.tileServer);
     stage->_listeners->addMember(stage->_reporter);
     stage->_map.engine->setDelegate(stage->_listeners);
+    // What is told is what the pointer is on, not what has it in its bounding box.
+    stage->_map.engine->setHitTestBoundingBoxOnly(false);
     if (std::string fault = stage->addSidePanel(scene, layout); !fault.empty()) {
         return Made::failure(std::move(fault));
     }

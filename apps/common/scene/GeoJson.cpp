@@ -1,7 +1,6 @@
 #include "common/scene/GeoJson.h"
 
 #include "common/Files.h"
-#include "common/Json.h"
 #include "common/scene/SceneFile.h"
 
 namespace trelmix::apps {
@@ -135,6 +134,9 @@ GeoJsonFeature readFeature(const JsonCursor& at) {
     GeoJsonFeature feature;
     if (const auto properties = at.member("properties")) {
         feature.style = readStyle(properties->value());
+        if (properties->value().object() != nullptr) {
+            feature.properties = std::make_shared<JsonValue>(properties->value());
+        }
     }
     if (const auto geometry = at.member("geometry"); geometry && !geometry->value().isNull()) {
         readGeometry(*geometry, feature);

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "common/Json.h"
+
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
 #include <Trelmix/Platform/UIColor.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +36,8 @@ struct GeoJsonArea {
 /// What one feature draws; multi forms and collections are taken apart, a null geometry leaves everything
 /// empty.
 struct GeoJsonFeature {
+    /// As they stand in the file; empty when there are none.
+    std::shared_ptr<const JsonValue> properties;
     GeoJsonStyle style;
     CoordinateList points;
     std::vector<CoordinateList> lines;

@@ -33,9 +33,7 @@ void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay) {
     if (keys.tappable) {
         overlay.setTappable(*keys.tappable);
     }
-    if (!keys.id.empty()) {
-        overlay.setUserInfo(keys.id);
-    }
+    overlay.setUserInfo(SceneTag{keys.id, nullptr});
 }
 
 std::shared_ptr<TrelmixMapEngine> makeEngine(const SceneFile& scene, const SceneCamera& camera,

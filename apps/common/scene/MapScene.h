@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Json.h"
 #include "common/scene/SceneContent.h"
 #include "common/tiles/TileServer.h"
 
@@ -11,8 +12,15 @@
 
 namespace trelmix::apps {
 
-/// An engine with everything a scene describes on it. An overlay's user data is its id, a `std::string`, when
-/// the scene gives one. Main thread only.
+/// What an overlay made from a scene is: its user data (`userInfo`).
+struct SceneTag {
+    /// Empty when the scene gives none.
+    std::string id;
+    /// Those of the GeoJSON feature it was made from; empty for everything else.
+    std::shared_ptr<const JsonValue> properties;
+};
+
+/// An engine with everything a scene describes on it. Main thread only.
 struct MapScene {
     // Destroyed last: its threads answer the layers.
     std::shared_ptr<TileServer> tileServer;

@@ -78,6 +78,7 @@ public:
 
     void add(const SceneGeoJson& entry, const GeoJsonFeature& feature,
              const std::shared_ptr<const UIImage>& icon) {
+        const std::size_t first = overlays.size();
         const GeoJsonStyle& style = feature.style;
         const UIColor stroke = styledColor(style.stroke, entry.color, kStyleStroke, style.strokeOpacity);
         const double width = style.strokeWidth.value_or(entry.width.value_or(kStyleWidth));
@@ -98,6 +99,9 @@ public:
         }
         for (const auto& point : feature.points) {
             addPoint(entry, style, point, icon);
+        }
+        for (std::size_t i = first; i < overlays.size(); ++i) {
+            overlays[i]->setUserInfo(SceneTag{entry.overlay.id, feature.properties});
         }
     }
 

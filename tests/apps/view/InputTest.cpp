@@ -82,9 +82,15 @@ TEST_F(WindowTest, theRightButtonTurnsAndTilts) {
 
 TEST_F(WindowTest, clicksSayWhatTheyHit) {
     writeImage("icon.png", 30, 30, {200, 0, 0});
+    // A triangle north east of its hypotenuse, and what its file says of it.
+    folder.write("park.json", R"({"type": "Feature",
+        "properties": {"name": "Old Park", "trees": 12, "open": [true, null, 1.5]},
+        "geometry": {"type": "Polygon", "coordinates": [[[10.001, 53.5005], [10.002, 53.5005],
+                     [10.002, 53.501], [10.001, 53.5005]]]}})");
     open(
         R"({"view": {"width": 640, "height": 480}, "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17},
         "circles": [{"coordinate": {"lat": 53.5, "lon": 10.002}, "radius": 20, "tappable": true, "id": "pond"}],
+        "geojson": [{"file": "park.json", "tappable": true, "id": "parks"}],
         "markers": [{"coordinate": {"lat": 53.5, "lon": 10}, "icon": "icon.png", "id": "home",
                      "draggable": true}]})");
     EXPECT_EQ(pixel(320, 240), (std::array{200, 0, 0}));
@@ -97,8 +103,17 @@ TEST_F(WindowTest, clicksSayWhatTheyHit) {
     const CGPoint pond = pointOf({53.5, 10.002});
     click({std::round(pond.x), std::round(pond.y)});
     EXPECT_TRUE(until([&] { return hasLine("tap circle \"pond\""); }));
-    click({100, 400});
-    EXPECT_TRUE(until([&] { return hasLine("tap map 53.49"); }));
+    const auto clickAt = [&](double lat, double lon) {
+        const CGPoint at = pointOf({lat, lon});
+        lines.clear();
+        click({std::round(at.x), std::round(at.y)});
+        until([&] { return !lines.empty(); });
+        return lines.empty() ? "" : lines.back();
+    };
+    EXPECT_EQ(clickAt(53.5006, 10.0018),
+              R"(tap polygon "Old Park" {"name":"Old Park","trees":12,"open":[true,null,1.5]})");
+    EXPECT_TRUE(clickAt(53.5009, 10.0012).starts_with("tap map 53.5")) << "beside the hypotenuse";
+    EXPECT_TRUE(clickAt(53.50015, 10.00225).starts_with("tap map 53.5")) << "a corner of the circle's box";
     EXPECT_NEAR(engine().camera()->target().longitude, 10, 1e-9) << "clicks move nothing";
 
     // A long press on the marker picks it up.
