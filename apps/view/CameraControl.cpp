@@ -15,6 +15,8 @@ using Geo = TrelmixMapEngineGeoUtils;
 
 // Map points at any one zoom do; offsets on the ground are scaled.
 constexpr float kPlaneZoom = 22;
+/// Degrees.
+constexpr double kMostTilt = 55;
 
 CGPoint onPlane(CLLocationCoordinate2D place) {
     return {Geo::convertLongToMapX(place.longitude, kPlaneZoom),
@@ -29,6 +31,15 @@ float allowedZoom(const TrelmixMapEngine& engine, double zoom) {
     const double least = std::max(engine.minZoom(), engine.minSupportedZoom());
     const double most = std::min(engine.maxZoom(), engine.maxSupportedZoom());
     return static_cast<float>(std::max(least, std::min(most, zoom)));
+}
+
+double setCameraAfter(TrelmixMapEngine& engine, const TrelmixMapEngineCamera& camera, double zoom,
+                      CameraStep step, bool animated) {
+    const float goal = allowedZoom(engine, zoom + step.levels);
+    engine.setCameraWithRotation(camera.rotation() + step.rotation,
+                                 std::clamp(camera.viewingAngle() + step.viewingAngle, 0.0, kMostTilt), goal,
+                                 animated);
+    return static_cast<double>(goal);
 }
 
 } // namespace
@@ -54,25 +65,24 @@ void zoomAbout(TrelmixMapEngine& engine, CGPoint point, double levels) {
     engine.setCamera(camera, false);
 }
 
-void turnBy(TrelmixMapEngine& engine, double rotation, double viewingAngle, bool animated) {
+void moveBy(TrelmixMapEngine& engine, CameraStep step) {
     if (const auto camera = engine.camera()) {
-        engine.setCameraWithRotation(camera->rotation() + rotation,
-                                     std::clamp(camera->viewingAngle() + viewingAngle, 0.0, 55.0),
-                                     camera->zoom(), animated);
+        setCameraAfter(engine, *camera, static_cast<double>(camera->zoom()), step, false);
     }
 }
 
-void zoomBy(TrelmixMapEngine& engine, double levels, bool animated) {
+void CameraKeys::moveBy(TrelmixMapEngine& engine, CameraStep step) {
     if (const auto camera = engine.camera()) {
-        engine.setCameraWithRotation(camera->rotation(), camera->viewingAngle(),
-                                     allowedZoom(engine, static_cast<double>(camera->zoom()) + levels),
-                                     animated);
+        const double zoom = _goalZoom.value_or(static_cast<double>(camera->zoom()));
+        // Announced as every change is, which forgets the goal.
+        const double goal = setCameraAfter(engine, *camera, zoom, step, true);
+        _goalZoom = goal;
     }
 }
 
-void resetRotation(TrelmixMapEngine& engine) {
+void CameraKeys::resetRotation(TrelmixMapEngine& engine) {
     if (const auto camera = engine.camera()) {
-        engine.setCameraWithRotation(0, camera->viewingAngle(), camera->zoom(), true);
+        moveBy(engine, {.rotation = -camera->rotation()});
     }
 }
 

@@ -1,39 +1,39 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
+#include <vector>
 
 namespace trelmix::apps {
 
-/// Notices that a file has been written anew. Asks the disk once a second at most.
+struct SceneFile;
+
+/// The files whose change is a change of the scene: images, GeoJSON files and the side view's levels. Tiles
+/// are not among them.
+std::vector<std::string> filesNamedBy(const SceneFile& scene);
+
+/// Notices that one of some files has been written anew. Asks the disk once a second at most.
 class FileWatch {
 public:
-    explicit FileWatch(std::string path) : _path(std::move(path)), _seen(timeOf(_path)) {}
-
-    /// True once for each change; a file that is missing has not changed.
-    bool hasChanged() {
-        const auto now = std::chrono::steady_clock::now();
-        if (now < _nextLook) {
-            return false;
-        }
-        _nextLook = now + std::chrono::seconds(1);
-        const auto time = timeOf(_path);
-        const bool isNew = time != Time() && time != _seen;
-        _seen = isNew ? time : _seen;
-        return isNew;
-    }
+    /// Watches these from now on. Of those that were watched before, it stays what has been noticed.
+    void watch(const std::vector<std::string>& paths);
+    /// True once for all changes since the last call. A file that has gone has not changed, one that has come
+    /// back has.
+    bool hasChanged();
 
 private:
-    using Time = std::filesystem::file_time_type;
-    static Time timeOf(const std::string& path) {
-        std::error_code error;
-        const Time time = std::filesystem::last_write_time(path, error);
-        return error ? Time() : time;
-    }
+    /// The same for two versions of a file only if it was written twice within one step of the disk's clock.
+    struct Version {
+        std::filesystem::file_time_type time;
+        std::uintmax_t size = 0;
+        friend bool operator==(const Version&, const Version&) = default;
+    };
+    static Version versionOf(const std::string& path);
 
-    std::string _path;
-    Time _seen;
+    std::map<std::string, Version> _seen;
     std::chrono::steady_clock::time_point _nextLook;
 };
 

@@ -14,10 +14,10 @@ constexpr double kCornerMargin = 4;
 constexpr double kLongestScaleBar = 120;
 constexpr const char* kHelpText = R"(Drag: pan. Wheel, two fingers: zoom. Right drag: rotate and tilt.
 Left, Right: rotate. Up, Down: tilt. + and -: zoom. R: reset.
-S: save a picture. C: print the camera. Q: quit. H: hide this.
+Page Up, Page Down: show a level of the plans.
+S: save a picture. C: print the camera. Q: quit. H, Escape: hide this.
 With a side view: drag in it to move along the structure,
-click on a level or Page Up, Page Down: show a level,
-Z: pan and zoom the picture instead.)";
+click on a level: show it, Z: pan and zoom the picture instead.)";
 
 /// Places images so that their pixels fall on the window's.
 class Placer {

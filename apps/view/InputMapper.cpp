@@ -15,8 +15,9 @@ double secondsOf(const SDL_Event& event) {
 std::optional<Command> commandOf(SDL_Keycode key) {
     switch (key) {
     case SDLK_q:
-    case SDLK_ESCAPE:
         return Command::quit;
+    case SDLK_ESCAPE:
+        return Command::leave;
     case SDLK_r:
         return Command::resetCamera;
     case SDLK_LEFT:

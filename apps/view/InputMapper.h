@@ -13,6 +13,7 @@ namespace trelmix::apps {
 /// What keys do.
 enum class Command {
     quit,
+    leave, ///< what is open on top, or the program
     resetCamera,
     rotateLeft,
     rotateRight,

@@ -1,8 +1,8 @@
 #include "view/SidePanel.h"
 
 #include "common/scene/SceneSideview.h"
+#include "view/LevelStep.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace trelmix::apps {
@@ -32,6 +32,7 @@ Result<std::unique_ptr<SidePanel>> SidePanel::make(const SceneSideView& scene, c
         return Result<std::unique_ptr<SidePanel>>::failure(std::move(fault));
     }
     panel->_sideview->setEnableZooming(false);
+    panel->_host->revealDisplayedLevel();
     panel->_onLevel(panel->_sideview->levelNumber());
     return panel;
 }
@@ -67,6 +68,7 @@ void SidePanel::resize(const ScreenLayout& layout) {
         _host->resize(layout.side.size.width, layout.side.size.height, layout.scale);
         _layout = layout;
     }
+    _host->revealDisplayedLevel();
 }
 
 CGPoint SidePanel::inside(CGPoint point) const {
@@ -84,26 +86,17 @@ void SidePanel::wheel(CGPoint point, double factor) {
     _host->zoomBy(factor, inside(point));
 }
 
-void SidePanel::stepLevel(int direction) {
-    const std::int64_t shown = _sideview->levelNumber();
-    std::vector<std::int64_t> levels = _sideview->levelNumbers();
-    std::sort(levels.begin(), levels.end());
-    if (direction > 0) {
-        const auto next = std::upper_bound(levels.begin(), levels.end(), shown);
-        if (next != levels.end()) {
-            showLevel(*next);
-        }
-    } else {
-        const auto same = std::lower_bound(levels.begin(), levels.end(), shown);
-        if (same != levels.begin()) {
-            showLevel(*std::prev(same));
-        }
+std::int64_t SidePanel::stepLevel(int direction) {
+    if (const auto next = nextLevel(_sideview->levelNumbers(), _sideview->levelNumber(), direction)) {
+        showLevel(*next);
     }
+    return _sideview->levelNumber();
 }
 
 void SidePanel::showLevel(std::int64_t level) {
     if (level != _sideview->levelNumber()) {
         _sideview->setDisplayedLevel(level, _engine);
+        _host->revealDisplayedLevel();
         _onLevel(level);
     }
 }

@@ -39,7 +39,8 @@ public:
     void wheel(CGPoint point, double factor);
 
     /// The next higher (1) or lower (-1) level.
-    void stepLevel(int direction);
+    /// @returns the one that is displayed now.
+    std::int64_t stepLevel(int direction);
     void toggleZooming() { _sideview->setEnableZooming(!_sideview->enableZooming()); }
 
     /// The picture as it is now; empty when it cannot be made.

@@ -1,5 +1,7 @@
 #include "view/Stage.h"
 
+#include "view/LevelStep.h"
+
 #include <chrono>
 #include <cmath>
 
@@ -9,7 +11,7 @@ namespace {
 
 // The fade of a new map, uploads and the label of the progress have come to rest by then.
 constexpr std::uint64_t kStillFrames = 5;
-const std::string kDriverFault = "OpenGL ES cannot be used in the window: ";
+constexpr const char* kDriverFault = "OpenGL ES cannot be used in the window: ";
 
 } // namespace
 
@@ -24,25 +26,31 @@ Result<std::unique_ptr<Stage>> Stage::make(Window& window, const LoadedScene& sc
     stage->_listeners = TrelmixMapEngineDelegateGroup::make();
     stage->_listeners->addMember(stage->_map.tileServer);
     stage->_listeners->addMember(stage->_reporter);
+    stage->_listeners->addMember(stage->_keys);
     stage->_map.engine->setDelegate(stage->_listeners);
     // What is told is what the pointer is on, not what has it in its bounding box.
     stage->_map.engine->setHitTestBoundingBoxOnly(false);
+    stage->findPlans(scene.file);
     if (std::string fault = stage->addSidePanel(scene, layout); !fault.empty()) {
-        return Made::failure(std::move(fault));
-    }
-    if (std::string fault = stage->startDrawing(layout); !fault.empty()) {
         return Made::failure(std::move(fault));
     }
     return stage;
 }
 
-std::string Stage::startDrawing(const ScreenLayout& layout) {
+std::string Stage::enterWindow(const ScreenLayout& layout, bool keepsPicture) {
+    _isShown = !keepsPicture;
     auto host = ViewHost::make(_map.engine, layout.hostLayout(), {});
     if (!host) {
         return host.reason();
     }
     _host = std::move(*host);
-    _thread = RenderThread::start(_host, _window.surface());
+    RenderThread::Surface surface = _window.surface();
+    surface.present = [this, present = std::move(surface.present)] {
+        if (_isShown) {
+            present();
+        }
+    };
+    _thread = RenderThread::start(_host, std::move(surface));
     std::string fault;
     if (!_thread->waitForUpdates(1) ||
         !_thread->runBetweenFrames([this, &fault] { fault = _host->failure(); })) {
@@ -51,19 +59,25 @@ std::string Stage::startDrawing(const ScreenLayout& layout) {
     return fault.empty() ? fault : kDriverFault + fault;
 }
 
-bool Stage::isDriverAtFault(const std::string& reason) {
-    return reason.starts_with(kDriverFault);
+void Stage::showPicture() {
+    if (!_isShown.exchange(true)) {
+        _thread->setNeedsDisplay();
+    }
+}
+
+void Stage::findPlans(const SceneFile& scene) {
+    // Level plans come first among the overlays, in the scene's order.
+    for (std::size_t i = 0; i < scene.levelPlans.size(); ++i) {
+        if (const auto level = scene.levelPlans[i].level) {
+            _plans.emplace_back(*level, _map.overlays[i]);
+            _planLevel = _map.overlays[i]->visible() ? level : _planLevel;
+        }
+    }
 }
 
 std::string Stage::addSidePanel(const LoadedScene& scene, const ScreenLayout& layout) {
     if (!scene.file.sideView) {
         return {};
-    }
-    // Level plans come first among the overlays, in the scene's order.
-    for (std::size_t i = 0; i < scene.file.levelPlans.size(); ++i) {
-        if (const auto level = scene.file.levelPlans[i].level) {
-            _plans.emplace_back(*level, _map.overlays[i]);
-        }
     }
     auto side = SidePanel::make(*scene.file.sideView, scene.path, layout, _map.engine,
                                 [this](std::int64_t level) { showPlansOf(level); });
@@ -79,6 +93,21 @@ void Stage::showPlansOf(std::int64_t level) {
     for (const auto& [planLevel, plan] : _plans) {
         plan->setVisible(planLevel == level);
     }
+}
+
+std::optional<std::int64_t> Stage::stepLevel(int direction) {
+    if (_side) {
+        return _side->stepLevel(direction);
+    }
+    std::vector<std::int64_t> levels;
+    for (const auto& [level, plan] : _plans) {
+        levels.push_back(level);
+    }
+    _planLevel = nextLevel(levels, _planLevel, direction);
+    if (_planLevel) {
+        showPlansOf(*_planLevel);
+    }
+    return _planLevel;
 }
 
 void Stage::setLayout(const ScreenLayout& layout) {

@@ -18,11 +18,20 @@ namespace {
 constexpr int kPatience = 8;
 constexpr std::chrono::seconds kMessageTime{4};
 
-Result<LoadedScene> load(const ViewOptions& options) {
+/// The longest that a window keeps its old picture while the new one's tiles come.
+constexpr std::chrono::seconds kLongestHold{10};
+/// Bytes of a message in the window; what is printed is not cut.
+constexpr std::size_t kLongestMessage = 400;
+
+/// Watches also what the scene names where that is what is wrong.
+Result<LoadedScene> load(const ViewOptions& options, FileWatch& watch) {
     auto file = readScene(options);
     if (!file) {
         return Result<LoadedScene>::failure(file.reason());
     }
+    std::vector<std::string> files = filesNamedBy(*file);
+    files.push_back(options.sceneFile);
+    watch.watch(files);
     auto content = loadSceneContent(*file, options.sceneFile);
     if (!content) {
         return Result<LoadedScene>::failure(content.reason());
@@ -46,10 +55,17 @@ bool isSame(const std::optional<SceneCamera>& a, const std::optional<SceneCamera
            a->zoom == b->zoom && a->rotation == b->rotation && a->viewingAngle == b->viewingAngle;
 }
 
+/// Whether somebody has taken hold of the window.
+bool isInput(const SDL_Event& event) {
+    return event.type == SDL_KEYDOWN || event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEWHEEL ||
+           event.type == SDL_FINGERDOWN;
+}
+
 } // namespace
 
-ViewApp::ViewApp(WindowOptions options)
-    : _options(std::move(options)), _sceneWatch(_options.view.sceneFile) {}
+ViewApp::ViewApp(WindowOptions options) : _options(std::move(options)) {
+    _watch.watch({_options.view.sceneFile});
+}
 
 ViewApp::~ViewApp() = default;
 
@@ -60,54 +76,57 @@ std::unique_ptr<ViewApp> ViewApp::open(WindowOptions options, Failure& failure) 
 }
 
 ViewApp::Failure ViewApp::openWindow() {
-    auto scene = load(_options.view);
+    auto scene = load(_options.view, _watch);
     if (!scene) {
         return {ExitCode::badInput, scene.reason()};
     }
-    const double scale = _options.view.scale.value_or(1);
     const std::string name = std::filesystem::path(_options.view.sceneFile).filename().string();
-    auto window = Window::open(name, {scene->file.view.width * scale, scene->file.view.height * scale});
+    auto window = Window::open(name, {scene->file.view.width, scene->file.view.height}, _options.view.scale);
     if (!window) {
         return {Window::isDriverMissing(window.reason()) ? ExitCode::noDriver : ExitCode::badInput,
                 window.reason()};
     }
     _window = std::move(*window);
     _scene = std::move(*scene);
-    _layout = currentLayout();
+    _layout = layoutOf(_scene);
     const auto camera = cameraOfScene(_scene.file, _scene.content, _layout.map.size);
     if (!camera) {
         return {ExitCode::badInput, _options.view.sceneFile + ": " + camera.reason()};
     }
     _sceneCamera = *camera;
-    const std::string fault = showScene(std::move(_scene), *camera);
-    return {Stage::isDriverAtFault(fault) ? ExitCode::noDriver : ExitCode::badInput, fault};
+    auto stage = makeStage(_scene, *camera);
+    if (!stage) {
+        return {ExitCode::badInput, stage.reason()};
+    }
+    return {ExitCode::noDriver, showStage(std::move(*stage), false)};
 }
 
-std::string ViewApp::showScene(LoadedScene scene, const SceneCamera& camera) {
+Result<std::unique_ptr<Stage>> ViewApp::makeStage(const LoadedScene& scene, const SceneCamera& camera) {
+    return Stage::make(*_window, scene, camera, layoutOf(scene),
+                       [this](const std::string& hit) { say(hit); });
+}
+
+std::string ViewApp::showStage(std::unique_ptr<Stage> stage, bool keepsPicture) {
     cancelTouches();
     // The window has one stage at a time.
     _stage.reset();
-    _scene = std::move(scene);
-    _layout = currentLayout();
-    auto stage = Stage::make(*_window, _scene, camera, _layout, [this](const std::string& hit) { say(hit); });
-    if (!stage) {
-        return stage.reason();
+    _layout = layoutOf(_scene);
+    if (std::string fault = stage->enterWindow(_layout, keepsPicture); !fault.empty()) {
+        return fault;
     }
-    _stage = std::move(*stage);
+    _stage = std::move(stage);
+    _holdEnd = Clock::now() + kLongestHold;
     updateLayout();
     return {};
 }
 
-ScreenLayout ViewApp::currentLayout() const {
-    const CGSize units = _window->size();
-    const CGSize pixels = _window->pixelSize();
-    const double density = units.width > 0 && pixels.width > 0 ? pixels.width / units.width : 1;
-    return layoutFor(pixels, _options.view.scale.value_or(density), _scene.sidePicture);
+ScreenLayout ViewApp::layoutOf(const LoadedScene& scene) const {
+    return layoutFor(_window->pixelSize(), _window->scale(), scene.sidePicture);
 }
 
 void ViewApp::updateLayout() {
     _layoutIsStale = false;
-    _layout = currentLayout();
+    _layout = layoutOf(_scene);
     _input.setWindow(_window->size(), _layout.window);
     _stage->setLayout(_layout);
 }
@@ -120,18 +139,24 @@ ExitCode ViewApp::run() {
 
 bool ViewApp::step() {
     SDL_Event event;
+    bool isDue = false; // the picture, be it complete or not
     for (bool isThere = SDL_WaitEventTimeout(&event, kPatience) != 0; isThere;
          isThere = SDL_PollEvent(&event) != 0) {
         _input.handle(event);
+        isDue = isDue || isInput(event);
     }
-    if (_sceneWatch.hasChanged()) {
+    if (_watch.hasChanged()) {
         reloadScene();
     }
     if (!_stage) {
         return false;
     }
+    isDue = isDue || _layoutIsStale || Clock::now() >= _holdEnd;
     if (_layoutIsStale) {
         updateLayout();
+    }
+    if (!_stage->isShown() && (isDue || _stage->isSettled())) {
+        _stage->showPicture();
     }
     _stage->host().pump();
     updateOverlays();
@@ -163,32 +188,49 @@ void ViewApp::updateOverlays() {
 }
 
 void ViewApp::reloadScene() {
-    auto scene = load(_options.view);
+    auto scene = load(_options.view, _watch);
     if (!scene) {
         complainAndShow(scene.reason());
         return;
-    }
-    SceneCamera camera = _sceneCamera;
-    const auto shown = _stage->engine().camera();
-    const bool keepsCamera = isSame(scene->file.camera, _scene.file.camera) && shown;
-    if (keepsCamera) {
-        camera = {shown->target(), static_cast<double>(shown->zoom()), shown->rotation(),
-                  shown->viewingAngle()};
     }
     const auto framed = cameraOfScene(scene->file, scene->content, _layout.map.size);
     if (!framed) {
         complainAndShow(_options.view.sceneFile + ": " + framed.reason());
         return;
     }
+    SceneCamera camera = *framed;
+    const auto shown = _stage->engine().camera();
+    if (isSame(scene->file.camera, _scene.file.camera) && shown) {
+        camera = {shown->target(), static_cast<double>(shown->zoom()), shown->rotation(),
+                  shown->viewingAngle()};
+    }
+    auto stage = makeNextStage(*scene, camera);
+    if (!stage) {
+        complainAndShow(stage.reason());
+        return;
+    }
+    _scene = std::move(*scene);
     _sceneCamera = *framed;
-    // The limits are the process's: those of a scene that has none are the widest.
-    _stage->engine().setMaxZoom(_stage->engine().maxSupportedZoom());
-    _stage->engine().setMinZoom(_stage->engine().minSupportedZoom());
-    if (std::string fault = showScene(std::move(*scene), keepsCamera ? camera : *framed); !fault.empty()) {
-        _exitCode = complain(fault, Stage::isDriverAtFault(fault) ? ExitCode::noDriver : ExitCode::badInput);
+    if (std::string fault = showStage(std::move(*stage), true); !fault.empty()) {
+        _exitCode = complain(fault, ExitCode::noDriver);
         return;
     }
     show("Scene read again");
+}
+
+Result<std::unique_ptr<Stage>> ViewApp::makeNextStage(const LoadedScene& scene, const SceneCamera& camera) {
+    // The limits are the process's: those of a scene that has none are the widest.
+    TrelmixMapEngine& engine = _stage->engine();
+    const float least = engine.minZoom();
+    const float most = engine.maxZoom();
+    engine.setMaxZoom(engine.maxSupportedZoom());
+    engine.setMinZoom(engine.minSupportedZoom());
+    auto stage = makeStage(scene, camera);
+    if (!stage) {
+        engine.setMaxZoom(most);
+        engine.setMinZoom(least);
+    }
+    return stage;
 }
 
 void ViewApp::endWhenDone() {
@@ -250,6 +292,14 @@ void ViewApp::say(const std::string& line) {
 
 void ViewApp::show(const std::string& message) {
     _message = message;
+    if (message.size() > kLongestMessage) {
+        const auto isInsideCharacter = [&](std::size_t at) { return (message[at] & 0xc0) == 0x80; };
+        std::size_t end = kLongestMessage;
+        while (isInsideCharacter(end)) {
+            --end;
+        }
+        _message = message.substr(0, end) + " ...";
+    }
     _messageEnd = Clock::now() + kMessageTime;
 }
 

@@ -60,8 +60,11 @@ private:
 
     explicit ViewApp(WindowOptions options);
     Failure openWindow();
-    std::string showScene(LoadedScene scene, const SceneCamera& camera);
-    ScreenLayout currentLayout() const;
+    Result<std::unique_ptr<Stage>> makeStage(const LoadedScene& scene, const SceneCamera& camera);
+    /// The one after the present stage, which stays as it is when this fails.
+    Result<std::unique_ptr<Stage>> makeNextStage(const LoadedScene& scene, const SceneCamera& camera);
+    std::string showStage(std::unique_ptr<Stage> stage, bool keepsPicture);
+    ScreenLayout layoutOf(const LoadedScene& scene) const;
     void updateLayout();
     void updateOverlays();
     void reloadScene();
@@ -78,13 +81,14 @@ private:
     void turn(CGPoint start, CGPoint distance) override;
     void command(Command command) override;
     void windowChanged() override;
-    void sideCommand(SidePanel& side, Command command);
+    void stepLevel(int direction);
+    void toggleSideZoom();
     void touchMap(Phase phase, std::int64_t identifier, CGPoint point, double time);
 
     WindowOptions _options;
     InputMapper _input{*this};
     Hud _hud;
-    FileWatch _sceneWatch;
+    FileWatch _watch;
     LoadedScene _scene;
     SceneCamera _sceneCamera;
     std::unique_ptr<Window> _window;
@@ -93,6 +97,8 @@ private:
     std::map<std::int64_t, Owner> _touches;
     std::string _message;
     Clock::time_point _messageEnd;
+    /// When the window is to show a new scene, complete or not.
+    Clock::time_point _holdEnd;
     Clock::time_point _start = Clock::now();
     bool _showsHelp = false;
     bool _layoutIsStale = false;

@@ -2,18 +2,21 @@
 #include "view/ViewApp.h"
 
 #include <cmath>
+#include <utility>
 
 namespace trelmix::apps {
 
 namespace {
 
 constexpr double kLevelsPerNotch = 0.25;
-constexpr double kLevelsPerKey = 0.5;
 /// Degrees.
-constexpr double kRotationPerKey = 15;
-constexpr double kTiltPerKey = 5;
 constexpr double kRotationPerPoint = 0.4;
 constexpr double kTiltPerPoint = 0.25;
+constexpr std::pair<Command, CameraStep> kCameraSteps[] = {
+    {Command::rotateLeft, {.rotation = -15}}, {Command::rotateRight, {.rotation = 15}},
+    {Command::tiltMore, {.viewingAngle = 5}}, {Command::tiltLess, {.viewingAngle = -5}},
+    {Command::zoomIn, {.levels = 0.5}},       {Command::zoomOut, {.levels = -0.5}},
+};
 
 SideviewHost::Phase sidePhase(InputTarget::Phase phase) {
     switch (phase) {
@@ -53,7 +56,7 @@ void ViewApp::touch(Phase phase, std::int64_t identifier, CGPoint point, double 
         break;
     case Owner::northArrow:
         if (phase == Phase::ended && _hud.isNorthArrow(point)) {
-            resetRotation(_stage->engine());
+            _stage->keys().resetRotation(_stage->engine());
         }
         break;
     }
@@ -101,7 +104,8 @@ void ViewApp::wheel(CGPoint point, double notches) {
 
 void ViewApp::turn(CGPoint start, CGPoint distance) {
     if (_stage && contains(_layout.map, start)) {
-        turnBy(_stage->engine(), distance.x * kRotationPerPoint, -distance.y * kTiltPerPoint, false);
+        moveBy(_stage->engine(),
+               {.rotation = distance.x * kRotationPerPoint, .viewingAngle = -distance.y * kTiltPerPoint});
     }
 }
 
@@ -110,9 +114,18 @@ void ViewApp::command(Command command) {
         return;
     }
     TrelmixMapEngine& engine = _stage->engine();
+    for (const auto& [moving, step] : kCameraSteps) {
+        if (command == moving) {
+            _stage->keys().moveBy(engine, step);
+        }
+    }
     switch (command) {
     case Command::quit:
         _quits = true;
+        break;
+    case Command::leave:
+        _quits = !_showsHelp;
+        _showsHelp = false;
         break;
     case Command::resetCamera:
         engine.setCamera(std::make_shared<TrelmixMapEngineCamera>(_sceneCamera.target, _sceneCamera.rotation,
@@ -120,30 +133,12 @@ void ViewApp::command(Command command) {
                                                                   static_cast<float>(_sceneCamera.zoom)),
                          true);
         break;
-    case Command::rotateLeft:
-        turnBy(engine, -kRotationPerKey, 0, true);
-        break;
-    case Command::rotateRight:
-        turnBy(engine, kRotationPerKey, 0, true);
-        break;
-    case Command::tiltMore:
-        turnBy(engine, 0, kTiltPerKey, true);
-        break;
-    case Command::tiltLess:
-        turnBy(engine, 0, -kTiltPerKey, true);
-        break;
-    case Command::zoomIn:
-        zoomBy(engine, kLevelsPerKey, true);
-        break;
-    case Command::zoomOut:
-        zoomBy(engine, -kLevelsPerKey, true);
-        break;
     case Command::levelUp:
     case Command::levelDown:
+        stepLevel(command == Command::levelUp ? 1 : -1);
+        break;
     case Command::toggleSideZoom:
-        if (SidePanel* side = _stage->side()) {
-            sideCommand(*side, command);
-        }
+        toggleSideZoom();
         break;
     case Command::toggleHelp:
         _showsHelp = !_showsHelp;
@@ -154,18 +149,23 @@ void ViewApp::command(Command command) {
     case Command::printCamera:
         say(cameraArgument(engine));
         break;
+    default:
+        break;
     }
 }
 
-void ViewApp::sideCommand(SidePanel& side, Command command) {
-    if (command == Command::toggleSideZoom) {
-        side.toggleZooming();
-        show(side.sideview().enableZooming() ? "Side view: drag pans, wheel zooms"
-                                             : "Side view: drag moves the map");
-        return;
+void ViewApp::stepLevel(int direction) {
+    if (const auto level = _stage->stepLevel(direction)) {
+        show("Level " + std::to_string(*level));
     }
-    side.stepLevel(command == Command::levelUp ? 1 : -1);
-    show("Level " + std::to_string(side.sideview().levelNumber()));
+}
+
+void ViewApp::toggleSideZoom() {
+    if (SidePanel* side = _stage->side()) {
+        side->toggleZooming();
+        show(side->sideview().enableZooming() ? "Side view: drag pans, wheel zooms"
+                                              : "Side view: drag moves the map");
+    }
 }
 
 void ViewApp::windowChanged() {

@@ -1,9 +1,12 @@
 #include "view/Window.h"
 
+#include "view/DisplayScale.h"
+
 #include <GLES2/gl2.h>
 #include <SDL.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace trelmix::apps {
@@ -12,6 +15,9 @@ namespace {
 
 constexpr const char* kDriverHint =
     "install an OpenGL ES driver: apt-get install libgl1-mesa-dri libegl1 libgles2";
+
+/// What drivers can do.
+constexpr double kLargestSide = 16384;
 
 void setHints() {
     // OpenGL ES through GLX is missing from many drivers.
@@ -51,6 +57,14 @@ std::string startVideo() {
     return fault;
 }
 
+/// What a window can have of the first display, without panels.
+CGSize sizeOfDisplay() {
+    SDL_Rect bounds;
+    const bool isKnown = SDL_GetDisplayUsableBounds(0, &bounds) == 0 && bounds.w > 0 && bounds.h > 0;
+    return isKnown ? CGSize{static_cast<double>(bounds.w), static_cast<double>(bounds.h)}
+                   : CGSize{kLargestSide, kLargestSide};
+}
+
 void* contextOf(SDL_Window* window) {
     for (const int version : {3, 2}) {
         SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, version);
@@ -63,15 +77,21 @@ void* contextOf(SDL_Window* window) {
 
 } // namespace
 
-Result<std::unique_ptr<Window>> Window::open(const std::string& title, CGSize size) {
+Result<std::unique_ptr<Window>> Window::open(const std::string& title, CGSize size,
+                                             std::optional<double> scale) {
     using Made = Result<std::unique_ptr<Window>>;
     if (std::string fault = startVideo(); !fault.empty()) {
         return Made::failure(std::move(fault));
     }
     std::unique_ptr<Window> made(new Window);
-    const auto side = [](double units) { return static_cast<int>(std::clamp(units, 1.0, 16384.0)); };
+    const bool countsInPixels = std::string(SDL_GetCurrentVideoDriver()) == "x11";
+    made->_scale = scale || !countsInPixels ? scale : displayScale();
+    const CGSize most = sizeOfDisplay();
+    const auto side = [&](double points, double longest) {
+        return static_cast<int>(std::clamp(std::round(points * made->_scale.value_or(1)), 1.0, longest));
+    };
     made->_window = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
-                                     side(size.width), side(size.height),
+                                     side(size.width, most.width), side(size.height, most.height),
                                      SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     made->_context = made->_window != nullptr ? contextOf(made->_window) : nullptr;
     if (made->_context == nullptr) {
@@ -106,6 +126,12 @@ CGSize Window::pixelSize() const {
     int height = 0;
     SDL_GL_GetDrawableSize(_window, &width, &height);
     return {static_cast<double>(width), static_cast<double>(height)};
+}
+
+double Window::scale() const {
+    const CGSize units = size();
+    const CGSize pixels = pixelSize();
+    return _scale.value_or(units.width > 0 && pixels.width > 0 ? pixels.width / units.width : 1);
 }
 
 void Window::setTitle(const std::string& title) {

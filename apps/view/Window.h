@@ -6,6 +6,7 @@
 #include <Trelmix/Platform/UIImage.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 struct SDL_Window;
@@ -17,16 +18,21 @@ namespace trelmix::apps {
 /// One at a time in a process. Main thread, except for the three operations that say so.
 class Window {
 public:
-    /// The size is in the window system's units, which on high-density displays have several pixels.
-    static Result<std::unique_ptr<Window>> open(const std::string& title, CGSize size);
+    /// @param size points; what is larger than the display becomes as large as the display.
+    /// @param scale pixels per point; absent: the display's.
+    static Result<std::unique_ptr<Window>> open(const std::string& title, CGSize size,
+                                                std::optional<double> scale);
     /// Whether a reason given by `open` means that there is no OpenGL ES driver.
     static bool isDriverMissing(const std::string& reason);
     ~Window();
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
+    /// In the units of the window system's events, which on high-density displays have several pixels.
     CGSize size() const;
     CGSize pixelSize() const;
+    /// Pixels per point.
+    double scale() const;
     void setTitle(const std::string& title);
 
     /// Binds the context to the calling thread.
@@ -46,6 +52,8 @@ private:
 
     SDL_Window* _window = nullptr;
     void* _context = nullptr;
+    /// Absent: as many as a unit has.
+    std::optional<double> _scale;
 };
 
 } // namespace trelmix::apps

@@ -1,3 +1,4 @@
+#include "view/EndSignals.h"
 #include "view/ViewApp.h"
 
 #include <CLI/CLI.hpp>
@@ -36,5 +37,6 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    return runProgram(run, argc, argv);
+    closeOnSignals();
+    return exitCodeAfterSignals(runProgram(run, argc, argv));
 }

@@ -61,6 +61,12 @@ public:
         }
     }
 
+    void revealDisplayedLevel() override {
+        if (requireMainThread("SideviewHost::revealDisplayedLevel")) {
+            _sideview->revealDisplayedLevel();
+        }
+    }
+
     bool needsDisplay() const override { return !_picture || ViewTreeState::of(*_sideview) != _shown; }
 
     ImageResult image() override {

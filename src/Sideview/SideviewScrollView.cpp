@@ -234,6 +234,21 @@ void SideviewScrollView::zoomBy(double factor, CGPoint point) {
         {(offset.x + point.x) * zoomed - point.x, (offset.y + point.y) * zoomed - point.y});
 }
 
+void SideviewScrollView::revealDisplayedLevel() {
+    if (!_scrollView || !_cameraRectangle || !(_cameraRectangle->frame().size.height > 0)) {
+        return;
+    }
+    const CGRect footprint = _cameraRectangle->frame();
+    const double zoom = _scrollView->zoomScale();
+    const double top = footprint.origin.y * zoom;
+    const double bottom = top + footprint.size.height * zoom;
+    const double height = _scrollView->frame().size.height;
+    const CGPoint offset = _scrollView->contentOffset();
+    const double y =
+        bottom - top > height ? (top + bottom - height) / 2 : std::clamp(offset.y, bottom - height, top);
+    _scrollView->setContentOffset({offset.x, y});
+}
+
 std::shared_ptr<UIView> SideviewScrollView::viewForZoomingInScrollView(UIScrollView&) {
     return _imageView;
 }

@@ -72,6 +72,8 @@ public:
     const std::shared_ptr<SideviewImageView>& sideviewImageView() const { return _imageView; }
     /// Zooms so that what lies at a point of this view stays there.
     void zoomBy(double factor, CGPoint point);
+    /// Scrolls up or down just so far that the level of the footprint is in view.
+    void revealDisplayedLevel();
 
     std::shared_ptr<UIView> viewForZoomingInScrollView(UIScrollView& scrollView) override;
     void scrollViewDidZoom(UIScrollView& scrollView) override;

@@ -41,6 +41,10 @@ public:
     /// while the side view does not zoom.
     virtual void zoomBy(double factor, CGPoint point) = 0;
 
+    /// Scrolls up or down, where the picture is higher than the view, just so far that the footprint's level
+    /// is in view; the middle of it when it does not fit. Nothing while the footprint is on no level.
+    virtual void revealDisplayedLevel() = 0;
+
     /// True when the picture would differ from the last one.
     virtual bool needsDisplay() const = 0;
     /// The side view as it is now; the same object as before when nothing has changed.

@@ -55,18 +55,21 @@ TEST(CameraControl, zoomEndsAtTheLimitsAndThenNothingMoves) {
 TEST(CameraControl, headingsStayWithinOneTurnAndTiltsWithinTheirRange) {
     const auto map = makeMap();
     zoomAbout(*map, {1, 1}, 1);
-    turnBy(*map, 10, 10, false);
+    moveBy(*map, {.rotation = 10, .viewingAngle = 10, .levels = 1});
+    CameraKeys().moveBy(*map, {.levels = 1});
+    CameraKeys().resetRotation(*map);
     EXPECT_FALSE(map->camera()) << "there is none yet";
     EXPECT_EQ(cameraArgument(*map), "");
     EXPECT_EQ(metresPerPoint(*map, {800, 600}), 0);
     map->initialiseWithTarget({0, 0}, 17);
     for (int i = 0; i < 40; ++i) {
-        turnBy(*map, 50, 7, false);
+        moveBy(*map, {.rotation = 50, .viewingAngle = 7});
     }
     EXPECT_NEAR(std::remainder(map->camera()->rotation() - 2000, 360), 0, 1e-3);
     EXPECT_NEAR(map->camera()->viewingAngle(), 55, 1e-3);
     // At the equator a point of zoom 17 is 1.19 m.
-    turnBy(*map, 0, -55, false);
+    moveBy(*map, {.viewingAngle = -60});
+    EXPECT_NEAR(map->camera()->viewingAngle(), 0, 1e-3);
     EXPECT_NEAR(metresPerPoint(*map, {800, 600}), 1.194, 0.05);
 }
 

@@ -1,7 +1,11 @@
 // Keys, and the program as a shell starts it.
 #include "apps/view/WindowFixture.h"
+#include "apps/view/XDisplay.h"
 
+#include <csignal>
 #include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 namespace trelmix::apps {
 namespace {
@@ -14,23 +18,45 @@ TEST_F(WindowTest, keysMoveTheCamera) {
     const auto zoom = [](const TrelmixMapEngineCamera& c) { return static_cast<double>(c.zoom()); };
     const auto tilt = [](const TrelmixMapEngineCamera& c) { return c.viewingAngle(); };
     const auto rotation = [](const TrelmixMapEngineCamera& c) { return c.rotation(); };
-    key(SDLK_PLUS);
-    EXPECT_TRUE(becomes(zoom, 17.5));
-    key(SDLK_MINUS);
-    EXPECT_TRUE(becomes(zoom, 17));
-    key(SDLK_UP);
+    // Quicker than the camera: each counts from where the one before is going.
+    for (const SDL_Keycode code : {SDLK_PLUS, SDLK_EQUALS, SDLK_KP_PLUS, SDLK_PLUS, SDLK_UP, SDLK_UP,
+                                   SDLK_DOWN, SDLK_RIGHT, SDLK_LEFT, SDLK_LEFT, SDLK_MINUS}) {
+        key(code);
+    }
+    EXPECT_TRUE(becomes(zoom, 18.5));
     EXPECT_TRUE(becomes(tilt, 5));
-    key(SDLK_RIGHT);
-    EXPECT_TRUE(becomes(rotation, 15));
-    key(SDLK_LEFT);
-    key(SDLK_LEFT);
     EXPECT_TRUE(becomes(rotation, -15));
     wheel({100, 100}, 4);
+    key(SDLK_KP_MINUS);
+    EXPECT_TRUE(becomes(zoom, 19)) << "the wheel has come between";
+    engine().setMaxZoom(20);
+    for (int i = 0; i < 5; ++i) {
+        key(SDLK_PLUS);
+    }
+    key(SDLK_MINUS);
+    EXPECT_TRUE(becomes(zoom, 19.5)) << "what went beyond the limit does not count";
+    key(SDLK_PLUS, KMOD_CTRL);
     key(SDLK_r);
     EXPECT_TRUE(becomes(rotation, 0));
     EXPECT_TRUE(becomes(tilt, 0));
     EXPECT_TRUE(becomes(zoom, 17));
     EXPECT_NEAR(engine().camera()->target().longitude, 10, 1e-9);
+}
+
+TEST_F(WindowTest, escapeClosesTheHelpFirst) {
+    open(kPlain);
+    const auto middle = pixel(320, 240);
+    for (const SDL_Keycode code : {SDLK_h, SDLK_ESCAPE, SDLK_F1, SDLK_h, SDLK_h}) {
+        key(code);
+    }
+    settle();
+    EXPECT_NE(pixel(320, 240), middle);
+    key(SDLK_ESCAPE);
+    EXPECT_TRUE(app->step());
+    settle();
+    EXPECT_EQ(pixel(320, 240), middle);
+    key(SDLK_ESCAPE);
+    EXPECT_FALSE(app->step());
 }
 
 TEST_F(WindowTest, cPrintsTheCameraAsAnOptionThatShowsTheSame) {
@@ -103,6 +129,36 @@ TEST_F(WindowTest, theProgramTellsWhyItCannotStart) {
         EXPECT_NE(errors.find(c.message), std::string::npos) << c.arguments << errors;
     }
     EXPECT_TRUE(std::filesystem::exists(folder.path("a.png")));
+}
+
+TEST_F(WindowTest, theProgramEndsOnSignalsUnlessTheyWereIgnored) {
+    const std::string scene = folder.write("signals.json", kPlain);
+    const auto endAfter = [&](std::initializer_list<int> sent, bool ignoresFirst) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (ignoresFirst) {
+                ::signal(*sent.begin(), SIG_IGN);
+            }
+            ::execl(TRELMIX_VIEW, TRELMIX_VIEW, scene.c_str(), nullptr);
+            ::_exit(1);
+        }
+        while (!xdisplay::hasWindow("signals.json")) {
+            std::this_thread::yield();
+        }
+        for (const int number : sent) {
+            ::kill(child, number);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        while (xdisplay::hasWindow("signals.json")) {
+            std::this_thread::yield();
+        }
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    };
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        EXPECT_EQ(endAfter({number}, false), 128 + number);
+    }
+    EXPECT_EQ(endAfter({SIGHUP, SIGTERM}, true), 128 + SIGTERM) << "started by nohup";
 }
 
 } // namespace

@@ -46,8 +46,8 @@ TEST_F(WindowTest, fingersPanPinchAndTurn) {
         finger(SDL_FINGERMOTION, 5, {320 - 100 * std::cos(angle), 240 - 100 * std::sin(angle)});
         finger(SDL_FINGERMOTION, 6, {320 + 100 * std::cos(angle), 240 + 100 * std::sin(angle)});
     }
-    finger(SDL_FINGERUP, 5, {});
-    finger(SDL_FINGERUP, 6, {});
+    finger(SDL_FINGERUP, 5, {320 - 100 * std::cos(0.9), 240 - 100 * std::sin(0.9)});
+    finger(SDL_FINGERUP, 6, {320 + 100 * std::cos(0.9), 240 + 100 * std::sin(0.9)});
     EXPECT_NEAR(std::abs(engine().camera()->rotation()), 0.9 * 180 / 3.14159265, 4);
 }
 
@@ -147,8 +147,16 @@ TEST_F(WindowTest, aWindowThatLosesItsInputLetsGoOfTheMap) {
     button(false, {500, 400});
     finger(SDL_FINGERMOTION, 9, {100, 100});
     finger(SDL_FINGERUP, 9, {200, 100});
+    button(true, {300, 200}, SDL_BUTTON_RIGHT);
+    send(lost);
+    motion({400, 300});
+    button(false, {400, 300}, SDL_BUTTON_RIGHT);
+    button(false, {400, 300});
     EXPECT_EQ(engine().camera()->target().latitude, target.latitude);
     EXPECT_EQ(engine().camera()->target().longitude, target.longitude);
+    EXPECT_EQ(engine().camera()->rotation(), 0);
+    drag({300, 200}, {350, 200}, 5);
+    EXPECT_NE(engine().camera()->target().longitude, target.longitude) << "and takes hold anew";
 }
 
 } // namespace

@@ -1,7 +1,10 @@
 // What the window shows of a scene, and how it follows the file.
 #include "apps/view/WindowFixture.h"
+#include "apps/view/XDisplay.h"
+#include "support/ArchiveWriter.h"
 
 #include <filesystem>
+#include <set>
 
 namespace trelmix::apps {
 namespace {
@@ -16,10 +19,21 @@ std::string withBackground(const std::string& color) {
 class SceneWindowTest : public WindowTest {
 protected:
     /// A new file, also for file systems that count times in seconds.
-    void rewrite(const std::string& scene) {
-        const std::string path = folder.write("scene.json", scene);
+    void rewrite(const std::string& text, const std::string& name = "scene.json") {
+        folder.write(name, text);
+        touch(name);
+    }
+    void touch(const std::string& name) {
+        const std::string path = folder.path(name);
         const auto time = std::filesystem::last_write_time(path);
         std::filesystem::last_write_time(path, time + std::chrono::seconds(++_later));
+    }
+    bool isReadAgain() {
+        const Stage* before = &app->stage(); // the next one is there before this one goes
+        return until([&] { return &app->stage() != before; });
+    }
+    bool isRefused(const std::string& message) {
+        return until([&] { return app->message().find(message) != std::string::npos; });
     }
 
 private:
@@ -31,33 +45,106 @@ TEST_F(SceneWindowTest, theFileIsReadAgainWhenItChangesAndTheCameraStays) {
     EXPECT_EQ(pixel(320, 300), (Color{255, 0, 0}));
     wheel({320, 240}, 4);
     rewrite(withBackground("#0000ff"));
-    ASSERT_TRUE(until([&] { return app->message() == "Scene read again"; }));
+    ASSERT_TRUE(isReadAgain());
+    EXPECT_EQ(app->message(), "Scene read again");
     settle();
     EXPECT_EQ(pixel(320, 300), (Color{0, 0, 255}));
     EXPECT_FLOAT_EQ(engine().camera()->zoom(), 18);
 
     rewrite(R"({"camera": 5})");
-    ASSERT_TRUE(until([&] { return app->message().find("must be an object") != std::string::npos; }));
+    ASSERT_TRUE(isRefused("must be an object"));
     settle();
     EXPECT_EQ(pixel(320, 300), (Color{0, 0, 255})) << "a file that is wrong changes nothing";
 
     rewrite(R"({"view": {"background": "#ff00ff"},
         "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 19}, "limits": {"maxZoom": 20}})");
-    ASSERT_TRUE(until([&] { return app->message() == "Scene read again"; }));
+    ASSERT_TRUE(isReadAgain());
     EXPECT_FLOAT_EQ(engine().camera()->zoom(), 19) << "a new camera in the file counts";
     EXPECT_FLOAT_EQ(engine().maxZoom(), 20);
     rewrite(withBackground("#00ff00"));
-    ASSERT_TRUE(until([&] { return engine().maxZoom() == 23; })) << "limits go with the scene that had them";
+    ASSERT_TRUE(isReadAgain());
+    EXPECT_EQ(engine().maxZoom(), 23) << "limits go with the scene that had them";
     settle();
     EXPECT_EQ(pixel(320, 300), (Color{0, 255, 0}));
 }
 
+TEST_F(SceneWindowTest, whatTheSceneNamesIsReadAgainToo) {
+    writeImage("plan.png", 8, 8, {0, 0, 200});
+    writeImage("side.png", 640, 150, {200, 200, 200});
+    folder.write("levels.json", kSideLevels);
+    const std::string point = R"({"type": "Point", "coordinates": [10, 53.5]})";
+    folder.write("points.json", point);
+    open(R"({"view": {"width": 640, "height": 480}, "limits": {"maxZoom": 20},
+        "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 18},
+        "levelPlans": [{"image": "plan.png", "southWest": {"lat": 53.49, "lon": 9.99},
+                        "northEast": {"lat": 53.51, "lon": 10.01}}],
+        "geojson": [{"file": "points.json", "radius": 5, "color": "#c80000"}],
+        "sideView": {"image": "side.png", "levels": "levels.json"}})");
+    const Stage* shown = &app->stage();
+    EXPECT_EQ(pixel(320, 165), (Color{200, 0, 0}));
+    EXPECT_EQ(pixel(220, 165), (Color{0, 0, 200}));
+
+    rewrite(R"({"bearing": 90})", "levels.json");
+    ASSERT_TRUE(isRefused("levels.json"));
+    rewrite("{", "points.json");
+    ASSERT_TRUE(isRefused("points.json"));
+    EXPECT_EQ(&app->stage(), shown) << "files that are wrong change nothing";
+    EXPECT_EQ(engine().maxZoom(), 20);
+
+    rewrite(R"({"type": "GeometryCollection", "geometries": []})", "points.json");
+    rewrite(kSideLevels, "levels.json");
+    ASSERT_TRUE(isReadAgain());
+    settle();
+    EXPECT_EQ(pixel(320, 165), (Color{0, 0, 200}));
+    writeImage("plan.png", 8, 8, {0, 200, 0});
+    touch("plan.png");
+    ASSERT_TRUE(isReadAgain());
+    settle();
+    EXPECT_EQ(pixel(320, 165), (Color{0, 200, 0}));
+    std::filesystem::remove(folder.path("side.png"));
+    wait(1.1);
+    EXPECT_EQ(pixel(320, 165), (Color{0, 200, 0})) << "a file that has gone";
+    writeImage("side.png", 640, 100, {200, 200, 200});
+    ASSERT_TRUE(isReadAgain());
+    EXPECT_EQ(app->layout().side.size.height, 100);
+}
+
+TEST_F(SceneWindowTest, theOldPictureStaysUntilTheNextOneIsThere) {
+    {
+        ArchiveWriter archive(folder.path("tiles.mbtiles"));
+        archive.metadata("minzoom", "13");
+        archive.metadata("maxzoom", "13");
+        archive.tile(13, 4323, 2649, paintedTile(256, [](int, int) { return Color{200, 0, 0}; })->pngData());
+    }
+    const auto scene = [](const std::string& background) {
+        return R"({"view": {"width": 640, "height": 480, "background": ")" + background +
+               R"("}, "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17},
+                "tiles": [{"mbtiles": "tiles.mbtiles"}]})";
+    };
+    open(scene("#00ff00"));
+    ASSERT_EQ(xdisplay::shownPixel(sdlWindow(), 320, 300), (Color{200, 0, 0}));
+    rewrite(scene("#ff00ff"));
+    const Stage* before = &app->stage();
+    std::set<Color> seen;
+    ASSERT_TRUE(until([&] {
+        seen.insert(xdisplay::shownPixel(sdlWindow(), 320, 300));
+        return &app->stage() != before && app->stage().isShown();
+    }));
+    settle();
+    seen.insert(xdisplay::shownPixel(sdlWindow(), 320, 300));
+    EXPECT_EQ(seen, (std::set<Color>{{200, 0, 0}}));
+    // Who moves the map meanwhile sees at once what there is.
+    rewrite(scene("#0000ff"));
+    ASSERT_TRUE(isReadAgain());
+    wheel({320, 240}, 1);
+    EXPECT_TRUE(app->stage().isShown());
+    settle();
+    EXPECT_EQ(xdisplay::shownPixel(sdlWindow(), 320, 300), (Color{200, 0, 0}));
+}
+
 TEST_F(SceneWindowTest, aResizedWindowIsFilledAndKeepsWhatIsUnderTheFinger) {
     open(withBackground("#ff0000"));
-    SDL_Window* window = SDL_GetWindowFromID(1);
-    for (Uint32 id = 2; window == nullptr && id < 100; ++id) {
-        window = SDL_GetWindowFromID(id);
-    }
+    SDL_Window* window = sdlWindow();
     ASSERT_NE(window, nullptr);
     for (const auto& [width, height] : {std::pair{640, 300}, {900, 700}, {200, 150}}) {
         SDL_SetWindowSize(window, width, height);
@@ -91,6 +178,63 @@ TEST_F(SceneWindowTest, twoPixelsAPointMakeEverythingLargerButNoCoarser) {
     const auto place = engine().projection()->worldCoordinateFor({100, 100});
     drag({200, 200}, {300, 280}, 10);
     EXPECT_LE(distance(pointOf(place), {150, 140}), 0.5) << "the mouse counts in pixels";
+}
+
+TEST_F(SceneWindowTest, theDisplaySaysHowLargeAPointIsAndAWindowMayBe) {
+    const struct {
+        const char* resources;
+        std::optional<double> option;
+        const char* size;
+        CGSize pixels;
+        double scale;
+    } cases[] = {
+        {"Xft.dpi:\t144\n", std::nullopt, "400x300", {600, 450}, 1.5},
+        {"Xft.dpi:\t144\n", 1, "400x300", {400, 300}, 1},
+        {"Xft.dpi:\t0\n", std::nullopt, "400x300", {400, 300}, 1},
+        {"Xft.dpi:\tlarge\n", std::nullopt, "5000x300", {1280, 300}, 1},
+        {"Xft.dpi:\t192\n", std::nullopt, "400x900", {800, 1024}, 2},
+    };
+    for (const auto& c : cases) {
+        xdisplay::setResources(c.resources);
+        WindowOptions options;
+        options.view.size = c.size;
+        options.view.scale = c.option;
+        app.reset();
+        open(kPlain, options);
+        EXPECT_EQ(app->window().pixelSize(), c.pixels) << c.resources << c.size;
+        EXPECT_EQ(app->layout().scale, c.scale) << c.resources << c.size;
+    }
+    xdisplay::setResources("");
+}
+
+TEST_F(SceneWindowTest, pageKeysShowTheLevelsOfPlansAlsoWithoutASideView) {
+    writeImage("one.png", 8, 8, {0, 0, 200});
+    writeImage("two.png", 8, 8, {0, 200, 0});
+    const auto plan = [](const char* image, const char* keys) {
+        return std::string(R"({"image": ")") + image +
+               R"(", "southWest": {"lat": 53.49, "lon": 9.99}, "northEast": {"lat": 53.51, "lon": 10.01})" +
+               keys + "}";
+    };
+    const std::string start =
+        R"({"view": {"width": 640, "height": 480}, "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17},
+            "levelPlans": [)";
+    open(start + plan("two.png", R"(, "level": 5, "visible": false)") + "," +
+         plan("one.png", R"(, "level": -1)") + "]}");
+    EXPECT_EQ(pixel(320, 240), (Color{0, 0, 200}));
+    for (const auto& [code, color] : {std::pair{SDLK_PAGEUP, Color{0, 200, 0}},
+                                      {SDLK_PAGEUP, Color{0, 200, 0}},
+                                      {SDLK_PAGEDOWN, Color{0, 0, 200}}}) {
+        key(code);
+        settle();
+        EXPECT_EQ(pixel(320, 240), color);
+    }
+    EXPECT_EQ(app->message(), "Level -1");
+    app.reset();
+    open(start + plan("one.png", "") + "]}");
+    key(SDLK_PAGEUP);
+    settle();
+    EXPECT_EQ(app->message(), "") << "there are no levels";
+    EXPECT_EQ(pixel(320, 240), (Color{0, 0, 200}));
 }
 
 TEST_F(SceneWindowTest, cornersShowSourcesScaleAndNorth) {

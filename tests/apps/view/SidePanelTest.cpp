@@ -4,13 +4,7 @@
 namespace trelmix::apps {
 namespace {
 
-// 1 m takes 10 points of the picture; the structure lies from west to east.
-constexpr const char* kLevels = R"({"bearing": 90, "bowPosition": "right",
-    "southLatitude": 53.4999, "northLatitude": 53.5001, "westLongitude": 9.9995, "eastLongitude": 10.0005,
-    "levels": [{"levelNumber": 1, "levelbounds": [{"relativeheight": 0, "ceilingheight": 5}]},
-               {"levelNumber": 2, "levelbounds": [{"relativeheight": 5, "ceilingheight": 5}]},
-               {"levelNumber": 7, "levelbounds": [{"relativeheight": 10, "ceilingheight": 5}]}]})";
-
+// Twice the size at which it shows: 1 m takes 10 points.
 constexpr const char* kScene = R"({"view": {"width": 640, "height": 480},
     "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 18},
     "levelPlans": [{"image": "one.png", "southWest": {"lat": 53.4999, "lon": 9.9995},
@@ -24,8 +18,8 @@ protected:
     void SetUp() override {
         writeImage("one.png", 8, 8, {0, 0, 200});
         writeImage("two.png", 8, 8, {0, 200, 0});
-        writeImage("side.png", 640, 150, {200, 200, 200});
-        folder.write("levels.json", kLevels);
+        writeImage("side.png", 1280, 300, {200, 200, 200});
+        folder.write("levels.json", kSideLevels);
         open(kScene);
         ASSERT_TRUE(app->stage().side());
     }
@@ -99,12 +93,44 @@ TEST_F(SidePanelTest, theFootprintFollowsTheMapOnceItRests) {
 
 TEST_F(SidePanelTest, zoomingThePictureHasToBeSwitchedOn) {
     const auto target = engine().camera()->target();
+    const auto levelAt = [&](double y) { return app->stage().side()->sideview().levelAt({320, y}); };
     wheel({320, 400}, 4);
     EXPECT_EQ(engine().camera()->zoom(), 18);
+    EXPECT_EQ(levelAt(40), 7);
     key(SDLK_z);
     EXPECT_TRUE(app->stage().side()->sideview().enableZooming());
-    drag({320, 400}, {420, 400}, 10);
+    wheel({320, 400}, 4);
+    EXPECT_EQ(levelAt(40), 2) << "twice as large, about the pointer at 70";
+    EXPECT_EQ(engine().camera()->zoom(), 18);
+    drag({320, 400}, {420, 450}, 10);
+    EXPECT_EQ(levelAt(80), 7);
     EXPECT_EQ(engine().camera()->target().longitude, target.longitude) << "the drag pans the picture";
+    key(SDLK_z);
+    EXPECT_EQ(levelAt(80), 2) << "back as it was";
+}
+
+TEST_F(SidePanelTest, inALowWindowTheDisplayedLevelIsInView) {
+    SDL_SetWindowSize(sdlWindow(), 640, 160);
+    ASSERT_TRUE(until([&] { return app->layout().side.size.height == 72; }));
+    const auto isInView = [&](std::int64_t wanted) {
+        const auto& side = app->stage().side()->sideview();
+        bool is = true;
+        // Each level is 50 points high.
+        for (double y = 0, found = 0; y < 72; ++y) {
+            found += side.levelAt({320, y}) == wanted ? 1 : 0;
+            is = y < 71 || found >= 49;
+        }
+        return is;
+    };
+    EXPECT_TRUE(isInView(1));
+    for (const std::int64_t wanted : {2, 7}) {
+        key(SDLK_PAGEUP);
+        EXPECT_TRUE(isInView(wanted)) << wanted;
+    }
+    SDL_SetWindowSize(sdlWindow(), 640, 100);
+    ASSERT_TRUE(until([&] { return app->layout().side.size.height == 45; }));
+    EXPECT_EQ(app->stage().side()->sideview().levelAt({320, 1}), 7);
+    EXPECT_EQ(app->stage().side()->sideview().levelAt({320, 44}), 7) << "its middle where it does not fit";
 }
 
 } // namespace

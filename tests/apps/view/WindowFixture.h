@@ -15,6 +15,13 @@
 
 namespace trelmix::apps {
 
+/// Three levels of 5 m, in a structure of 64 m from west to east.
+inline constexpr const char* kSideLevels = R"({"bearing": 90, "bowPosition": "right",
+    "southLatitude": 53.4999, "northLatitude": 53.5001, "westLongitude": 9.9995, "eastLongitude": 10.0005,
+    "levels": [{"levelNumber": 1, "levelbounds": [{"relativeheight": 0, "ceilingheight": 5}]},
+               {"levelNumber": 2, "levelbounds": [{"relativeheight": 5, "ceilingheight": 5}]},
+               {"levelNumber": 7, "levelbounds": [{"relativeheight": 10, "ceilingheight": 5}]}]})";
+
 /// The program's loop in a real window, fed by pushed events.
 class WindowTest : public testing::Test {
 protected:
@@ -23,7 +30,14 @@ protected:
     static constexpr const char* kPlain = R"({"view": {"width": 640, "height": 480, "background": "#208040"},
         "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17}})";
 
-    void TearDown() override { app.reset(); }
+    void TearDown() override {
+        if (app) {
+            // The limits are the process's.
+            engine().setMaxZoom(engine().maxSupportedZoom());
+            engine().setMinZoom(engine().minSupportedZoom());
+        }
+        app.reset();
+    }
 
     /// Opens a window with that scene and waits until nothing moves any more.
     void open(const std::string& scene, WindowOptions options = {}) {
@@ -110,10 +124,11 @@ protected:
         event.tfinger.y = static_cast<float>(at.y / kHeight);
         send(event);
     }
-    void key(SDL_Keycode code) {
+    void key(SDL_Keycode code, int modifiers = KMOD_NONE) {
         SDL_Event event{};
         event.type = SDL_KEYDOWN;
         event.key.keysym.sym = code;
+        event.key.keysym.mod = static_cast<Uint16>(modifiers);
         send(event);
     }
 
@@ -137,6 +152,13 @@ protected:
         }
         const auto at = image->pixels().subspan(static_cast<std::size_t>(y * image->pixelWidth() + x) * 4, 3);
         return {at[0], at[1], at[2]};
+    }
+    static SDL_Window* sdlWindow() {
+        SDL_Window* window = nullptr;
+        for (Uint32 id = 1; window == nullptr && id < 1000; ++id) {
+            window = SDL_GetWindowFromID(id);
+        }
+        return window;
     }
     bool hasLine(const std::string& start) const {
         return std::any_of(lines.begin(), lines.end(),
