@@ -1,0 +1,124 @@
+#!/usr/bin/env python3
+"""Says how many of the faults in list.txt the tests catch.
+
+    tests/faults/run.py [number ...]
+
+Copies the tree to build/faults, writes every fault into it as a choice at run time, builds once (preset dev) and runs
+the tests fault by fault, those of its own room first, until one fails, crashes or takes too long. Prints a table and
+the rate; exit code 1 below 90 %. With numbers only those faults are tried.
+"""
+
+import json
+import os
+import re
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+import seed
+
+ROOT = Path(__file__).resolve().parents[2]
+SCRATCH = ROOT / 'build/faults'
+BUILD = SCRATCH / 'build/dev'
+GOAL = 0.9
+# They build the library once more, or run for a minute.
+LEFT_OUT = re.compile('consumer_test|walk_.*')
+# Whose tests come first where the folder's name does not say it.
+FIRST = {'apps/common': ['Apps', 'Pictures'], 'apps/trelmix': ['Apps', 'Network'], 'apps/view': ['Window'],
+         'src/Engine': ['Engine', 'Host'], 'src/Host': ['Host'], 'src/Platform/Location': ['Foundation'],
+         'src/Platform/Scene': ['Overlays', 'Engine', 'Render'], 'src/Tiles': ['Tiles', 'Engine', 'Network']}
+
+
+def copyTree(changed):
+    """Writes only what differs, so that a second run builds little."""
+    names = subprocess.run(['git', 'ls-files', '-z'], cwd=ROOT, check=True, capture_output=True, text=True).stdout
+    names = [name for name in names.split('\0') if name and (ROOT / name).is_file()]
+    for name in names:
+        source, target = ROOT / name, SCRATCH / name
+        content = changed[name].encode() if name in changed else source.read_bytes()
+        if not target.exists() or target.read_bytes() != content:
+            target.parent.mkdir(parents=True, exist_ok=True)
+            target.write_bytes(content)
+            target.chmod(source.stat().st_mode)
+    kept = set(names)
+    for path in SCRATCH.rglob('*'):
+        name = path.relative_to(SCRATCH).as_posix()
+        if path.is_file() and not name.startswith('build/') and name not in kept:
+            path.unlink()
+
+
+def build():
+    log = SCRATCH / 'build/faults.log'
+    log.parent.mkdir(parents=True, exist_ok=True)
+    with log.open('w') as out:
+        for command in (['cmake', '--preset', 'dev', '-DTRELMIX_WERROR=OFF'],
+                        ['cmake', '--build', str(BUILD), '-j', str(os.cpu_count())]):
+            if subprocess.run(command, cwd=SCRATCH, stdout=out, stderr=subprocess.STDOUT).returncode != 0:
+                sys.exit(f'the seeded tree does not build: {log}')
+
+
+def allTests():
+    """The tests' names with the room that each is for."""
+    shown = subprocess.run(['ctest', '--show-only=json-v1'], cwd=BUILD, check=True, capture_output=True, text=True)
+    tests = {}
+    for test in json.loads(shown.stdout)['tests']:
+        folder = next((p['value'] for p in test['properties'] if p['name'] == 'WORKING_DIRECTORY'), '')
+        if not LEFT_OUT.fullmatch(test['name']):
+            tests[test['name']] = Path(folder).name
+    return tests
+
+
+def runTest(name, fault, limit):
+    """What failed, empty when nothing did; and the seconds that it took."""
+    started = time.monotonic()
+    run = subprocess.run(
+        ['ctest', '-R', f'^{re.escape(name)}$', '--timeout', str(limit), '--output-on-failure'], cwd=BUILD,
+        env={**os.environ, 'TRELMIX_FAULT': str(fault), 'GTEST_FAIL_FAST': '1'}, capture_output=True, text=True,
+        errors='replace')
+    seconds = time.monotonic() - started
+    if run.returncode == 0:
+        return '', seconds
+    failed = re.search(r'\[  FAILED  \] ([\w./]+)', run.stdout)
+    if failed:
+        return f'{name}: {failed[1]}', seconds
+    last = re.findall(r'\[ RUN      \] ([\w./]+)', run.stdout)
+    how = 'took too long' if '***Timeout' in run.stdout else 'crashed or failed'
+    return f'{name}: {how}{" in " + last[-1] if last else ""}', seconds
+
+
+def orderFor(fault, tests, seconds):
+    folder = str(Path(fault.path).parent)
+    rooms = FIRST.get(folder, [Path(folder).name])
+    return sorted(tests, key=lambda name: (rooms.index(tests[name]) if tests[name] in rooms else len(rooms),
+                                           seconds[name]))
+
+
+def main():
+    try:
+        faults = seed.readList(Path(__file__).with_name('list.txt'))
+        copyTree(seed.seedAll(faults, ROOT))
+    except seed.Stale as error:
+        sys.exit(f'the list does not fit the tree any more:\n{error}')
+    build()
+    tests, seconds = allTests(), {}
+    for name in tests:
+        failure, seconds[name] = runTest(name, 0, 600)
+        if failure:
+            sys.exit(f'{failure}: fails without a fault')
+    chosen = [fault for fault in faults if len(sys.argv) == 1 or str(fault.number) in sys.argv[1:]]
+    caught = 0
+    for fault in chosen:
+        failure = ''
+        for name in orderFor(fault, tests, seconds):
+            failure, _ = runTest(name, fault.number, 60 + round(10 * seconds[name]))
+            if failure:
+                break
+        caught += bool(failure)
+        print(f'{fault.number:3} {fault.path}, {fault.title.split(": ")[-1]}: {failure or "SURVIVED"}', flush=True)
+    print(f'{caught} of {len(chosen)} caught ({100 * caught / max(1, len(chosen)):.0f} %)')
+    return 0 if caught >= GOAL * len(chosen) else 1
+
+
+if __name__ == '__main__':
+    sys.exit(main())
