@@ -24,10 +24,11 @@ BUILD = SCRATCH / 'build/dev'
 GOAL = 0.9
 # They build the library once more, or run for a minute.
 LEFT_OUT = re.compile('consumer_test|walk_.*')
-# Whose tests come first where the folder's name does not say it.
-FIRST = {'apps/common': ['Apps', 'Pictures'], 'apps/trelmix': ['Apps', 'Network'], 'apps/view': ['Window'],
-         'src/Engine': ['Engine', 'Host'], 'src/Host': ['Host'], 'src/Platform/Location': ['Foundation'],
-         'src/Platform/Scene': ['Overlays', 'Engine', 'Render'], 'src/Tiles': ['Tiles', 'Engine', 'Network']}
+# Folders of tests that come right after those of the fault's own folder.
+NEXT = {'apps/common': ['apps/scene', 'apps/trelmix'], 'apps/common/options': ['apps/trelmix'],
+        'apps/common/scene': ['apps/scene', 'apps/trelmix'], 'apps/common/tiles': ['apps/tiles', 'apps/trelmix'],
+        'apps/common/picture': ['apps/picture', 'apps/trelmix'], 'Engine': ['Overlays', 'Host'],
+        'Scene': ['Overlays', 'Engine', 'Render'], 'Tiles': ['Engine', 'Network'], 'Overlays': ['Engine']}
 
 
 def copyTree(changed):
@@ -52,44 +53,48 @@ def build():
     log = SCRATCH / 'build/faults.log'
     log.parent.mkdir(parents=True, exist_ok=True)
     with log.open('w') as out:
-        for command in (['cmake', '--preset', 'dev', '-DTRELMIX_WERROR=OFF'],
+        for command in (['cmake', '--preset', 'dev'],
                         ['cmake', '--build', str(BUILD), '-j', str(os.cpu_count())]):
             if subprocess.run(command, cwd=SCRATCH, stdout=out, stderr=subprocess.STDOUT).returncode != 0:
                 sys.exit(f'the seeded tree does not build: {log}')
 
 
 def allTests():
-    """The tests' names with the room that each is for."""
+    """The tests' names with the folder that each is in."""
     shown = subprocess.run(['ctest', '--show-only=json-v1'], cwd=BUILD, check=True, capture_output=True, text=True)
     tests = {}
     for test in json.loads(shown.stdout)['tests']:
         folder = next((p['value'] for p in test['properties'] if p['name'] == 'WORKING_DIRECTORY'), '')
         if not LEFT_OUT.fullmatch(test['name']):
-            tests[test['name']] = Path(folder).name
+            tests[test['name']] = folder.removeprefix(f'{BUILD}/tests/')
     return tests
 
 
-def runTest(name, fault, limit):
-    """What failed, empty when nothing did; and the seconds that it took."""
-    started = time.monotonic()
+def runOnce(name, fault, limit):
+    """What failed, empty when nothing did."""
     run = subprocess.run(
         ['ctest', '-R', f'^{re.escape(name)}$', '--timeout', str(limit), '--output-on-failure'], cwd=BUILD,
         env={**os.environ, 'TRELMIX_FAULT': str(fault), 'GTEST_FAIL_FAST': '1'}, capture_output=True, text=True,
         errors='replace')
-    seconds = time.monotonic() - started
     if run.returncode == 0:
-        return '', seconds
+        return ''
     failed = re.search(r'\[  FAILED  \] ([\w./]+)', run.stdout)
     if failed:
-        return f'{name}: {failed[1]}', seconds
+        return f'{name}: {failed[1]}'
     last = re.findall(r'\[ RUN      \] ([\w./]+)', run.stdout)
     how = 'took too long' if '***Timeout' in run.stdout else 'crashed or failed'
-    return f'{name}: {how}{" in " + last[-1] if last else ""}', seconds
+    return f'{name}: {how}{" in " + last[-1] if last else ""}'
+
+
+def runTest(name, fault, limit):
+    """A busy machine must not pass for a fault: what fails has to fail twice."""
+    failure = runOnce(name, fault, limit)
+    return failure if not failure or 'took too long' in failure else runOnce(name, fault, limit)
 
 
 def orderFor(fault, tests, seconds):
-    folder = str(Path(fault.path).parent)
-    rooms = FIRST.get(folder, [Path(folder).name])
+    folder = str(Path(fault.path).parent).removeprefix('src/').removeprefix('Platform/')
+    rooms = [folder, *NEXT.get(folder, [])]
     return sorted(tests, key=lambda name: (rooms.index(tests[name]) if tests[name] in rooms else len(rooms),
                                            seconds[name]))
 
@@ -103,7 +108,9 @@ def main():
     build()
     tests, seconds = allTests(), {}
     for name in tests:
-        failure, seconds[name] = runTest(name, 0, 600)
+        started = time.monotonic()
+        failure = runTest(name, 0, 600)
+        seconds[name] = time.monotonic() - started
         if failure:
             sys.exit(f'{failure}: fails without a fault')
     chosen = [fault for fault in faults if len(sys.argv) == 1 or str(fault.number) in sys.argv[1:]]
@@ -111,7 +118,7 @@ def main():
     for fault in chosen:
         failure = ''
         for name in orderFor(fault, tests, seconds):
-            failure, _ = runTest(name, fault.number, 60 + round(10 * seconds[name]))
+            failure = runTest(name, fault.number, 60 + round(10 * seconds[name]))
             if failure:
                 break
         caught += bool(failure)

@@ -7,8 +7,11 @@ TOKEN = re.compile(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])*\'|[A-Za-z_]\w*|[\d.][\
 DECLARATION = re.compile(r'(const|constexpr|static|auto)\b|[\w:]+(<.*>)?[&*]* +[&*]*\w+( = |\{|;)')
 OPENING, CLOSING = '([{', ')]}'
 
+# What a choice may look like is no fault of the product's.
+WARNINGS = ['all', 'extra', 'conversion', 'sign-conversion', 'double-promotion', 'shadow', 'float-equal']
+
 # In every file that has a fault. TRELMIX_FAULT holds the number of the one that is there.
-CHOICE = '''#ifndef TRELMIX_SEEDED_FAULT
+CHOICE = ''.join(f'#pragma GCC diagnostic ignored "-W{name}"\n' for name in WARNINGS) + '''#ifndef TRELMIX_SEEDED_FAULT
 #define TRELMIX_SEEDED_FAULT
 #include <cstdlib>
 inline bool trelmixSeededFault(int number) {
