@@ -52,19 +52,6 @@ TEST_F(OverlayBase, takenOffTheMapItLosesItsSetUpAndUserDataAndCanComeBack) {
     EXPECT_TRUE(overlay->scene());
 }
 
-TEST_F(OverlayBase, movedToAnotherEngineItTakesThatOnesOrigin) {
-    engine->initialiseWithTarget({54, 11}, 16);
-    overlay->setMap(engine);
-    auto second = makeEngine();
-    second->initialiseWithTarget({10, 20}, 16);
-    overlay->setMap(second);
-    EXPECT_EQ(overlay->cameraProjection(), second->cameraProjection());
-    EXPECT_EQ(overlay->scene(), second->defaultScene().get());
-    second.reset();
-    EXPECT_FALSE(overlay->map());
-    EXPECT_FALSE(overlay->cameraProjection());
-}
-
 TEST_F(OverlayBase, theSceneKeepsAnOverlayThatTheApplicationLetsGo) {
     engine->initialiseWithTarget({54, 11}, 16);
     const std::weak_ptr<MapTileNode> weak = overlay;

@@ -56,24 +56,6 @@ TEST_F(MarkerNodeTest, theAnchorOfTheIconSitsOnTheCoordinate) {
     EXPECT_EQ(marker->pivot(), (SCNVector3{-20, 30, 0}));
 }
 
-TEST_F(MarkerNodeTest, keepsItsSizeOnScreenAtEveryZoomAndHeading) {
-    show();
-    const auto projection = engine->cameraProjection();
-    for (const float zoom : {15.0F, 18.3F, 23.0F}) {
-        for (const double heading : {0.0, 123.0, 270.0}) {
-            engine->setCameraWithRotation(heading, 0, zoom, false);
-            step();
-            const auto& corners = lastFrame.list->items.at(0)->corners;
-            const auto onScreen = [&](std::size_t i) {
-                return projection->screenCoordinateFor(coordinateAt(corners[i], *projection));
-            };
-            EXPECT_NEAR(onScreen(1).x - onScreen(0).x, 40, 0.05) << zoom << " " << heading;
-            EXPECT_NEAR(onScreen(2).y - onScreen(0).y, 60, 0.05) << zoom << " " << heading;
-        }
-    }
-    EXPECT_FALSE(lastFrame.list->items.at(0)->usesLevels);
-}
-
 TEST_F(MarkerNodeTest, standsUprightTowardsTheCameraOrLiesFlatWithItsOwnRotation) {
     show();
     turnCamera(-40, 30);

@@ -72,16 +72,5 @@ TEST_F(PolygonNodeTest, cornersWithoutAPlaceAreLeftOut) {
     }
 }
 
-TEST_F(PolygonNodeTest, standsRightOnASecondEnginesMap) {
-    const auto second = makeEngine();
-    second->initialiseWithTarget({10, 20}, 18);
-    polygon->setMap(engine);
-    polygon->setMap(second);
-    step();
-    EXPECT_TRUE(lastFrame.list->items.empty());
-    const auto place = *scenePlaceOf(triangle[0].coordinate(), *second->cameraProjection());
-    EXPECT_DOUBLE_EQ(shape()->path()->elements()[0].point.x, place.x);
-}
-
 } // namespace
 } // namespace trelmix

@@ -126,40 +126,6 @@ TEST_F(PolylineNodeTest, cleanUpDropsReversalsAndShortLegsButNoStraightOnes) {
     EXPECT_LE(PolylineNode::cleanedUp(toAndFro).size(), 2U);
 }
 
-TEST_F(PolylineNodeTest, theStackCleansUpAsTheListWithAnIndexDoes) {
-    // The same rule on a list from which vertices are erased, stepping back after each.
-    const auto plain = [](std::vector<CLLocation> list) {
-        std::size_t i = 0;
-        while (i + 2 < list.size()) {
-            const auto at = [&list](std::size_t k) { return coordinateOf(list[k].coordinate()); };
-            const double turn =
-                std::abs(GeoUtils::bearing(at(i), at(i + 1)) - GeoUtils::bearing(at(i + 2), at(i + 1)));
-            if (turn <= 0.0872664626 || turn >= 6.1959188445 ||
-                list[i].distanceFromLocation(list[i + 1]) <= 0.1) {
-                list.erase(list.begin() + static_cast<std::ptrdiff_t>(i) + 1);
-                i = i > 0 ? i - 1 : 0;
-            } else {
-                ++i;
-            }
-        }
-        return list;
-    };
-    std::uint32_t seed = 7;
-    for (int round = 0; round < 200; ++round) {
-        std::vector<CLLocation> list;
-        for (int i = 0; i < 40; ++i) {
-            seed = seed * 1664525U + 1013904223U;
-            list.push_back({54 + (seed >> 30) * 0.001, 10 + ((seed >> 28) & 3U) * 0.001});
-        }
-        const auto expected = plain(list);
-        const auto got = PolylineNode::cleanedUp(list);
-        ASSERT_EQ(got.size(), expected.size());
-        for (std::size_t i = 0; i < got.size(); ++i) {
-            EXPECT_EQ(got[i].coordinate(), expected[i].coordinate());
-        }
-    }
-}
-
 TEST_F(PolylineNodeTest, listsThatAreNoLineKeepTheOldPicture) {
     line->setPolylineVertices({kA, kB, kEast});
     line->setMap(engine);

@@ -136,34 +136,5 @@ TEST_F(RenderTest, whatCannotBeDrawnIsLeftOut) {
     EXPECT_EQ(pixelAt(*picture(empty, 16, 16), 8, 8), white);
 }
 
-TEST_F(RenderTest, aPlaceFarFromTheOriginIsDrawnAsExactlyAsOneNearIt) {
-    // 20 km at the latitude of 50 degrees and the deepest zoom: pixels of half a unit.
-    const auto image = [] {
-        std::vector<std::uint8_t> pixels;
-        for (int i = 0; i < 32 * 32; ++i) {
-            const auto v = static_cast<std::uint8_t>((i % 32 * 83 + i / 32 * 47) % 256);
-            pixels.insert(pixels.end(), {v, v, v, 255});
-        }
-        return UIImage::withPixels(32, 32, std::move(pixels));
-    }();
-    const auto shownAt = [&](Vector3d place) {
-        const auto corners = ground(place.x - 20, place.y - 20, place.x + 20, place.y + 20);
-        return picture(frameOf({imageItem(image, corners, 1)}, cameraAt(place, 200, 0.7, 0.4, 0.5)), 200,
-                       200);
-    };
-    const auto near = shownAt({});
-    // Walks there, so that the origin has to follow.
-    for (double x = 1000; x < 3.3e6; x *= 4) {
-        shownAt({x, -x / 2, 0});
-    }
-    const auto far = shownAt({3340000.25, -1700000.75, 0});
-    double worst = 0;
-    for (std::size_t i = 0; i < near->pixels().size(); ++i) {
-        worst = std::max(worst, std::abs(double(near->pixels()[i]) - double(far->pixels()[i])));
-    }
-    // A texel is 2.5 pixels wide: a tenth of a pixel is at most 255 / 25.
-    EXPECT_LE(worst, 10);
-}
-
 } // namespace
 } // namespace trelmix::render_test

@@ -6,6 +6,7 @@
 #include "sample/TilePyramid.h"
 #include "sample/TownPainter.h"
 #include "Sideview/SideviewProjection.h"
+#include "support/ScratchFolder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -16,18 +17,6 @@
 
 namespace trelmix::sample {
 namespace {
-
-class SampleFolder : public testing::Test {
-protected:
-    SampleFolder() { std::filesystem::create_directories(folder); }
-    ~SampleFolder() override {
-        std::error_code error;
-        std::filesystem::remove_all(folder, error);
-    }
-
-    const std::string folder = testing::TempDir() + "trelmix-sample-" +
-                               testing::UnitTest::GetInstance()->current_test_info()->name();
-};
 
 struct Archive {
     std::map<std::string, std::string> metadata;
@@ -74,9 +63,10 @@ Archive readArchive(const std::string& path) {
     return archive;
 }
 
-TEST_F(SampleFolder, theTownsArchiveIsWholeOnEveryZoomAndEveryTileDecodes) {
+TEST(SampleFiles, theTownsArchiveIsWholeOnEveryZoomAndEveryTileDecodes) {
+    const apps::ScratchFolder folder;
     const TownModel model = TownModel::build();
-    const std::string path = folder + "/harbour.mbtiles";
+    const std::string path = folder.path("harbour.mbtiles");
     ASSERT_EQ(writeArchive(path, "Trelhaven", townRanges(), paintTown(model, 2)), "");
     EXPECT_LT(std::filesystem::file_size(path), 15U << 20);
 
@@ -147,9 +137,11 @@ TEST(SampleTown, aCodedTileTellsThePlaceOfEachOfItsPixels) {
     }
 }
 
-TEST_F(SampleFolder, theLevelsFileNamesThePixelsAtWhichTheDecksAreDrawn) {
-    ASSERT_EQ(writeScenes(folder, TownModel::build()), "");
-    const auto projection = SideviewProjection::make(folder + "/side/levels.json", kSideWidth, kSideHeight);
+TEST(SampleFiles, theLevelsFileNamesThePixelsAtWhichTheDecksAreDrawn) {
+    const apps::ScratchFolder folder;
+    ASSERT_EQ(writeScenes(folder.path(""), TownModel::build()), "");
+    const auto projection =
+        SideviewProjection::make(folder.path("side/levels.json"), kSideWidth, kSideHeight);
     ASSERT_TRUE(projection) << projection.reason();
     EXPECT_NEAR((*projection)->imagePointsPerMeter(), kSideScale, 1e-9);
     for (const Deck& deck : kDecks) {
@@ -164,13 +156,14 @@ TEST_F(SampleFolder, theLevelsFileNamesThePixelsAtWhichTheDecksAreDrawn) {
     }
 }
 
-TEST_F(SampleFolder, theScenesAreReadAndNameOnlyFilesThatAreThere) {
+TEST(SampleFiles, theScenesAreReadAndNameOnlyFilesThatAreThere) {
+    const apps::ScratchFolder folder;
     const TownModel model = TownModel::build();
-    ASSERT_EQ(writeScenes(folder, model), "");
-    std::filesystem::create_directories(folder + "/icons");
-    ASSERT_EQ(writeIcons(folder + "/icons"), "");
-    for (const char* name : {"/harbour.json", "/harbour-tilted.json", "/overlays.json"}) {
-        const auto scene = apps::readSceneFile(folder + name);
+    ASSERT_EQ(writeScenes(folder.path(""), model), "");
+    std::filesystem::create_directories(folder.path("icons"));
+    ASSERT_EQ(writeIcons(folder.path("icons")), "");
+    for (const char* name : {"harbour.json", "harbour-tilted.json", "overlays.json"}) {
+        const auto scene = apps::readSceneFile(folder.path(name));
         ASSERT_TRUE(scene) << scene.reason();
         EXPECT_TRUE(scene->camera);
         for (const apps::SceneMarker& marker : scene->markers)
@@ -180,29 +173,6 @@ TEST_F(SampleFolder, theScenesAreReadAndNameOnlyFilesThatAreThere) {
             ASSERT_TRUE(features) << features.reason();
             EXPECT_GT(features->features.size(), 8U);
         }
-    }
-}
-
-TEST(SampleShip, aDeckPlanIsOpaqueInsideTheHullAndTransparentOutside) {
-    for (const Deck& deck : kDecks) {
-        const Canvas canvas = paintDeck(deck);
-        cairo_surface_flush(canvas.image());
-        const int width = cairo_image_surface_get_width(canvas.image());
-        const int height = cairo_image_surface_get_height(canvas.image());
-        EXPECT_EQ(width, static_cast<int>(kDeckPlanLength * kDeckScale));
-        EXPECT_EQ(height, static_cast<int>(kDeckPlanBeam * kDeckScale));
-        const auto alpha = [&](int x, int y) {
-            const unsigned char* data = cairo_image_surface_get_data(canvas.image());
-            const auto* row = reinterpret_cast<const std::uint32_t*>(
-                data + y * cairo_image_surface_get_stride(canvas.image()));
-            return row[x] >> 24;
-        };
-        EXPECT_EQ(alpha(0, 0), 0U) << deck.level;
-        EXPECT_EQ(alpha(width - 1, height - 1), 0U) << deck.level;
-        EXPECT_EQ(alpha(width - 2 * kDeckScale, height / 4), 0U) << deck.level;
-        for (const double forward : {deck.stern + 2, 0.0, deck.bow - 2})
-            EXPECT_EQ(alpha(static_cast<int>((forward + kDeckPlanLength / 2) * kDeckScale), height / 2), 255U)
-                << deck.level;
     }
 }
 

@@ -1,7 +1,7 @@
 #include "Sideview/LevelsText.h"
+#include "support/ScratchFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <limits>
 
 namespace trelmix {
@@ -139,11 +139,8 @@ TEST(LevelsFile, levelsWithoutBoundsAndWithNoneAreTwoThings) {
 }
 
 TEST(LevelsFile, readingNamesThePathOfWhatCannotBeUsed) {
-    const std::filesystem::path folder =
-        std::filesystem::path(testing::TempDir()) / "trelmix-levels-file-test";
-    std::filesystem::create_directories(folder);
-    const std::string path = (folder / "levels.json").string();
-    std::ofstream(path) << R"({"levels": [{"levelNumber": 4}]})";
+    const apps::ScratchFolder folder;
+    const std::string path = folder.write("levels.json", R"({"levels": [{"levelNumber": 4}]})");
     EXPECT_EQ(readLevelsFile(path).reason(), path + ": bearing: is missing");
     const auto level = SideviewProjection::levelInfo(4, path);
     ASSERT_TRUE(level) << "levels can be looked up in a file that describes no box";
@@ -152,8 +149,8 @@ TEST(LevelsFile, readingNamesThePathOfWhatCannotBeUsed) {
 
     std::filesystem::resize_file(path, 100'000'000);
     EXPECT_NE(readLevelsFile(path).reason().find("larger than"), std::string::npos);
-    EXPECT_NE(readLevelsFile(folder.string()).reason().find("folder"), std::string::npos);
-    std::filesystem::remove_all(folder);
+    EXPECT_NE(readLevelsFile(folder.path("")).reason().find("folder"), std::string::npos);
+    std::filesystem::remove(path);
     EXPECT_EQ(SideviewProjection::make(path, 100, 100).reason().rfind(path + ": cannot open", 0), 0U);
     EXPECT_EQ(SideviewProjection::levelInfo(4, path).reason().rfind(path, 0), 0U);
 }

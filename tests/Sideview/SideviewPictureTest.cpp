@@ -196,15 +196,5 @@ TEST_F(SideviewPicture, aMarkerShowsOnceItHasBothAnIconAndAPlace) {
     EXPECT_TRUE(shows());
 }
 
-TEST_F(SideviewPicture, iconsAreAsLargeInThePictureAsTheZoomMakesThem) {
-    sideview->setUserPositionIcon(plainImage(20, 30, {0, 255, 0, 255}));
-    sideview->updateUserPosition({kLatitude, longitudeAt(500)}, 0);
-    sideview->scrollView()->setZoomScale(0.5, false);
-    const CGRect frame = sideview->sideviewImageView()->subviews().back()->frame();
-    EXPECT_NEAR(frame.origin.x, 480, 1e-6);
-    EXPECT_NEAR(frame.origin.y, kMiddle[0] - 30, 1e-9);
-    EXPECT_EQ(frame.size, (CGSize{40, 60}));
-}
-
 } // namespace
 } // namespace trelmix

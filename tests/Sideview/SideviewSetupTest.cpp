@@ -115,7 +115,7 @@ TEST_F(SideviewSetup, theFootprintFollowsTheCameraWhenItComesToRest) {
 }
 
 TEST_F(SideviewSetup, aFootprintThatIsNotFiniteLeavesEverythingWhereItWas) {
-    sideview->setupSideviewWith(picture(), writeFile("flat.json", levelsText("\"bearing\": 90,")));
+    sideview->setupSideviewWith(picture(), folder.write("flat.json", levelsText("\"bearing\": 90,")));
     ASSERT_EQ(sideview->setupFailure(), "");
     connect();
     EXPECT_EQ(sideview->sideviewCameraRectangle()->frame(), CGRect{});
@@ -158,14 +158,14 @@ TEST_F(SideviewSetup, anUnusableFileShowsThePictureAloneAndSaysWhy) {
         connect();
         rest();
     };
-    const std::string bad = writeFile("bad.json", R"({"bearing": "east"})");
+    const std::string bad = folder.write("bad.json", R"({"bearing": "east"})");
     sideview->setupSideviewWith(picture(), bad);
     expectUnconnected(bad + ": bearing: must be a number, is string");
     EXPECT_EQ(sideview->sideviewPositionRectangle()->frame().size.width, 0);
     ASSERT_TRUE(sideview->sideviewImageView());
 
-    sideview->setupSideviewWith(picture(), testing::TempDir());
-    EXPECT_TRUE(sideview->setupFailure().starts_with(testing::TempDir())) << sideview->setupFailure();
+    sideview->setupSideviewWith(picture(), folder.path(""));
+    EXPECT_TRUE(sideview->setupFailure().starts_with(folder.path(""))) << sideview->setupFailure();
 
     sideview->setupSideviewWith(nullptr, goodLevels());
     expectUnconnected("image: there is none");

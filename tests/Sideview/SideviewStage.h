@@ -5,13 +5,13 @@
 #include "Platform/View/ViewComposer.h"
 #include "Sideview/SideviewScrollView.h"
 #include "support/EngineFixture.h"
+#include "support/ScratchFolder.h"
 #include "support/TouchStory.h"
 
 #include <Trelmix/TrelmixMapEngineDelegateGroup.h>
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <string>
 
 namespace trelmix {
@@ -60,13 +60,8 @@ protected:
         EngineFixture::TearDown();
     }
 
-    static std::string writeFile(const std::string& name, const std::string& text) {
-        const std::string path = testing::TempDir() + name;
-        std::ofstream(path, std::ios::binary) << text;
-        return path;
-    }
-    static std::string goodLevels() {
-        return writeFile("sideview-levels.json", levelsText("\"bearing\": 90," + kTwoLevels));
+    std::string goodLevels() const {
+        return folder.write("levels.json", levelsText("\"bearing\": 90," + kTwoLevels));
     }
     static std::shared_ptr<const UIImage> plainImage(int width, int height,
                                                      std::array<std::uint8_t, 4> color) {
@@ -113,6 +108,7 @@ protected:
     }
     std::string takeLog() { return std::exchange(listener->log, {}); }
 
+    apps::ScratchFolder folder;
     std::shared_ptr<SideviewScrollView> sideview;
     std::shared_ptr<Listener> listener = std::make_shared<Listener>();
     std::unique_ptr<TouchStory> story;
