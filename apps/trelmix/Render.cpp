@@ -51,7 +51,7 @@ void mentionDamagedTiles(const SceneContent& content) {
 ExitCode writePicture(OffscreenHost& host, const std::string& attribution, const RenderOptions& options) {
     auto picture = host.image();
     if (!picture) {
-        return complain("the picture cannot be read back: " + picture.reason(), ExitCode::noDriver);
+        return complain("the picture cannot be drawn: " + picture.reason(), ExitCode::noDriver);
     }
     if (!options.noAttribution && !attribution.empty()) {
         const double scale = (*picture)->scale();

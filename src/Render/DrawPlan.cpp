@@ -28,8 +28,8 @@ bool hasFiniteCorners(const DrawItem& item) {
 RenderStores::RenderStores(const GLCapabilities& capabilities, const std::shared_ptr<GLGraveyard>& graveyard,
                            const TextureLimits& limits)
     : textures(graveyard, limits), atlas(graveyard, limits.maximumSize),
-      meshes(graveyard, capabilities.has32BitIndices), programs(graveyard), images(graveyard),
-      discs(graveyard), fills(graveyard), indices(graveyard, capabilities.has32BitIndices) {}
+      meshes(graveyard, capabilities.has32BitIndices), images(graveyard), discs(graveyard), fills(graveyard),
+      indices(graveyard, capabilities.has32BitIndices) {}
 
 std::size_t DrawPlan::setList(const std::shared_ptr<const DrawList>& list, const FrameView& view,
                               bool originMoved) {
@@ -135,10 +135,10 @@ void DrawPlan::placeMesh(Placement& placement) {
             return;
         }
     } else {
-        placement.program = item.program ? _stores.programs.find(*item.program) : nullptr;
-        if (!placement.program) {
+        if (!item.program) {
             return;
         }
+        placement.program = &_stores.programs.find(*item.program);
     }
     placement.mesh = _stores.meshes.retain(item.mesh);
     placement.isDrawn = placement.mesh != nullptr;

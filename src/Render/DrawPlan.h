@@ -56,6 +56,7 @@ public:
     DrawPlan(const DrawPlan&) = delete;
     DrawPlan& operator=(const DrawPlan&) = delete;
 
+    bool has(const std::shared_ptr<const DrawList>& list) const { return list == _list; }
     /// `originMoved`: everything that is relative to the view's origin is written again. Returns the bytes
     /// written to other buffers than those of the quads.
     std::size_t setList(const std::shared_ptr<const DrawList>& list, const FrameView& view, bool originMoved);

@@ -1,5 +1,7 @@
 #include "Render/FrameTarget.h"
 
+#include "Render/GLErrors.h"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -12,14 +14,11 @@ constexpr GLenum kDrawFramebuffer = 0x8CA9;
 constexpr GLenum kRGBA8 = 0x8058;
 constexpr std::int64_t kMaximumSampleBytes = std::int64_t{1} << 30;
 
-void forgetErrors() {
-    // A lost context answers with an error for ever.
-    for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i) {
-    }
-}
-
-bool isComplete() {
-    return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE && glGetError() == GL_NO_ERROR;
+/// Of the bound framebuffer and the calls that made it; empty when it can be drawn into.
+std::string fault() {
+    const bool isComplete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+    const std::string error = takeError();
+    return error.empty() && !isComplete ? "the framebuffer is not complete" : error;
 }
 
 } // namespace
@@ -47,15 +46,15 @@ std::string FrameTarget::resize(int width, int height, int samples) {
     surface.width = width;
     surface.height = height;
     surface.samples = used;
-    if (!build(surface)) {
-        return "the driver has no memory for a picture of " + std::to_string(width) + " x " +
-               std::to_string(height) + " pixels";
+    if (const std::string error = build(surface); !error.empty()) {
+        return "the driver refuses a picture of " + std::to_string(width) + " x " + std::to_string(height) +
+               " pixels: " + error;
     }
     _surface = std::move(surface);
     return {};
 }
 
-bool FrameTarget::build(Surface& surface) const {
+std::string FrameTarget::build(Surface& surface) const {
     forgetErrors();
     surface.texture = GLTexture::make(_graveyard);
     glActiveTexture(GL_TEXTURE0);
@@ -69,27 +68,30 @@ bool FrameTarget::build(Surface& surface) const {
     surface.resolved = GLFramebuffer::make(_graveyard);
     glBindFramebuffer(GL_FRAMEBUFFER, surface.resolved.name());
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, surface.texture.name(), 0);
-    if (!isComplete()) {
-        return false;
-    }
-    if (surface.samples > 1 && !addSamples(surface)) {
-        forgetErrors();
+    std::string error = fault();
+    if (error.empty() && surface.samples > 1 && !addSamples(surface).empty()) {
         surface.drawn = {};
         surface.multisampled = {};
     }
-    return true;
+    return error;
 }
 
-bool FrameTarget::addSamples(Surface& surface) const {
+std::string FrameTarget::addSamples(Surface& surface) const {
+    surface.drawn = GLFramebuffer::make(_graveyard);
+    glBindFramebuffer(GL_FRAMEBUFFER, surface.drawn.name());
+    if (_capabilities.framebufferTexture2DMultisample) {
+        // The driver keeps the samples to itself and resolves them before the texture is next read.
+        _capabilities.framebufferTexture2DMultisample(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                                                      surface.texture.name(), 0, surface.samples);
+        return fault();
+    }
     surface.multisampled = GLRenderbuffer::make(_graveyard);
     glBindRenderbuffer(GL_RENDERBUFFER, surface.multisampled.name());
     _capabilities.renderbufferStorageMultisample(GL_RENDERBUFFER, surface.samples, kRGBA8, surface.width,
                                                  surface.height);
-    surface.drawn = GLFramebuffer::make(_graveyard);
-    glBindFramebuffer(GL_FRAMEBUFFER, surface.drawn.name());
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER,
                               surface.multisampled.name());
-    return isComplete();
+    return fault();
 }
 
 void FrameTarget::bindForDrawing() const {
@@ -98,7 +100,7 @@ void FrameTarget::bindForDrawing() const {
 }
 
 void FrameTarget::resolve() const {
-    if (!_surface.drawn) {
+    if (!_surface.multisampled) {
         return;
     }
     glBindFramebuffer(kReadFramebuffer, _surface.drawn.name());

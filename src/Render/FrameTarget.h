@@ -20,6 +20,8 @@ public:
     std::string resize(int width, int height, int samples);
     int width() const { return _surface.width; }
     int height() const { return _surface.height; }
+    /// That each pixel really has.
+    int samples() const { return _surface.drawn ? _surface.samples : 1; }
     bool isEmpty() const { return _surface.width == 0; }
 
     /// Binds what is drawn into and sets the viewport.
@@ -39,8 +41,9 @@ private:
         GLRenderbuffer multisampled;
         GLFramebuffer drawn;
     };
-    bool build(Surface& surface) const;
-    bool addSamples(Surface& surface) const;
+    /// Empty, or the driver's error.
+    std::string build(Surface& surface) const;
+    std::string addSamples(Surface& surface) const;
 
     GLCapabilities _capabilities;
     std::shared_ptr<GLGraveyard> _graveyard;

@@ -57,7 +57,22 @@ bool drawsOnTheCPU(const std::string& renderer) {
     return false;
 }
 
+bool fragmentsHaveHighPrecision() {
+    GLint range[2] = {};
+    GLint bits = 0;
+    glGetShaderPrecisionFormat(GL_FRAGMENT_SHADER, GL_HIGH_FLOAT, range, &bits);
+    return range[1] > 0;
+}
+
 void findMultisampling(GLCapabilities& c, std::string_view extensions) {
+    if (hasWord(extensions, "GL_EXT_multisampled_render_to_texture")) {
+        c.framebufferTexture2DMultisample =
+            function<PFNGLFRAMEBUFFERTEXTURE2DMULTISAMPLEEXTPROC>("glFramebufferTexture2DMultisampleEXT");
+    }
+    if (c.framebufferTexture2DMultisample) {
+        c.maximumSamples = std::max(1, number(kMaximumSamples));
+        return;
+    }
     const char* storage = nullptr;
     const char* blit = nullptr;
     if (c.majorVersion >= 3) {
@@ -98,6 +113,7 @@ GLCapabilities GLCapabilities::ofCurrentContext() {
     c.has32BitIndices = three || hasWord(extensions, "GL_OES_element_index_uint");
     // The shaders are GLSL ES 1.00, where the extension has to be asked for by name in version 3 too.
     c.hasDerivatives = hasWord(extensions, "GL_OES_standard_derivatives");
+    c.hasHighPrecision = fragmentsHaveHighPrecision();
     c.hasLevelsOfAnySize = three || hasWord(extensions, "GL_OES_texture_npot");
     if (hasWord(extensions, "GL_EXT_texture_filter_anisotropic")) {
         glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY_EXT, &c.maximumAnisotropy);

@@ -27,9 +27,13 @@ struct GLCapabilities {
     bool hasLevelsOfAnySize = false;
     /// 1 when the extension is missing.
     float maximumAnisotropy = 1;
-    /// 1 when multisampled renderbuffers are missing.
+    /// False where fragment shaders have to do with `mediump`.
+    bool hasHighPrecision = false;
+    /// 1 when there is no way to draw with several samples a pixel.
     int maximumSamples = 1;
 
+    /// Either this one draws with samples, straight into a texture, or the next two do.
+    PFNGLFRAMEBUFFERTEXTURE2DMULTISAMPLEEXTPROC framebufferTexture2DMultisample = nullptr;
     PFNGLRENDERBUFFERSTORAGEMULTISAMPLEANGLEPROC renderbufferStorageMultisample = nullptr;
     PFNGLBLITFRAMEBUFFERANGLEPROC blitFramebuffer = nullptr;
     PFNGLBINDVERTEXARRAYOESPROC bindVertexArray = nullptr;

@@ -1,5 +1,6 @@
 #include "Render/GLShader.h"
 
+#include <regex>
 #include <vector>
 
 namespace trelmix {
@@ -38,6 +39,11 @@ private:
 };
 
 } // namespace
+
+std::string withMediumPrecision(const std::string& fragmentShader) {
+    static const std::regex high("\\bhighp\\b");
+    return std::regex_replace(fragmentShader, high, "mediump");
+}
 
 Result<GLProgram> linkProgram(const std::shared_ptr<GLGraveyard>& graveyard, const std::string& vertexShader,
                               const std::string& fragmentShader, std::span<const GLAttribute> attributes) {

@@ -44,14 +44,16 @@ std::vector<Span> cut(int size, int limit) {
 
 } // namespace
 
-TextureLimits TextureLimits::of(const GLCapabilities& capabilities, int maximumSize) {
+TextureLimits TextureLimits::of(const GLCapabilities& capabilities, int maximumSize, float anisotropy) {
     TextureLimits limits;
     limits.maximumSize = capabilities.maximumTextureSize;
     if (maximumSize > 0) {
         limits.maximumSize = std::clamp(maximumSize, 16, capabilities.maximumTextureSize);
     }
-    limits.anisotropy =
-        capabilities.isSoftwareDriver ? 1.0F : std::clamp(capabilities.maximumAnisotropy, 1.0F, 4.0F);
+    if (anisotropy == 0) {
+        anisotropy = capabilities.isSoftwareDriver ? 1.0F : 4.0F;
+    }
+    limits.anisotropy = std::clamp(anisotropy, 1.0F, std::max(1.0F, capabilities.maximumAnisotropy));
     limits.hasLevelsOfAnySize = capabilities.hasLevelsOfAnySize;
     return limits;
 }

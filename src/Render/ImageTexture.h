@@ -16,11 +16,11 @@ namespace trelmix {
 /// What the driver and the options leave to textures.
 struct TextureLimits {
     int maximumSize = 64;
-    /// 1 on software drivers, where it costs more than it shows.
     float anisotropy = 1;
     bool hasLevelsOfAnySize = false;
 
-    static TextureLimits of(const GLCapabilities& capabilities, int maximumSize);
+    /// 0 for the driver's size, and for the anisotropy that suits it.
+    static TextureLimits of(const GLCapabilities& capabilities, int maximumSize, float anisotropy);
 };
 
 /// One image on the graphics processor: a texture, or several for an image beyond the limit.

@@ -22,8 +22,7 @@ class ShaderProgram;
 struct Placement {
     const DrawItem* item = nullptr;
     DrawKind kind = DrawKind::image;
-    /// False for what has nothing to draw: no image, corners that are not finite, a program that does not
-    /// compile.
+    /// False for what has nothing to draw: no image, no program, corners that are not finite.
     bool isDrawn = false;
     bool isTranslucent = false;
     bool isTinted = false;

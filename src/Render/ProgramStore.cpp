@@ -1,6 +1,5 @@
 #include "Render/ProgramStore.h"
 
-#include "Platform/Foundation/CallerFault.h"
 #include "Render/GLShader.h"
 #include "Render/Placement.h"
 
@@ -59,12 +58,30 @@ int ShaderProgram::attributeOf(SCNSemantic semantic) {
     return -1;
 }
 
-ShaderProgram::ShaderProgram(GLProgram program, const SCNProgram& source) : _program(std::move(program)) {
-    for (const auto& [symbol, semantic] : source.symbols) {
+std::string ShaderProgram::prepare(const std::shared_ptr<GLGraveyard>& graveyard, bool hasHighPrecision) {
+    if (_program || !_fault.empty()) {
+        return _fault;
+    }
+    std::vector<GLAttribute> attributes;
+    for (const auto& [symbol, semantic] : _source.symbols) {
+        if (const int index = attributeOf(semantic); index >= 0) {
+            attributes.push_back({static_cast<GLuint>(index), symbol.c_str()});
+        }
+    }
+    const std::string& fragment = _source.fragmentShader;
+    auto linked = linkProgram(graveyard, _source.vertexShader,
+                              hasHighPrecision ? fragment : withMediumPrecision(fragment), attributes);
+    if (!linked) {
+        _fault = linked.reason();
+        return _fault;
+    }
+    _program = std::move(*linked);
+    for (const auto& [symbol, semantic] : _source.symbols) {
         if (semantic == SCNSemantic::modelViewProjection) {
             _matrix = glGetUniformLocation(_program.name(), symbol.c_str());
         }
     }
+    return {};
 }
 
 GLint ShaderProgram::locationOf(const std::string& symbol) {
@@ -118,24 +135,12 @@ void ShaderProgram::pointAt(const MeshBuffers& mesh, std::size_t firstVertex, Ve
     arrays.enable(mask);
 }
 
-ShaderProgram* ProgramStore::find(const SCNProgram& source) {
-    const auto [entry, isNew] = _programs.try_emplace(keyOf(source));
-    if (!isNew) {
-        return entry->second.get();
+ShaderProgram& ProgramStore::find(const SCNProgram& source) {
+    auto& program = _programs[keyOf(source)];
+    if (!program) {
+        program = std::make_unique<ShaderProgram>(source);
     }
-    std::vector<GLAttribute> attributes;
-    for (const auto& [symbol, semantic] : source.symbols) {
-        if (const int index = ShaderProgram::attributeOf(semantic); index >= 0) {
-            attributes.push_back({static_cast<GLuint>(index), symbol.c_str()});
-        }
-    }
-    auto linked = linkProgram(_graveyard, source.vertexShader, source.fragmentShader, attributes);
-    if (!linked) {
-        reportCallerFault(("a shader program is not drawn: " + linked.reason()).c_str());
-        return nullptr;
-    }
-    entry->second = std::make_unique<ShaderProgram>(std::move(*linked), source);
-    return entry->second.get();
+    return *program;
 }
 
 } // namespace trelmix

@@ -13,10 +13,14 @@
 
 namespace trelmix {
 
-/// A program of the application's shaders, compiled as they are.
+/// A program of given shaders, compiled as they are; only where fragments have no `highp`, with `mediump` for
+/// it.
 class ShaderProgram {
 public:
-    explicit ShaderProgram(GLProgram program, const SCNProgram& source);
+    explicit ShaderProgram(SCNProgram source) : _source(std::move(source)) {}
+
+    /// Compiles and links, once; empty when it went well.
+    std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard, bool hasHighPrecision);
 
     /// Draws a mesh whose origin the matrix is for; returns the number of draw calls.
     int draw(const MeshBuffers& mesh, const std::array<float, 16>& matrix, const DrawItem& item,
@@ -30,7 +34,10 @@ private:
     void pointAt(const MeshBuffers& mesh, std::size_t firstVertex, VertexArrays& arrays) const;
     GLint locationOf(const std::string& symbol);
 
+    SCNProgram _source;
     GLProgram _program;
+    /// Why it cannot be linked.
+    std::string _fault;
     GLint _matrix = -1;
     std::vector<std::pair<std::string, GLint>> _locations;
 };
@@ -38,13 +45,10 @@ private:
 /// The programs of one context. Nodes whose programs have the same text share one.
 class ProgramStore {
 public:
-    explicit ProgramStore(std::shared_ptr<GLGraveyard> graveyard) : _graveyard(std::move(graveyard)) {}
-
-    /// Null when it does not compile or link, which is reported once. Stays valid for the life of the store.
-    ShaderProgram* find(const SCNProgram& source);
+    /// Stays valid for the life of the store.
+    ShaderProgram& find(const SCNProgram& source);
 
 private:
-    std::shared_ptr<GLGraveyard> _graveyard;
     std::map<std::string, std::unique_ptr<ShaderProgram>> _programs;
 };
 

@@ -2,6 +2,7 @@
 
 #include "Render/DrawPlan.h"
 #include "Render/FrameTarget.h"
+#include "Render/GLErrors.h"
 #include "Render/OverlayPainter.h"
 
 #include <array>
@@ -12,8 +13,9 @@ namespace trelmix {
 struct Renderer::Parts {
     Parts(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> shared, Options given)
         : graveyard(std::move(shared)), options(given), hasDerivatives(capabilities.hasDerivatives),
-          target(capabilities, graveyard),
-          stores(capabilities, graveyard, TextureLimits::of(capabilities, options.maximumTextureSize)),
+          hasHighPrecision(capabilities.hasHighPrecision), target(capabilities, graveyard),
+          stores(capabilities, graveyard,
+                 TextureLimits::of(capabilities, options.maximumTextureSize, options.anisotropy)),
           plan(stores) {}
 
     std::string prepare(const std::vector<DrawRun>& runs);
@@ -28,6 +30,7 @@ struct Renderer::Parts {
     std::shared_ptr<GLGraveyard> graveyard;
     Options options;
     bool hasDerivatives;
+    bool hasHighPrecision;
     FrameTarget target;
     FrameView view;
     RenderStores stores;
@@ -105,7 +108,7 @@ std::string Renderer::Parts::prepare(const DrawRun& run) {
     case DrawRun::Kind::largeFill:
         return stores.fills.prepare(graveyard);
     case DrawRun::Kind::program:
-        break; // its store has linked it
+        return plan.placement(run).program->prepare(graveyard, hasHighPrecision);
     }
     return {};
 }
@@ -135,12 +138,20 @@ void Renderer::Parts::setState() {
 std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
     const std::size_t before = stores.atlas.uploadedBytes();
     const std::size_t meshesBefore = stores.meshes.uploadedBytes();
+    // Asked for only then, because drivers wait for the answer, and errors of an application's are its own.
+    const bool mayUpload = !plan.has(frame.list) || stores.textures.isAnyWaiting();
+    if (mayUpload) {
+        forgetErrors();
+    }
     const bool originMoved = view.update(frame.camera, target.width(), target.height());
     report.rewrittenBytes = plan.setList(frame.list, view, originMoved);
     plan.markWaiting(view);
     report.uploadedBytes = stores.textures.upload(options.uploadSecondsPerFrame) +
                            stores.atlas.uploadedBytes() - before + stores.meshes.uploadedBytes() -
                            meshesBefore;
+    if (std::string error = mayUpload ? takeError() : std::string(); !error.empty()) {
+        return "the driver refuses what the picture shows: " + error;
+    }
     report.uploadsLeft = stores.textures.waitingInView();
     const bool isVisible = frame.alpha > 0 && view.isFinite();
     const auto& runs = plan.makeRuns(view);
@@ -149,6 +160,7 @@ std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) 
     if (std::string reason = prepare(runs); !reason.empty()) {
         return reason;
     }
+    report.samples = target.samples();
     target.bindForDrawing();
     clear(frame.background);
     if (isVisible) {

@@ -24,6 +24,9 @@ struct FrameReport {
     std::size_t uploadedBytes = 0;
     /// Bytes of vertices and indices that were written.
     std::size_t rewrittenBytes = 0;
+    /// That each pixel had: 1, and stairs along edges, where the driver has no multisampling or no memory for
+    /// it.
+    int samples = 1;
 };
 
 /// An image drawn upright over a finished picture.
@@ -46,6 +49,9 @@ public:
         int samples = 4;
         /// Largest side of a texture; 0 for the driver's limit. Larger images are drawn in parts.
         int maximumTextureSize = 0;
+        /// How many texels along a slant a filter takes in, limited to what the driver has; 0 for 4, or 1 on
+        /// a driver that draws in software, where it costs more than it shows.
+        float anisotropy = 0;
         /// How long one frame may go on uploading images, in seconds. At least one piece is uploaded a frame.
         double uploadSecondsPerFrame = std::numeric_limits<double>::infinity();
     };

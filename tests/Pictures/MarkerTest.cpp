@@ -43,8 +43,8 @@ void expectFilled(const Picture& picture, const Outline& outline, double toleran
     EXPECT_EQ(wrong, 0);
     const Blob drawn = blobIn(picture, window, kBlue, kWhite);
     const Blob expected = blobOf(outline);
-    EXPECT_NEAR(drawn.centre.x, expected.centre.x, 0.25);
-    EXPECT_NEAR(drawn.centre.y, expected.centre.y, 0.25);
+    EXPECT_NEAR(drawn.centre.x, expected.centre.x, edgeTolerance(0.25));
+    EXPECT_NEAR(drawn.centre.y, expected.centre.y, edgeTolerance(0.25));
 }
 
 } // namespace

@@ -1,11 +1,21 @@
 #include "Pictures/Stage.h"
 
+#include "Render/GLContext.h"
+
 #include <gtest/gtest.h>
 #include <numbers>
 #include <stdexcept>
 #include <Trelmix/TrelmixMapEngineGeoUtils.h>
 
 namespace trelmix::pictures {
+
+int driverSamples() {
+    static const int samples = [] {
+        const auto context = GLContext::makeOffscreen();
+        return context ? (*context)->capabilities().maximumSamples : 1;
+    }();
+    return samples;
+}
 
 std::ostream& operator<<(std::ostream& out, const Look& look) {
     return out << "rotation " << look.rotation << " tilt " << look.tilt << " zoom " << look.zoom;

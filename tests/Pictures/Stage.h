@@ -80,6 +80,13 @@ private:
     std::shared_ptr<TilePainter> _painter;
 };
 
+/// Samples a pixel that a host gets which asks for four: 1 on drivers without multisampling.
+int driverSamples();
+/// How exact an edge is drawn: within `smooth` pixels with samples, within one pixel without.
+inline double edgeTolerance(double smooth) {
+    return driverSamples() > 1 ? smooth : 0.95;
+}
+
 /// Whether the ground in that row of pixels is near enough to have tiles: they reach twice as far beyond the
 /// target as the view reaches on this side of it.
 bool isWithinTileReach(int y, double tilt);

@@ -7,6 +7,16 @@
 namespace trelmix::render_test {
 namespace {
 
+/// Of every kind, in the current context; drivers count names from 1.
+int objectsAlive() {
+    int count = 0;
+    for (GLuint name = 1; name < 200; ++name) {
+        count += glIsTexture(name) + glIsBuffer(name) + glIsFramebuffer(name) + glIsRenderbuffer(name) +
+                 glIsProgram(name) + glIsShader(name);
+    }
+    return count;
+}
+
 TEST_F(RenderTest, twoContextsDrawSideBySideAndEachKeepsItsOwnTextures) {
     auto other = GLContext::makeOffscreen();
     ASSERT_TRUE(other);
@@ -37,10 +47,27 @@ TEST_F(RenderTest, objectsDroppedOnAnotherThreadAreDeletedOnTheContextsOwn) {
     EXPECT_TRUE(glIsTexture(name));
     graveyard->deleteObjects();
     EXPECT_FALSE(glIsTexture(name));
-    // A whole renderer, too.
-    draw(frameOf({discItem({}, 5, {1, 0, 0, 1})}, cameraAt({}, 8)), 8, 8);
+    // A whole renderer, too, which has drawn something of each kind.
+    auto fill = std::make_shared<DrawItem>();
+    auto mesh = std::make_shared<SCNMesh>();
+    mesh->vertices = {-9, -9, 0, 9, -9, 0, 0, 9, 0};
+    mesh->indices = std::vector<std::uint8_t>{0, 1, 2};
+    fill->kind = DrawKind::fill;
+    fill->mesh = mesh;
+    fill->sequence = 2;
+    const auto all = ground(-9, -9, 9, 9);
+    const auto image = plainImage(40, 40, {0, 99, 0, 255});
+    draw(frameOf(
+             {discItem({}, 5, {1, 0, 0, 1}), fill, imageItem(image, all, 3, true), imageItem(image, all, 4)},
+             cameraAt({}, 8)),
+         8, 8);
+    const OverlayQuad over{image, {{0, 0}, {4, 4}}};
+    renderer->drawImages({&over, 1});
+    EXPECT_GT(objectsAlive(), 8);
     std::thread([dropped = std::move(renderer)] {}).join();
+    glUseProgram(0); // a program in use outlives its deletion
     graveyard->deleteObjects();
+    EXPECT_EQ(objectsAlive(), 0);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
