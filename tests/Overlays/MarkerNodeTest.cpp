@@ -61,6 +61,7 @@ TEST_F(MarkerNodeTest, standsUprightTowardsTheCameraOrLiesFlatWithItsOwnRotation
     turnCamera(-40, 30);
     step();
     EXPECT_NEAR(marker->eulerAngles().x, 30 * DEG_TO_RAD_CONST, 1e-6);
+    EXPECT_FALSE(lastFrame.list->items.at(0)->usesLevels);
     EXPECT_NEAR(marker->eulerAngles().z, 40 * DEG_TO_RAD_CONST, 1e-6);
     marker->setIsFlat(true);
     marker->setMarkerRotation(90);
@@ -173,21 +174,6 @@ TEST_F(MarkerNodeTest, aMarkerThatNeverHadAPlaceShowsNothing) {
     show();
     const auto& corners = lastFrame.list->items.at(0)->corners;
     EXPECT_EQ(corners[0], corners[3]);
-}
-
-TEST_F(MarkerNodeTest, aFrameWithoutChangesGivesTheSameListAndAMoveKeepsTheOthers) {
-    auto other = MarkerNode::make();
-    other->setMarkerIcon(marker->markerIcon());
-    other->setCoordinate(kPier);
-    other->setMap(engine);
-    show();
-    const auto list = lastFrame.list;
-    step();
-    EXPECT_EQ(lastFrame.list, list);
-    marker->setCoordinate(kPier, false, 0);
-    step();
-    EXPECT_EQ(lastFrame.list->items.at(0), list->items.at(0));
-    EXPECT_NE(lastFrame.list->items.at(1), list->items.at(1));
 }
 
 TEST_F(MarkerNodeTest, anIconSetAgainShowsOnceTheMapIsSetAgain) {

@@ -58,24 +58,6 @@ TEST_F(SideviewSetup, thePictureStartsFittedToTheWidth) {
     UIScreen::setMainScreenBounds({{0, 0}, {1280, 800}});
 }
 
-TEST_F(SideviewSetup, zoomingThatIsNotEnabledHoldsThePictureAtItsWidth) {
-    sideview->setEnableZooming(false);
-    setUp();
-    const auto& scroll = sideview->scrollView();
-    const auto expectHeld = [&] {
-        EXPECT_EQ(scroll->maximumZoomScale(), 0.25);
-        EXPECT_EQ(scroll->zoomScale(), 0.25);
-        EXPECT_FALSE(scroll->isScrollEnabled());
-    };
-    expectHeld();
-    sideview->setEnableZooming(true);
-    EXPECT_EQ(scroll->maximumZoomScale(), 1.0);
-    EXPECT_TRUE(scroll->isScrollEnabled());
-    scroll->setZoomScale(0.7, false);
-    sideview->setEnableZooming(false);
-    expectHeld();
-}
-
 TEST_F(SideviewSetup, theFootprintFollowsTheCameraWhenItComesToRest) {
     setUp();
     connect(1);
