@@ -47,8 +47,9 @@ public:
     virtual bool enableScrollGesture() const = 0;
     virtual void setEnableScrollGesture(bool enable) = 0;
 
-    /// Zoom limits of the user; shared by all engines of the process, the last one to set them decides.
-    /// Values beyond the supported range have no effect there; NaN is ignored.
+    /// Zoom limits of the user; shared by all engines of the process, the last one to set them decides. A
+    /// value outside the supported range is read back, but limits nothing; NaN is ignored. Where the lowest
+    /// lies above the highest it wins. Takes effect with the next camera.
     virtual float maxZoom() const = 0;
     virtual void setMaxZoom(float zoom) = 0;
     virtual float minZoom() const = 0;
@@ -57,8 +58,8 @@ public:
     virtual float maxSupportedZoom() const = 0;
     virtual float minSupportedZoom() const = 0;
 
-    /// Corners of the rectangle that the camera's target must stay in; while one is invalid, as at first,
-    /// there is none.
+    /// Corners of the rectangle that the camera's target must stay in from its next change on; while one is
+    /// invalid, as at first, there is none. A corner at a pole lies on the map's edge.
     virtual CLLocationCoordinate2D cameraTargetBoundsNorthEast() const = 0;
     virtual void setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) = 0;
     virtual CLLocationCoordinate2D cameraTargetBoundsSouthWest() const = 0;

@@ -1,6 +1,5 @@
 #include "Camera/ZoomLimits.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cmath>
 
@@ -11,6 +10,10 @@ namespace {
 // Atomic: an application may set a limit while the renderer's thread reads it.
 std::atomic<float> kZOOM_USER_MIN{ZoomLimits::kSupportedMin};
 std::atomic<float> kZOOM_USER_MAX{ZoomLimits::kSupportedMax};
+
+bool isSupported(float zoom) {
+    return zoom >= ZoomLimits::kSupportedMin && zoom <= ZoomLimits::kSupportedMax;
+}
 
 void store(std::atomic<float>& limit, float zoom) {
     if (!std::isnan(zoom))
@@ -41,8 +44,8 @@ void ZoomLimits::reset() {
 }
 
 float ZoomLimits::sanitised(float zoom) {
-    const float highest = std::min(userMax(), kSupportedMax);
-    const float lowest = std::max(kSupportedMin, userMin());
+    const float highest = isSupported(userMax()) ? userMax() : kSupportedMax;
+    const float lowest = isSupported(userMin()) ? userMin() : kSupportedMin;
     const float lowered = zoom > highest ? highest : zoom;
     // Negated, so that NaN takes the lowest too.
     return !(lowered > lowest) ? lowest : lowered;

@@ -11,8 +11,8 @@ public:
 
     static float userMin();
     static float userMax();
-    /// Stored as given, also beyond the supported range, where they have no effect; NaN is ignored. A minimum
-    /// above the maximum wins.
+    /// Stored as given; one outside the supported range limits nothing; NaN is ignored. A minimum above the
+    /// maximum wins.
     static void setUserMin(float zoom);
     static void setUserMax(float zoom);
     /// Back to the supported range: tests share one process.

@@ -130,9 +130,7 @@ WorldMapPoint TrelmixMapEngineSceneView::canSetCameraToTarget(WorldMapPoint targ
         !CLLocationCoordinate2DIsValid(_boundsSouthWest)) {
         return target;
     }
-    return nearestPointInBounds(
-        target, GeoUtils::scenePoint({_boundsNorthEast.latitude, _boundsNorthEast.longitude}),
-        GeoUtils::scenePoint({_boundsSouthWest.latitude, _boundsSouthWest.longitude}));
+    return nearestPointInBounds(target, coordinateOf(_boundsNorthEast), coordinateOf(_boundsSouthWest));
 }
 
 void TrelmixMapEngineSceneView::reportWhenAtRest(const CameraChange& change) {

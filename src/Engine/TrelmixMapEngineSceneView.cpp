@@ -170,7 +170,8 @@ void TrelmixMapEngineSceneView::initialiseWithTarget(CLLocationCoordinate2D targ
         return;
     }
     initialiseCameraProjection(*_initialCameraTarget);
-    _cameraProjection->setInternalZoom(zoom - 1.0F);
+    // The delegate may look at the camera when it hears of it, before the camera path has limited it.
+    _cameraProjection->setMapZoom(CameraProjection::zoomLevelSanitised(zoom));
     setupCameraProjection();
 }
 

@@ -36,8 +36,7 @@ void PolylineNode::setColor(UIColor color) {
     if (const MainEntry entry{"setColor"}) {
         _color = color;
         _uniforms->setColor(color);
-        // The list that is drawn is another one now, also for hosts that draw only what has changed.
-        setGeometry(geometry());
+        showUniforms();
     }
 }
 
@@ -46,7 +45,13 @@ void PolylineNode::setWidth(float width) {
     if (entry && std::isfinite(width)) {
         _width = width;
         _needsWidth = true;
+        showUniforms();
     }
+}
+
+/// The list that is drawn is another one now, also for hosts that draw only what has changed.
+void PolylineNode::showUniforms() {
+    setGeometry(geometry());
 }
 
 void PolylineNode::setPolylineVertices(std::vector<CLLocation> vertices) {

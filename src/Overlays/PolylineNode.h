@@ -37,6 +37,7 @@ public:
 
 private:
     PolylineNode();
+    void showUniforms();
     void preparePolyline();
     /// False when fewer than two different points remain; the old geometry stays.
     bool updateGeometry(const std::vector<OpenGlPoint>& points);

@@ -56,7 +56,10 @@ TEST_F(CameraPath, aDelegateThatThrowsIsReportedAndTheCameraGoesOn) {
 }
 
 TEST_F(CameraPath, zoomAndTiltAreLimitedToWhatIsSupported) {
+    float heard = 0;
+    log->onWillMove = [&] { heard = engine->camera()->zoom(); };
     start(30);
+    EXPECT_EQ(heard, 23.0F) << "also while the first one is announced";
     EXPECT_EQ(engine->camera()->zoom(), 23.0F);
     engine->setCameraWithRotation(0, 80, 3, false);
     EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-4);
@@ -65,11 +68,20 @@ TEST_F(CameraPath, zoomAndTiltAreLimitedToWhatIsSupported) {
     EXPECT_EQ(engine->camera()->viewingAngle(), 0);
     engine->setCameraWithRotation(0, kNaN, 17, false);
     EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-4);
-    engine->setMinZoom(5);
-    engine->setMaxZoom(20);
     auto other = makeEngine();
-    other->initialiseWithTarget(kPlace, 30);
-    EXPECT_EQ(other->camera()->zoom(), 20.0F);
+    other->initialiseWithTarget(kPlace, 18);
+    // Shared by all engines; one outside the supported range limits nothing.
+    for (const auto& [least, most, reachedLeast, reachedMost] :
+         {std::array{5.0F, 20.0F, 15.0F, 20.0F}, {24.0F, 1e9F, 15.0F, 23.0F}, {16.0F, -1e9F, 16.0F, 23.0F}}) {
+        engine->setMinZoom(least);
+        engine->setMaxZoom(most);
+        EXPECT_EQ(engine->minZoom(), least);
+        other->setCameraWithRotation(0, 0, 30, false);
+        EXPECT_EQ(other->camera()->zoom(), reachedMost);
+        other->setCameraWithRotation(0, 0, 1, false);
+        EXPECT_EQ(other->camera()->zoom(), reachedLeast);
+    }
+    log->onWillMove = nullptr;
     step();
 }
 
@@ -108,8 +120,9 @@ TEST_F(CameraPath, anAnimationRunsTheShortWayInAFifthOfASecondAndThenReports) {
     EXPECT_NEAR(engine->camera()->zoom(), 17, 1e-5);
     step(0.1);
     EXPECT_NEAR(engine->camera()->zoom(), 17.5, 1e-3);
-    // Halfway between 170 and 190: 180, seen by the camera node as minus that.
-    EXPECT_NEAR(std::abs(lastFrame.camera.eulerAngles.z), 3.14159, 1e-3);
+    // Halfway between 170 and 190: 180, seen by the camera node as minus that. Plus 180 is nearly twice
+    // round.
+    EXPECT_NEAR(lastFrame.camera.eulerAngles.z, -3.14159, 1e-3);
     EXPECT_EQ(log->calls, Calls{"willMove"});
     step(0.1);
     step();

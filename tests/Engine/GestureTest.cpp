@@ -43,6 +43,14 @@ TEST_F(Gesture, whatWasUnderTheFingerStaysUnderItAfterAPan) {
         EXPECT_NEAR(onScreen(grabbed).x, 520.5, 0.5) << rotation;
         EXPECT_NEAR(onScreen(grabbed).y, 130.75, 0.5) << rotation;
     }
+    // Tilted, the ground beyond the middle is farther than it looks; to the first order of a short way, that
+    // is.
+    for (const double tilt : {30.0, 55.0}) {
+        engine->setCameraWithRotation(0, tilt, 17, false);
+        const CLLocationCoordinate2D grabbed = under({400, 300});
+        story().down(1, {400, 300}).move(1, {400.25, 312}).up(1);
+        EXPECT_NEAR(onScreen(grabbed).y, 312, 0.5) << tilt;
+    }
     finish();
 }
 

@@ -76,6 +76,18 @@ TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStore) {
     EXPECT_FALSE(CLLocationCoordinate2DIsValid(circle->presentedCoordinate()));
 }
 
+TEST_F(CircleNodeTest, withoutAPlaceItShowsNothingUntilItHasOne) {
+    circle->setCoordinate(kCLLocationCoordinate2DInvalid);
+    circle->setMap(engine);
+    circle->setRadius(7);
+    circle->updateCircleWithCoordinate(kCLLocationCoordinate2DInvalid, 30, true, 0);
+    step();
+    EXPECT_EQ(circle->scale(), (SCNVector3{0, 0, 0}));
+    EXPECT_TRUE(engine->sceneView()->hitTest({400, 300}, true).empty());
+    circle->setCoordinate(kHere);
+    EXPECT_NEAR(circle->scale().x, diameterOf(30), 0.01);
+}
+
 TEST_F(CircleNodeTest, badRadiiAndCentresShowNothingWrong) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     circle->setMap(engine);

@@ -94,6 +94,13 @@ TEST_F(MarkerNodeTest, anAssignedCoordinateIsReachedAfterTheCommonDuration) {
     marker->setCoordinate(kQuay);
     step(1.0);
     EXPECT_NEAR(marker->presentedCoordinate().longitude, (kQuay.longitude + kPier.longitude) / 2, 1e-9);
+    // A new place on the way: on from where it is, also in between.
+    marker->setCoordinate(kPier);
+    step(0);
+    EXPECT_NEAR(marker->presentedCoordinate().longitude, (kQuay.longitude + kPier.longitude) / 2, 1e-9);
+    step(1.0);
+    EXPECT_NEAR(marker->presentedCoordinate().longitude, kQuay.longitude * 0.25 + kPier.longitude * 0.75,
+                1e-9);
     TrelmixMapMarker::setMarkerAnimationDuration(kNan);
     marker->setCoordinate(kPier);
     step(0);
@@ -174,6 +181,8 @@ TEST_F(MarkerNodeTest, aMarkerThatNeverHadAPlaceShowsNothing) {
     show();
     const auto& corners = lastFrame.list->items.at(0)->corners;
     EXPECT_EQ(corners[0], corners[3]);
+    EXPECT_EQ(marker->scale(), (SCNVector3{0, 0, 0}));
+    EXPECT_TRUE(engine->sceneView()->hitTest({400, 300}, true).empty());
 }
 
 TEST_F(MarkerNodeTest, anIconSetAgainShowsOnceTheMapIsSetAgain) {

@@ -46,9 +46,11 @@ TEST_F(SideviewSetup, thePictureStartsFittedToTheWidth) {
         double viewWidth;
         int imageWidth;
         double zoom;
+        double screenWidth = 600;
     };
-    UIScreen::setMainScreenBounds({{0, 0}, {600, 400}});
-    for (const Case& c : {Case{375, 1500, 0.25}, Case{375, 300, 1.0}, Case{0, 1500, 0.4}}) {
+    for (const Case& c :
+         {Case{375, 1500, 0.25}, Case{375, 300, 1.0}, Case{0, 1500, 0.4}, Case{0, 1500, 1.0, 0}}) {
+        UIScreen::setMainScreenBounds({{0, 0}, {c.screenWidth, 400}});
         sideview = SideviewScrollView::make({{0, 0}, {c.viewWidth, 200}});
         sideview->setupSideviewWith(plainImage(c.imageWidth, 100, {9, 9, 9, 255}), goodLevels());
         EXPECT_EQ(sideview->scrollView()->minimumZoomScale(), c.zoom);
