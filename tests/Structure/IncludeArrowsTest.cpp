@@ -4,7 +4,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -157,6 +159,50 @@ TEST(Structure, programsAndExamplesUseThePublicHeadersOnlyAndTheWindowsAloneUseT
                 EXPECT_TRUE(file.find("apps/view/") != std::string::npos || file.ends_with("/window.cpp"))
                     << file;
             }
+        }
+    }
+}
+
+/// The names of the folders right below one.
+Names foldersIn(const std::string& folder) {
+    Names names;
+    for (const auto& entry : fs::directory_iterator(kRoot / folder)) {
+        if (entry.is_directory()) {
+            names.insert(entry.path().filename().string());
+        }
+    }
+    return names;
+}
+
+TEST(Structure, theDrawingOfTheHouseShowsEveryRoomAndNoOther) {
+    std::ifstream file(kRoot / "docs/architecture.md");
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    const std::size_t begin = page.find("```") + 3;
+    const std::string drawing = page.substr(begin, page.find("```", begin) - begin);
+    const std::regex place("(src|apps)/([A-Za-z]+)|\n {7}([A-Z][a-z]+) ");
+    Names drawn;
+    for (std::sregex_iterator match(drawing.begin(), drawing.end(), place), end; match != end; ++match) {
+        drawn.insert((*match)[3].matched ? "src/Platform/" + match->str(3)
+                                         : match->str(1) + "/" + match->str(2));
+    }
+    Names there;
+    for (const std::string parent : {"src", "src/Platform", "apps"}) {
+        for (const std::string& folder : foldersIn(parent)) {
+            there.insert(parent + "/" + folder);
+        }
+    }
+    EXPECT_EQ(drawn, there);
+    for (const std::string& part : foldersIn("apps/common")) {
+        EXPECT_NE(drawing.find(part), std::string::npos) << "apps/common/" << part;
+    }
+}
+
+TEST(Structure, everyRoomHasATestFolderOfItsName) {
+    // Math is tested by the numbers of Geo, and programs and hosts share what lies in support.
+    const Names untested{"Math", "Platform"};
+    for (const std::string parent : {"src", "src/Platform"}) {
+        for (const std::string& folder : foldersIn(parent)) {
+            EXPECT_TRUE(untested.contains(folder) || fs::exists(kRoot / "tests" / folder)) << folder;
         }
     }
 }
