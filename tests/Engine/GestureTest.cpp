@@ -79,6 +79,7 @@ TEST_F(Gesture, turningTwoFingersClockwiseTurnsThePictureClockwise) {
     EXPECT_NEAR(onScreen(east).x, 400, 1);
     EXPECT_NEAR(onScreen(east).y, 600, 1) << "what was right of the middle is now below it";
     EXPECT_NEAR(engine->camera()->rotation(), -90, 0.2);
+    EXPECT_EQ(log->count("willMove"), 0U) << "a gesture says that it is one";
     finish();
 }
 
@@ -88,6 +89,7 @@ TEST_F(Gesture, twoFingersUpTiltAndSidewaysScroll) {
     EXPECT_NEAR(engine->camera()->viewingAngle(), 20, 1e-3);
     told.move({{1, {300, 200}}, {2, {500, 200}}});
     EXPECT_NEAR(engine->camera()->viewingAngle(), 55, 1e-3);
+    EXPECT_EQ(log->count("willMove"), 0U);
     told.up(1).up(2);
     engine->setCameraWithRotation(0, 0, 17, false);
     const double before = engine->camera()->target().longitude;

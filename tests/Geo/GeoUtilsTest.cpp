@@ -55,20 +55,6 @@ TEST(MapPlane, coordinatesSurviveTheTripAtEveryZoom) {
     }
 }
 
-TEST(MapPlane, theScenesShortcutsGiveTheSameBits) {
-    std::mt19937_64 random(2);
-    std::uniform_real_distribution<double> latitude(-90, 90), longitude(-400, 400);
-    for (int i = 0; i < 10000; ++i) {
-        const Coordinate place{latitude(random), longitude(random)};
-        const WorldMapPoint point = GeoUtils::scenePoint(place);
-        ASSERT_EQ(point, GeoUtils::convertCoordinateToMap(place, ZOOMLEVEL_MAX));
-        // The camera's formulas state the product of the two factors as one number.
-        ASSERT_EQ(point.x, (place.lon * DEG_TO_RAD_CONST + pi) * 170891318.8941079);
-        ASSERT_EQ(GeoUtils::coordinateOfScenePoint(point).lat, GeoUtils::convertMapYToLat(point.y, 22));
-        ASSERT_EQ(GeoUtils::coordinateOfScenePoint(point).lon, GeoUtils::convertMapXToLong(point.x, 22));
-    }
-}
-
 TEST(MapPlane, longitudesOutsideTheWorldComeBackByStepsOf180) {
     EXPECT_EQ(GeoUtils::convertMapXToLong(512, 0), 180);
     EXPECT_EQ(longitudeFromRaw(-540), -180);

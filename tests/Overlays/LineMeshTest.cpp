@@ -47,24 +47,6 @@ TEST(LineMesh, aCornerIsMitered) {
     EXPECT_NEAR(moved[3].x, -1, 1e-5);
 }
 
-TEST(LineMesh, indicesAreAsWideAsTheyNeedToBe) {
-    for (const std::size_t count : {2U, 128U, 129U, 100000U}) {
-        std::vector<LineVector> points;
-        for (std::size_t i = 0; i < count; ++i) {
-            points.push_back({static_cast<float>(i), static_cast<float>(i % 2)});
-        }
-        const auto mesh = meshOf(points);
-        EXPECT_EQ(mesh->vertexCount(), 2 * count);
-        EXPECT_EQ(mesh->indexCount(), 6 * (count - 1));
-        EXPECT_EQ(mesh->indices.index(), count <= 128 ? 0U : 1U);
-        std::uint32_t highest = 0;
-        for (std::size_t i = 0; i < mesh->indexCount(); ++i) {
-            highest = std::max(highest, mesh->index(i));
-        }
-        EXPECT_EQ(highest, 2 * count - 1);
-    }
-}
-
 TEST(LineMesh, nothingThatPointsAreGivenAsMakesItSpike) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kInfinity = std::numeric_limits<float>::infinity();

@@ -80,6 +80,8 @@ TEST_F(PressStory, aRestingFingerBeginsAndThenMayMove) {
     EXPECT_EQ(longPress->locationInView(view), (CGPoint{200, 90}));
     story.wait(1);
     EXPECT_EQ(takeLog(), "") << "neither tap nor pan";
+    story.down(1, {50, 50}).down(2, {60, 50}).wait(1).up(1).up(2);
+    EXPECT_EQ(takeLog(), "") << "two fingers press nothing";
     EXPECT_TRUE(allAtRest());
 }
 
