@@ -11,6 +11,7 @@ the rate; exit code 1 below 90 %. With numbers only those faults are tried.
 import json
 import os
 import re
+import signal
 import subprocess
 import sys
 import time
@@ -60,43 +61,62 @@ def build():
 
 
 def allTests():
-    """The tests' names with the folder that each is in."""
+    """The tests by name, as ctest knows them."""
     shown = subprocess.run(['ctest', '--show-only=json-v1'], cwd=BUILD, check=True, capture_output=True, text=True)
     tests = {}
     for test in json.loads(shown.stdout)['tests']:
-        folder = next((p['value'] for p in test['properties'] if p['name'] == 'WORKING_DIRECTORY'), '')
+        values = {p['name']: p['value'] for p in test['properties']}
         if not LEFT_OUT.fullmatch(test['name']):
-            tests[test['name']] = folder.removeprefix(f'{BUILD}/tests/')
+            tests[test['name']] = Test(test['command'], values['WORKING_DIRECTORY'], values.get('ENVIRONMENT', []))
     return tests
 
 
-def runOnce(name, fault, limit):
-    """What failed, empty when nothing did."""
-    run = subprocess.run(
-        ['ctest', '-R', f'^{re.escape(name)}$', '--timeout', str(limit), '--output-on-failure'], cwd=BUILD,
-        env={**os.environ, 'TRELMIX_FAULT': str(fault), 'GTEST_FAIL_FAST': '1'}, capture_output=True, text=True,
-        errors='replace')
-    if run.returncode == 0:
-        return ''
-    failed = re.search(r'\[  FAILED  \] ([\w./]+)', run.stdout)
-    if failed:
-        return f'{name}: {failed[1]}'
-    last = re.findall(r'\[ RUN      \] ([\w./]+)', run.stdout)
-    how = 'took too long' if '***Timeout' in run.stdout else 'crashed or failed'
-    return f'{name}: {how}{" in " + last[-1] if last else ""}'
+class Test:
+    def __init__(self, command, folder, environment):
+        self.command, self.folder = command, folder
+        self.environment = dict(setting.split('=', 1) for setting in environment)
+        self.room = folder.removeprefix(f'{BUILD}/tests/')
+        self.seconds = 0
+
+    def run(self, fault, limit):
+        """Says what failed; empty when nothing did."""
+        process = subprocess.Popen(
+            self.command, cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+            errors='replace', start_new_session=True,
+            env={**os.environ, **self.environment, 'TRELMIX_FAULT': str(fault), 'GTEST_FAIL_FAST': '1'})
+        try:
+            told, _ = process.communicate(timeout=limit)
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            told, _ = process.communicate()
+            return f'took too long {lastOf(told)}'
+        if process.returncode == 0:
+            return ''
+        failed = re.search(r'\[  FAILED  \] ([\w./]+)', told)
+        return failed[1] if failed else f'crashed or failed {lastOf(told)}'
+
+    def fails(self, fault, limit):
+        """A busy machine must not pass for a fault: what fails has to fail twice."""
+        failure = self.run(fault, limit)
+        return failure if not failure or failure.startswith('took') else self.run(fault, limit)
 
 
-def runTest(name, fault, limit):
-    """A busy machine must not pass for a fault: what fails has to fail twice."""
-    failure = runOnce(name, fault, limit)
-    return failure if not failure or 'took too long' in failure else runOnce(name, fault, limit)
+def lastOf(told):
+    return 'in ' + (re.findall(r'\[ RUN      \] ([\w./]+)', told) or ['its beginning'])[-1]
 
 
-def orderFor(fault, tests, seconds):
+def orderFor(fault, tests):
     folder = str(Path(fault.path).parent).removeprefix('src/').removeprefix('Platform/')
     rooms = [folder, *NEXT.get(folder, [])]
-    return sorted(tests, key=lambda name: (rooms.index(tests[name]) if tests[name] in rooms else len(rooms),
-                                           seconds[name]))
+    return sorted(tests.items(), key=lambda entry: (
+        rooms.index(entry[1].room) if entry[1].room in rooms else len(rooms), entry[1].seconds))
+
+
+def catch(fault, tests):
+    for name, test in orderFor(fault, tests):
+        if failure := test.fails(fault.number, 20 + 10 * test.seconds):
+            return f'{name}: {failure}'
+    return ''
 
 
 def main():
@@ -106,23 +126,18 @@ def main():
     except seed.Stale as error:
         sys.exit(f'the list does not fit the tree any more:\n{error}')
     build()
-    tests, seconds = allTests(), {}
-    for name in tests:
+    tests = allTests()
+    for name, test in tests.items():
         started = time.monotonic()
-        failure = runTest(name, 0, 600)
-        seconds[name] = time.monotonic() - started
-        if failure:
-            sys.exit(f'{failure}: fails without a fault')
+        if failure := test.fails(0, 600):
+            sys.exit(f'{name}: {failure}: fails without a fault')
+        test.seconds = time.monotonic() - started
     chosen = [fault for fault in faults if len(sys.argv) == 1 or str(fault.number) in sys.argv[1:]]
     caught = 0
     for fault in chosen:
-        failure = ''
-        for name in orderFor(fault, tests, seconds):
-            failure = runTest(name, fault.number, 60 + round(10 * seconds[name]))
-            if failure:
-                break
-        caught += bool(failure)
-        print(f'{fault.number:3} {fault.path}, {fault.title.split(": ")[-1]}: {failure or "SURVIVED"}', flush=True)
+        by = catch(fault, tests)
+        caught += bool(by)
+        print(f'{fault.number:3} {fault.path}, {fault.title.split(": ")[-1]}: {by or "SURVIVED"}', flush=True)
     print(f'{caught} of {len(chosen)} caught ({100 * caught / max(1, len(chosen)):.0f} %)')
     return 0 if caught >= GOAL * len(chosen) else 1
 
