@@ -16,7 +16,8 @@
 namespace trelmix {
 
 /// Every engine and every overlay comes from here; each call makes a new one. Overlays are on no map yet: set
-/// `map` to show them. Main thread only.
+/// `map` to show them. Main thread only: elsewhere a call is reported as a fault, and what it makes can be
+/// used on the main thread alone.
 class TRELMIX_API TrelmixMapEngineFactory {
 public:
     /// An engine with an empty frame, fully set up; place its view and give it to a host.

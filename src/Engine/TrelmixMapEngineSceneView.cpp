@@ -29,6 +29,7 @@ void destroyOnMainThread(TrelmixMapEngineSceneView* engine) {
 
 std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::make(CGRect frame) {
     const SceneLock lock;
+    Thread::fixMainThread();
     auto engine =
         std::shared_ptr<TrelmixMapEngineSceneView>(new TrelmixMapEngineSceneView(frame), destroyOnMainThread);
     engine->setupSceneKit();
@@ -97,6 +98,16 @@ void TrelmixMapEngineSceneView::setupCamera() {
     _sceneView->setPointOfView(_cameraNode);
 }
 
+std::optional<UIColor> TrelmixMapEngineSceneView::backgroundColor() const {
+    const MainEntry entry{"backgroundColor"};
+    return entry ? UIView::backgroundColor() : std::nullopt;
+}
+
+std::shared_ptr<TrelmixMapProjection> TrelmixMapEngineSceneView::projection() const {
+    const MainEntry entry{"projection"};
+    return entry ? _cameraProjection : nullptr;
+}
+
 void TrelmixMapEngineSceneView::setBackgroundColor(std::optional<UIColor> color) {
     if (const MainEntry entry{"setBackgroundColor"}) {
         UIView::setBackgroundColor(color);
@@ -111,24 +122,68 @@ void TrelmixMapEngineSceneView::setDelegate(std::weak_ptr<TrelmixMapEngineDelega
 }
 
 std::shared_ptr<TrelmixMapEngineCamera> TrelmixMapEngineSceneView::camera() const {
-    const SceneLock lock;
-    if (!_cameraProjection) {
+    const MainEntry entry{"camera"};
+    if (!entry || !_cameraProjection) {
         return nullptr;
     }
     return std::make_shared<TrelmixMapEngineCamera>(_cameraProjection->cameraRecord());
 }
 
+void TrelmixMapEngineSceneView::setEnableRotationGesture(bool enable) {
+    if (const MainEntry entry{"setEnableRotationGesture"}) {
+        _enableRotationGesture = enable;
+    }
+}
+
+void TrelmixMapEngineSceneView::setEnableTiltGesture(bool enable) {
+    if (const MainEntry entry{"setEnableTiltGesture"}) {
+        _enableTiltGesture = enable;
+    }
+}
+
+void TrelmixMapEngineSceneView::setEnableZoomGesture(bool enable) {
+    if (const MainEntry entry{"setEnableZoomGesture"}) {
+        _enableZoomGesture = enable;
+    }
+}
+
+void TrelmixMapEngineSceneView::setEnableScrollGesture(bool enable) {
+    if (const MainEntry entry{"setEnableScrollGesture"}) {
+        _enableScrollGesture = enable;
+    }
+}
+
 void TrelmixMapEngineSceneView::setMaxZoom(float zoom) {
-    if (!std::isnan(zoom)) {
+    const MainEntry entry{"setMaxZoom"};
+    if (entry && !std::isnan(zoom)) {
         _maxZoom = zoom;
         ZoomLimits::setUserMax(zoom);
     }
 }
 
 void TrelmixMapEngineSceneView::setMinZoom(float zoom) {
-    if (!std::isnan(zoom)) {
+    const MainEntry entry{"setMinZoom"};
+    if (entry && !std::isnan(zoom)) {
         _minZoom = zoom;
         ZoomLimits::setUserMin(zoom);
+    }
+}
+
+void TrelmixMapEngineSceneView::setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) {
+    if (const MainEntry entry{"setCameraTargetBoundsNorthEast"}) {
+        _boundsNorthEast = corner;
+    }
+}
+
+void TrelmixMapEngineSceneView::setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) {
+    if (const MainEntry entry{"setCameraTargetBoundsSouthWest"}) {
+        _boundsSouthWest = corner;
+    }
+}
+
+void TrelmixMapEngineSceneView::setHitTestBoundingBoxOnly(bool boxOnly) {
+    if (const MainEntry entry{"setHitTestBoundingBoxOnly"}) {
+        _hitTestBoundingBoxOnly = boxOnly;
     }
 }
 

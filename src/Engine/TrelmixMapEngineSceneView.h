@@ -2,6 +2,7 @@
 
 #include "Camera/CameraProjection.h"
 #include "Geo/GeoTypes.h"
+#include "Platform/Foundation/MainEntry.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/SCNView.h"
 #include "Platform/View/UIGestureRecognizer.h"
@@ -41,37 +42,51 @@ public:
                                                                      CLLocationCoordinate2D southWest,
                                                                      CLLocationCoordinate2D northEast);
 
-    std::shared_ptr<UIView> view() override { return shared_from_this(); }
-    std::optional<UIColor> backgroundColor() const override { return UIView::backgroundColor(); }
+    std::shared_ptr<UIView> view() override {
+        return requireMainThread("view") ? shared_from_this() : nullptr;
+    }
+    std::optional<UIColor> backgroundColor() const override;
     void setBackgroundColor(std::optional<UIColor> color) override;
-    std::shared_ptr<TrelmixMapEngineDelegate> delegate() const override { return _delegate.lock(); }
+    std::shared_ptr<TrelmixMapEngineDelegate> delegate() const override {
+        return requireMainThread("delegate") ? _delegate.lock() : nullptr;
+    }
     void setDelegate(std::weak_ptr<TrelmixMapEngineDelegate> delegate) override;
-    std::shared_ptr<TrelmixMapProjection> projection() const override { return _cameraProjection; }
+    std::shared_ptr<TrelmixMapProjection> projection() const override;
     std::shared_ptr<TrelmixMapEngineCamera> camera() const override;
 
-    bool enableRotationGesture() const override { return _enableRotationGesture; }
-    void setEnableRotationGesture(bool enable) override { _enableRotationGesture = enable; }
-    bool enableTiltGesture() const override { return _enableTiltGesture; }
-    void setEnableTiltGesture(bool enable) override { _enableTiltGesture = enable; }
-    bool enableZoomGesture() const override { return _enableZoomGesture; }
-    void setEnableZoomGesture(bool enable) override { _enableZoomGesture = enable; }
-    bool enableScrollGesture() const override { return _enableScrollGesture; }
-    void setEnableScrollGesture(bool enable) override { _enableScrollGesture = enable; }
+    bool enableRotationGesture() const override {
+        return readOnMain("enableRotationGesture", _enableRotationGesture);
+    }
+    void setEnableRotationGesture(bool enable) override;
+    bool enableTiltGesture() const override { return readOnMain("enableTiltGesture", _enableTiltGesture); }
+    void setEnableTiltGesture(bool enable) override;
+    bool enableZoomGesture() const override { return readOnMain("enableZoomGesture", _enableZoomGesture); }
+    void setEnableZoomGesture(bool enable) override;
+    bool enableScrollGesture() const override {
+        return readOnMain("enableScrollGesture", _enableScrollGesture);
+    }
+    void setEnableScrollGesture(bool enable) override;
 
-    float maxZoom() const override { return _maxZoom; }
+    float maxZoom() const override { return readOnMain("maxZoom", _maxZoom); }
     void setMaxZoom(float zoom) override;
-    float minZoom() const override { return _minZoom; }
+    float minZoom() const override { return readOnMain("minZoom", _minZoom); }
     void setMinZoom(float zoom) override;
     float maxSupportedZoom() const override { return 23.0F; }
     float minSupportedZoom() const override { return 15.0F; }
 
-    CLLocationCoordinate2D cameraTargetBoundsNorthEast() const override { return _boundsNorthEast; }
-    void setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) override { _boundsNorthEast = corner; }
-    CLLocationCoordinate2D cameraTargetBoundsSouthWest() const override { return _boundsSouthWest; }
-    void setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) override { _boundsSouthWest = corner; }
+    CLLocationCoordinate2D cameraTargetBoundsNorthEast() const override {
+        return readOnMain("cameraTargetBoundsNorthEast", _boundsNorthEast, kCLLocationCoordinate2DInvalid);
+    }
+    void setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) override;
+    CLLocationCoordinate2D cameraTargetBoundsSouthWest() const override {
+        return readOnMain("cameraTargetBoundsSouthWest", _boundsSouthWest, kCLLocationCoordinate2DInvalid);
+    }
+    void setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) override;
 
-    bool hitTestBoundingBoxOnly() const override { return _hitTestBoundingBoxOnly; }
-    void setHitTestBoundingBoxOnly(bool boxOnly) override { _hitTestBoundingBoxOnly = boxOnly; }
+    bool hitTestBoundingBoxOnly() const override {
+        return readOnMain("hitTestBoundingBoxOnly", _hitTestBoundingBoxOnly);
+    }
+    void setHitTestBoundingBoxOnly(bool boxOnly) override;
 
     void initialiseWithTarget(CLLocationCoordinate2D target, float zoom) override;
     void setCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera, bool animated) override;
@@ -80,6 +95,7 @@ public:
     // For overlays and hosts, with the scene lock held.
     const std::shared_ptr<SCNView>& sceneView() const { return _sceneView; }
     const std::shared_ptr<SCNScene>& defaultScene() const { return _defaultScene; }
+    std::shared_ptr<TrelmixMapEngineDelegate> currentDelegate() const { return _delegate.lock(); }
     const std::shared_ptr<CameraProjection>& cameraProjection() const { return _cameraProjection; }
     bool hasInitialMapZoom() const { return _initialMapZoom.has_value(); }
     /// Does nothing when there is a projection. An invalid or polar coordinate puts the scene's origin at (0,

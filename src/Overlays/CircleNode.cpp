@@ -28,9 +28,9 @@ CircleNode::CircleNode() {
 }
 
 CLLocationCoordinate2D CircleNode::presentedCoordinate() const {
-    const SceneLock lock;
-    return cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
-                              : kCLLocationCoordinate2DInvalid;
+    const MainEntry entry{"presentedCoordinate"};
+    return entry && cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
+                                       : kCLLocationCoordinate2DInvalid;
 }
 
 void CircleNode::setCoordinate(CLLocationCoordinate2D coordinate) {

@@ -15,11 +15,13 @@ public:
     static std::shared_ptr<CircleNode> make();
 
     CLLocationCoordinate2D presentedCoordinate() const override;
-    CLLocationCoordinate2D coordinate() const override { return _coordinate; }
+    CLLocationCoordinate2D coordinate() const override {
+        return readOnMain("coordinate", _coordinate, kCLLocationCoordinate2DInvalid);
+    }
     void setCoordinate(CLLocationCoordinate2D coordinate) override;
-    double radius() const override { return _radius; }
+    double radius() const override { return readOnMain("radius", _radius); }
     void setRadius(double radius) override;
-    std::optional<UIColor> color() const override { return _color; }
+    std::optional<UIColor> color() const override { return readOnMain("color", _color); }
     void setColor(std::optional<UIColor> color) override;
     void updateCircleWithCoordinate(CLLocationCoordinate2D coordinate, double radius, bool animated,
                                     double duration) override;

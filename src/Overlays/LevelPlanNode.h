@@ -12,13 +12,19 @@ class LevelPlanNode final : public OverlayNode<TrelmixLevelPlanNode> {
 public:
     static std::shared_ptr<LevelPlanNode> make(Coordinate southWest, Coordinate northEast);
 
-    CLLocationCoordinate2D southWest() const override { return _southWest; }
+    CLLocationCoordinate2D southWest() const override {
+        return readOnMain("southWest", _southWest, kCLLocationCoordinate2DInvalid);
+    }
     void setSouthWest(CLLocationCoordinate2D corner) override;
-    CLLocationCoordinate2D northEast() const override { return _northEast; }
+    CLLocationCoordinate2D northEast() const override {
+        return readOnMain("northEast", _northEast, kCLLocationCoordinate2DInvalid);
+    }
     void setNorthEast(CLLocationCoordinate2D corner) override;
-    std::shared_ptr<const UIImage> levelPlanImage() const override { return _levelPlanImage; }
+    std::shared_ptr<const UIImage> levelPlanImage() const override {
+        return readOnMain("levelPlanImage", _levelPlanImage);
+    }
     void setLevelPlanImage(std::shared_ptr<const UIImage> image) override;
-    double levelPlanRotation() const override { return _levelPlanRotation; }
+    double levelPlanRotation() const override { return readOnMain("levelPlanRotation", _levelPlanRotation); }
     void setLevelPlanRotation(double degrees) override;
     std::string description() const override;
 

@@ -26,7 +26,9 @@ double shortestTurn(double goal, double current) {
 } // namespace
 
 void TrelmixMapMarker::setMarkerAnimationDuration(double seconds) {
-    kTMXEngineMarkerAnimationDuration = seconds > 0 ? seconds : 0.0;
+    if (requireMainThread("setMarkerAnimationDuration")) {
+        kTMXEngineMarkerAnimationDuration = seconds > 0 ? seconds : 0.0;
+    }
 }
 
 std::shared_ptr<MarkerNode> MarkerNode::make() {
@@ -41,9 +43,9 @@ MarkerNode::MarkerNode() {
 }
 
 CLLocationCoordinate2D MarkerNode::presentedCoordinate() const {
-    const SceneLock lock;
-    return cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
-                              : kCLLocationCoordinate2DInvalid;
+    const MainEntry entry{"presentedCoordinate"};
+    return entry && cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
+                                       : kCLLocationCoordinate2DInvalid;
 }
 
 void MarkerNode::setCoordinate(CLLocationCoordinate2D coordinate) {

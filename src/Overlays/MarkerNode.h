@@ -16,18 +16,22 @@ public:
     static std::shared_ptr<MarkerNode> make();
 
     CLLocationCoordinate2D presentedCoordinate() const override;
-    CLLocationCoordinate2D coordinate() const override { return _coordinate; }
+    CLLocationCoordinate2D coordinate() const override {
+        return readOnMain("coordinate", _coordinate, kCLLocationCoordinate2DInvalid);
+    }
     void setCoordinate(CLLocationCoordinate2D coordinate) override;
     void setCoordinate(CLLocationCoordinate2D coordinate, bool animated, double duration) override;
-    std::shared_ptr<const UIImage> markerIcon() const override { return _markerIcon; }
+    std::shared_ptr<const UIImage> markerIcon() const override {
+        return readOnMain("markerIcon", _markerIcon);
+    }
     void setMarkerIcon(std::shared_ptr<const UIImage> icon) override;
-    CGPoint groundAnchor() const override { return _groundAnchor; }
+    CGPoint groundAnchor() const override { return readOnMain("groundAnchor", _groundAnchor); }
     void setGroundAnchor(CGPoint anchor) override;
-    bool isFlat() const override { return _isFlat; }
+    bool isFlat() const override { return readOnMain("isFlat", _isFlat); }
     void setIsFlat(bool flat) override;
-    bool isDraggable() const override { return _isDraggable; }
+    bool isDraggable() const override { return readOnMain("isDraggable", _isDraggable); }
     void setIsDraggable(bool draggable) override;
-    double markerRotation() const override { return _markerRotation; }
+    double markerRotation() const override { return readOnMain("markerRotation", _markerRotation); }
     void setMarkerRotation(double degrees) override;
     void setRotation(double degrees, bool animated, double duration) override;
     std::string description() const override;

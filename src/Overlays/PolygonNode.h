@@ -12,9 +12,11 @@ class PolygonNode final : public OverlayNode<TrelmixMapPolygon> {
 public:
     static std::shared_ptr<PolygonNode> make();
 
-    std::optional<UIColor> color() const override { return _color; }
+    std::optional<UIColor> color() const override { return readOnMain("color", _color); }
     void setColor(std::optional<UIColor> color) override;
-    std::vector<CLLocation> polygonCorners() const override { return _polygonCorners; }
+    std::vector<CLLocation> polygonCorners() const override {
+        return readOnMain("polygonCorners", _polygonCorners);
+    }
     void setPolygonCorners(std::vector<CLLocation> corners) override;
     std::string description() const override;
 

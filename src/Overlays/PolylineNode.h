@@ -15,11 +15,13 @@ class PolylineNode final : public OverlayNode<TrelmixMapPolyline> {
 public:
     static std::shared_ptr<PolylineNode> make();
 
-    UIColor color() const override { return _color; }
+    UIColor color() const override { return readOnMain("color", _color); }
     void setColor(UIColor color) override;
-    float width() const override { return _width; }
+    float width() const override { return readOnMain("width", _width); }
     void setWidth(float width) override;
-    std::vector<CLLocation> polylineVertices() const override { return _polylineVertices; }
+    std::vector<CLLocation> polylineVertices() const override {
+        return readOnMain("polylineVertices", _polylineVertices);
+    }
     void setPolylineVertices(std::vector<CLLocation> vertices) override;
     std::string description() const override;
 

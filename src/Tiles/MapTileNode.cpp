@@ -43,8 +43,7 @@ void MapTileNode::setSynchronousLayer(bool synchronous) {
 }
 
 bool MapTileNode::imageUrlLayer() const {
-    const SceneLock lock;
-    return _imageUrlLayer;
+    return readOnMain("imageUrlLayer", _imageUrlLayer);
 }
 
 void MapTileNode::setImageUrlLayer(bool isUrlLayer) {
@@ -54,8 +53,7 @@ void MapTileNode::setImageUrlLayer(bool isUrlLayer) {
 }
 
 MapTileNode::ImageUrlConstructor MapTileNode::imageUrlConstructor() const {
-    const SceneLock lock;
-    return _imageUrlConstructor;
+    return readOnMain("imageUrlConstructor", _imageUrlConstructor);
 }
 
 void MapTileNode::setImageUrlConstructor(ImageUrlConstructor constructor) {
@@ -67,8 +65,8 @@ void MapTileNode::setImageUrlConstructor(ImageUrlConstructor constructor) {
 }
 
 std::optional<std::size_t> MapTileNode::imageCacheLimit() const {
-    const SceneLock lock;
-    return _mapTileImages.limit();
+    const MainEntry entry{"imageCacheLimit"};
+    return entry ? _mapTileImages.limit() : std::nullopt;
 }
 
 void MapTileNode::setImageCacheLimit(std::optional<std::size_t> bytes) {
@@ -105,13 +103,19 @@ void MapTileNode::setOpacity(double opacity) {
 }
 
 std::size_t MapTileNode::wantedTileCount() const {
-    const SceneLock lock;
+    const MainEntry entry{"wantedTileCount"};
+    if (!entry) {
+        return 0;
+    }
     const auto level = _mapTiles.find(roundedZoom(_lastTileCheckZoom));
     return level == _mapTiles.end() ? 0 : level->second.size();
 }
 
 std::size_t MapTileNode::answeredTileCount() const {
-    const SceneLock lock;
+    const MainEntry entry{"answeredTileCount"};
+    if (!entry) {
+        return 0;
+    }
     const auto level = _mapTiles.find(roundedZoom(_lastTileCheckZoom));
     if (level == _mapTiles.end()) {
         return 0;

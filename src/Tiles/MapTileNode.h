@@ -26,7 +26,7 @@ public:
     static std::shared_ptr<MapTileNode> make();
     ~MapTileNode() override;
 
-    bool synchronousLayer() const override { return _synchronousLayer; }
+    bool synchronousLayer() const override { return readOnMain("synchronousLayer", _synchronousLayer); }
     void setSynchronousLayer(bool synchronous) override;
     bool imageUrlLayer() const override;
     void setImageUrlLayer(bool isUrlLayer) override;
@@ -71,6 +71,7 @@ private:
     bool loadsFromUrls() const { return _imageUrlLayer && _imageUrlConstructor; }
     void trimImageCache();
     std::shared_ptr<SingleMapTileNode> shownTile(const TileKey& key) const;
+    std::shared_ptr<TrelmixMapEngineDelegate> delegateOfEngine() const;
     void askDelegateAtOnce(const TileKey& key);
     void askDelegate(const TileKey& key);
 

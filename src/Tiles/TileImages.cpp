@@ -1,5 +1,6 @@
 // Where a tile layer's images come from and how answers are kept.
 
+#include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/Thread.h"
 #include "Tiles/MapTileNode.h"
@@ -32,21 +33,23 @@ void MapTileNode::requestTileImage(SingleMapTileNode& node) {
     }
 }
 
+std::shared_ptr<TrelmixMapEngineDelegate> MapTileNode::delegateOfEngine() const {
+    const auto engine = std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(attachedMap());
+    return engine ? engine->currentDelegate() : nullptr;
+}
+
 void MapTileNode::askDelegate(const TileKey& key) {
-    const auto map = attachedMap();
-    const auto delegate = map ? map->delegate() : nullptr;
-    if (delegate) {
+    if (const auto delegate = delegateOfEngine()) {
         callOut([&, layer = self()] { delegate->tileRequestedForX(key.x, key.y, key.zoom, layer); });
     }
 }
 
 void MapTileNode::askDelegateAtOnce(const TileKey& key) {
-    const auto map = attachedMap();
-    if (!map) {
+    if (!attachedMap()) {
         return;
     }
     std::shared_ptr<const UIImage> image;
-    if (const auto delegate = map->delegate()) {
+    if (const auto delegate = delegateOfEngine()) {
         image = callOut([&] { return delegate->tileForX(key.x, key.y, key.zoom); });
     }
     provideOnMainThread(key, std::move(image), true);

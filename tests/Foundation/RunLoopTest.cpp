@@ -20,7 +20,7 @@ std::atomic<int> faultCount{0};
 class RunLoopTest : public testing::Test {
 protected:
     void SetUp() override {
-        Thread::becomeMainThread();
+        Thread::resetMainThread();
         RunLoop::main().reset();
         Clock::reset();
         Clock::set(2000);
@@ -160,6 +160,27 @@ TEST_F(RunLoopTest, nestedPumpsAndPumpsOnOtherThreadsDoNothing) {
     EXPECT_EQ(faultCount, 1);
     RunLoop::main().pump();
     EXPECT_EQ(story, "nb");
+}
+
+TEST_F(RunLoopTest, theMainThreadIsChosenOnceAndNotAfterAnEngine) {
+    const auto isChosenElsewhere = [] {
+        bool isChosen = false;
+        std::thread([&] { isChosen = chooseMainThread() && isMainThread(); }).join();
+        return isChosen;
+    };
+    EXPECT_TRUE(isChosenElsewhere());
+    EXPECT_FALSE(isMainThread());
+    EXPECT_FALSE(chooseMainThread()) << "another has chosen";
+    EXPECT_FALSE(RunLoop::main().pump());
+    EXPECT_EQ(faultCount, 1);
+    Thread::resetMainThread();
+    Thread::fixMainThread();
+    EXPECT_FALSE(isChosenElsewhere());
+    EXPECT_TRUE(chooseMainThread()) << "it is already";
+    setCallerFaultHandler([](const char*) { throw 1; });
+    EXPECT_FALSE(isChosenElsewhere());
+    std::thread([] { RunLoop::main().pump(); }).join();
+    Thread::resetMainThread();
 }
 
 TEST_F(RunLoopTest, aResetInsideABlockDropsTheRestOfThePass) {

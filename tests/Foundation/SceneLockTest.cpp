@@ -49,18 +49,5 @@ TEST(SceneLock, keepsThreadsApart) {
     EXPECT_FALSE(SceneLock::isHeldHere());
 }
 
-#ifndef NDEBUG
-TEST(SceneLock, debugBuildsReportAnApplicationCallUnderTheLock) {
-    setCallerFaultHandler([](const char*) { ++faultCount; });
-    faultCount = 0;
-    const SceneLock lock;
-    callOut([] {});
-    EXPECT_EQ(faultCount, 0);
-    SceneLock::requireReleased("test");
-    EXPECT_EQ(faultCount, 1);
-    setCallerFaultHandler(nullptr);
-}
-#endif
-
 } // namespace
 } // namespace trelmix

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <string>
 
 namespace trelmix {
 namespace {
@@ -23,14 +24,18 @@ void setCallerFaultHandler(CallerFaultHandler handler) {
 }
 
 void reportCallerFault(const char* what) {
-    currentHandler.load()(what);
+    try {
+        currentHandler.load()(what);
+    } catch (...) {
+        // Some faults are told while an exception is under way, or on a thread that it would end.
+    }
 }
 
 bool requireMainThread(const char* what) {
     if (Thread::isMainThread()) {
         return true;
     }
-    reportCallerFault(what);
+    reportCallerFault((std::string(what) + " was called on a thread that is not the main one").c_str());
     return false;
 }
 

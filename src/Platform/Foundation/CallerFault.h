@@ -1,19 +1,16 @@
 #pragma once
 
+#include <Trelmix/Platform/MainThread.h>
+
 #include <type_traits>
 #include <utility>
 
 namespace trelmix {
 
-/// What is told of a caller's bug: a call from the wrong thread, for one. The call itself is then ignored.
-using CallerFaultHandler = void (*)(const char* what);
-
-/// Replaces the handler; null brings back the built-in one (prints in debug builds, silent in release). Any
-/// thread.
-void setCallerFaultHandler(CallerFaultHandler handler);
+/// Tells the handler of a caller's mistake.
 void reportCallerFault(const char* what);
 
-/// True on the main thread; elsewhere reports `what` as a fault and answers false.
+/// True on the main thread; elsewhere reports the call `what` as a fault and answers false.
 bool requireMainThread(const char* what);
 
 /// Runs code that may be the application's. What it throws is reported as the fault `what`, goes no further,

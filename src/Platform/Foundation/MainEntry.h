@@ -22,4 +22,12 @@ private:
     std::optional<SceneLock> _lock;
 };
 
+/// What a public question answers: the value, read under the lock; on another thread, where the question is
+/// the caller's bug, `otherwise`.
+template <class T>
+T readOnMain(const char* what, const T& value, T otherwise = T()) {
+    const MainEntry entry(what);
+    return entry ? value : otherwise;
+}
+
 } // namespace trelmix

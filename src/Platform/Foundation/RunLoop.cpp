@@ -191,8 +191,7 @@ RunLoop& RunLoop::main() {
 bool RunLoop::pump() {
     Loop& main = loop();
     // Only the main thread comes past the first test, so the flag needs no lock.
-    if (!requireMainThread("the run loop was pumped from another thread than the main one") ||
-        main.isPumping) {
+    if (!requireMainThread("RunLoop::pump") || main.isPumping) {
         return false;
     }
     main.isPumping = true;
@@ -208,7 +207,7 @@ void RunLoop::drain(int passes) {
 }
 
 void RunLoop::wait(double seconds) {
-    if (!requireMainThread("the run loop was waited for on another thread than the main one")) {
+    if (!requireMainThread("RunLoop::wait")) {
         return;
     }
     using Steady = std::chrono::steady_clock;

@@ -1,7 +1,5 @@
 #include "Platform/Foundation/SceneLock.h"
 
-#include "Platform/Foundation/CallerFault.h"
-
 #include <mutex>
 
 namespace trelmix {
@@ -29,14 +27,6 @@ SceneLock::~SceneLock() {
 
 bool SceneLock::isHeldHere() {
     return levelsHeldHere > 0;
-}
-
-void SceneLock::requireReleased([[maybe_unused]] const char* what) {
-#ifndef NDEBUG
-    if (isHeldHere()) {
-        reportCallerFault(what);
-    }
-#endif
 }
 
 SceneLock::Release::Release() : _levels(levelsHeldHere) {

@@ -19,9 +19,6 @@ public:
 
     /// True when the calling thread holds the lock.
     static bool isHeldHere();
-    /// Debug builds: reports a fault when the calling thread holds the lock. To be called where the
-    /// application is called by another way than `callOut`. Release builds: nothing.
-    static void requireReleased(const char* what);
 
     /// Releases every level that this thread holds for as long as it lives.
     class Release {
@@ -41,7 +38,6 @@ public:
 template <class F>
 std::invoke_result_t<F> callOut(F&& call) {
     const SceneLock::Release release;
-    SceneLock::requireReleased("the application was called with the scene lock held");
     return guarded("the application threw an exception into a call of the engine's", std::forward<F>(call));
 }
 

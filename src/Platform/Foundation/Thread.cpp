@@ -6,22 +6,43 @@
 namespace trelmix {
 namespace {
 
-std::atomic<std::thread::id>& mainThread() {
-    static std::atomic<std::thread::id> id{std::this_thread::get_id()};
-    return id;
+struct MainThread {
+    std::atomic<std::thread::id> id{std::this_thread::get_id()};
+    std::atomic<bool> isFixed = false;
+};
+
+MainThread& mainThread() {
+    static MainThread thread;
+    return thread;
 }
 
 // Takes the id while the library is loaded, not at the first question, which may come from any thread.
-[[maybe_unused]] const std::atomic<std::thread::id>& takenAtLoad = mainThread();
+[[maybe_unused]] const MainThread& takenAtLoad = mainThread();
 
 } // namespace
 
 bool Thread::isMainThread() {
-    return mainThread().load(std::memory_order_relaxed) == std::this_thread::get_id();
+    return mainThread().id.load(std::memory_order_relaxed) == std::this_thread::get_id();
 }
 
-void Thread::becomeMainThread() {
-    mainThread().store(std::this_thread::get_id(), std::memory_order_relaxed);
+void Thread::fixMainThread() {
+    mainThread().isFixed = true;
+}
+
+void Thread::resetMainThread() {
+    mainThread().id = std::this_thread::get_id();
+    mainThread().isFixed = false;
+}
+
+bool isMainThread() {
+    return Thread::isMainThread();
+}
+
+bool chooseMainThread() {
+    if (!mainThread().isFixed.exchange(true)) {
+        mainThread().id = std::this_thread::get_id();
+    }
+    return Thread::isMainThread();
 }
 
 } // namespace trelmix
