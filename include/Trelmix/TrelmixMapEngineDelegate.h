@@ -18,8 +18,9 @@ class TrelmixMapTileLayer;
 /// Receiver of an engine's callbacks. Override what you need; the rest does nothing.
 ///
 /// The engine does not own its delegate and forgets it when it is gone. All calls but the two for tiles come
-/// on the main thread; inside them the application may do anything, also destroy the engine. What it throws
-/// is reported as a fault and goes no further.
+/// on the main thread; inside them the application may do anything, also destroy the engine and its host. On
+/// the drawing thread, where the tile calls may come, it may call what is allowed on any thread, and let go
+/// of whatever it holds. What it throws is reported as a fault and goes no further.
 class TRELMIX_API TrelmixMapEngineDelegate {
 public:
     virtual ~TrelmixMapEngineDelegate();

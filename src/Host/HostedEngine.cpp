@@ -1,6 +1,7 @@
 #include "Host/HostedEngine.h"
 
 #include "Platform/Foundation/SceneLock.h"
+#include "Platform/Foundation/Thread.h"
 
 #include <cmath>
 #include <utility>
@@ -8,6 +9,10 @@
 namespace trelmix {
 
 Result<HostedEngine> HostedEngine::adopt(std::shared_ptr<TrelmixMapEngine> engine) {
+    if (!Thread::isMainThread()) {
+        return Result<HostedEngine>::failure(
+            "a host must be made on the main thread; chooseMainThread makes another thread that one");
+    }
     auto own = std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(std::move(engine));
     if (!own) {
         return Result<HostedEngine>::failure("the host needs an engine made by TrelmixMapEngineFactory");

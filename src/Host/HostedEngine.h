@@ -14,7 +14,7 @@ public:
     /// Largest side of a view in pixels.
     static constexpr double kLargestSide = 16384;
 
-    /// Fails when there is no engine, or one of a foreign kind.
+    /// Fails when there is no engine, or one of a foreign kind, and on another thread than the main one.
     static Result<HostedEngine> adopt(std::shared_ptr<TrelmixMapEngine> engine);
 
     /// Points, and pixels per point. Empty when it went well, else why it did not: a size that is not finite,
@@ -22,6 +22,7 @@ public:
     std::string resize(double width, double height, double scale);
 
     TrelmixMapEngineSceneView& engine() const { return *_engine; }
+    /// Calls the application, which may destroy whoever holds this.
     DrawFrame nextFrame(double time) const { return _engine->sceneView()->nextFrame(time); }
     int pixelWidth() const { return _pixelWidth; }
     int pixelHeight() const { return _pixelHeight; }

@@ -1,6 +1,7 @@
 #include <Trelmix/Host/OffscreenHost.h>
 
 #include "Host/HostedEngine.h"
+#include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Render/GLContext.h"
@@ -30,14 +31,21 @@ public:
     }
 
     bool resize(double width, double height, double scale) override {
-        return _engine.resize(width, height, scale).empty();
+        return requireMainThread("OffscreenHost::resize") && _engine.resize(width, height, scale).empty();
     }
 
     void step(double seconds) override {
+        if (!requireMainThread("OffscreenHost::step")) {
+            return;
+        }
         Clock::set(Clock::now() + (seconds > 0 && std::isfinite(seconds) ? seconds : 0.0));
+        const std::weak_ptr<const bool> life = _life;
+        DrawFrame frame = _engine.nextFrame(Clock::now());
+        if (life.expired()) {
+            return; // the application has destroyed this host
+        }
         const bool isFirst = !_last;
-        _last = Step{_engine.nextFrame(Clock::now()), _engine.pixelWidth(), _engine.pixelHeight(),
-                     _engine.scale()};
+        _last = Step{std::move(frame), _engine.pixelWidth(), _engine.pixelHeight(), _engine.scale()};
         if (isFirst) {
             // So that the driver makes its shaders and its surfaces while the first tiles are on their way.
             const CurrentContextKeeper keeper;
@@ -50,6 +58,9 @@ public:
     void wait(double seconds) override { RunLoop::main().wait(seconds); }
 
     ImageResult image() override {
+        if (!requireMainThread("OffscreenHost::image")) {
+            return ImageResult::failure("a picture is made on the main thread");
+        }
         if (!_last) {
             return ImageResult::failure("no frame has been made yet");
         }
@@ -75,6 +86,8 @@ private:
         double scale = 1;
     };
 
+    /// Ends with this host.
+    std::shared_ptr<const bool> _life = std::make_shared<const bool>(true);
     HostedEngine _engine;
     std::unique_ptr<GLContext> _context;
     std::unique_ptr<Renderer> _renderer;

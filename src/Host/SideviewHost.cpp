@@ -101,6 +101,10 @@ SideviewHost::~SideviewHost() = default;
 Result<std::unique_ptr<SideviewHost>> SideviewHost::make(std::shared_ptr<TMXSideviewScrollView> sideview,
                                                          double width, double height, double scale) {
     using Made = Result<std::unique_ptr<SideviewHost>>;
+    if (!isMainThread()) {
+        return Made::failure("a host must be made on the main thread; chooseMainThread makes another thread "
+                             "that one");
+    }
     auto own = std::dynamic_pointer_cast<SideviewScrollView>(std::move(sideview));
     if (!own || own->superview()) {
         return Made::failure("the host needs a side view made by TMXSideviewScrollView that lies in no "

@@ -1,6 +1,7 @@
 #include <Trelmix/Host/ViewHost.h>
 
 #include "Host/HostedEngine.h"
+#include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/SceneLock.h"
@@ -41,7 +42,9 @@ public:
         }
     }
 
-    bool setLayout(Layout layout) override { return place(layout).empty(); }
+    bool setLayout(Layout layout) override {
+        return requireMainThread("ViewHost::setLayout") && place(layout).empty();
+    }
 
     /// Why the layout is out of range; empty when it was taken.
     std::string place(const Layout& layout) {
@@ -72,6 +75,9 @@ public:
     }
 
     void touchMoved(std::int64_t identifier, CGPoint point, double time) override {
+        if (!requireMainThread("ViewHost::touchMoved")) {
+            return;
+        }
         std::vector<Touch> before;
         if (std::any_of(_moves.begin(), _moves.end(),
                         [identifier](const Touch& move) { return move.identifier == identifier; })) {
@@ -92,6 +98,9 @@ public:
     }
 
     void cancelTouches() override {
+        if (!requireMainThread("ViewHost::cancelTouches")) {
+            return;
+        }
         _moves.clear();
         _touches.cancelAll();
     }
@@ -105,7 +114,7 @@ public:
     }
 
     bool pump() override {
-        if (!_moves.empty()) {
+        if (isMainThread() && !_moves.empty()) {
             const std::vector<Touch> moves = std::exchange(_moves, {});
             _touches.handle(moves);
         }
@@ -119,8 +128,12 @@ public:
         bool changed = always;
         {
             const SceneLock lock;
-            layout = _layout;
+            const std::weak_ptr<const bool> life = _life;
             frame = _engine.nextFrame(Clock::now());
+            if (life.expired()) {
+                return Drawing::unchanged; // the application has destroyed this host
+            }
+            layout = _layout;
             changed = std::exchange(_layoutChanged, false) || changed;
         }
         std::vector<OverlayImage> overlays;
@@ -163,6 +176,9 @@ public:
 private:
     /// Fingers that move together are one event: fed one by one, the first of them would look like a turn.
     void deliver(const Touch& touch) {
+        if (!requireMainThread("ViewHost::touchBegan, touchEnded or touchCancelled")) {
+            return;
+        }
         std::vector<Touch> touches = std::exchange(_moves, {});
         touches.push_back(touch);
         _touches.handle(touches);
@@ -224,6 +240,8 @@ private:
         return true;
     }
 
+    /// Ends with this host.
+    std::shared_ptr<const bool> _life = std::make_shared<const bool>(true);
     HostedEngine _engine;
     Options _options;
     TouchDispatcher _touches;

@@ -31,8 +31,8 @@ public:
         int maximumTextureSize = 0;
     };
 
-    /// Fails when the engine is empty or of a foreign kind, when a size is out of range, and when there is no
-    /// OpenGL ES driver (`isDriverMissing` of the reason then is true).
+    /// Fails on another thread than the main one, when the engine is empty or of a foreign kind, when a size
+    /// is out of range, and when there is no OpenGL ES driver (`isDriverMissing` of the reason then is true).
     static Result<std::unique_ptr<OffscreenHost>> make(std::shared_ptr<TrelmixMapEngine> engine,
                                                        Options options);
     /// Whether a reason given by `make` means that no driver could be started.

@@ -15,8 +15,10 @@ class ViewHost;
 /// A thread that owns the window's context: it draws a ViewHost's frames, at most sixty a second, and
 /// presents those in which something has changed. Between them it makes no OpenGL call.
 ///
-/// Started and destroyed on the main thread, which meanwhile pumps the host. Never start or destroy one
-/// inside a call that this thread makes.
+/// Started and destroyed on the main thread, which meanwhile pumps the host. Before the start the thread that
+/// made the context must release it: a context is current on one thread only. Destroyed inside a call that
+/// the drawing thread itself makes (a tile question), it ends with the frame under way without being waited
+/// for.
 class TRELMIX_API RenderThread {
 public:
     /// What the window system offers; all called on the new thread.
@@ -29,7 +31,8 @@ public:
         std::function<void()> release;
     };
 
-    /// The host is shared with the thread; a missing host or function makes a thread that ends at once.
+    /// The host is shared with the thread; a missing host or function makes a thread that ends at once, and
+    /// so does a start on another thread than the main one.
     static std::unique_ptr<RenderThread> start(std::shared_ptr<ViewHost> host, Surface surface);
     /// Waits for the frame under way; nothing is called after it.
     virtual ~RenderThread();
@@ -37,13 +40,14 @@ public:
     /// Frames for which the overlays were updated, and those of them that were presented. Any thread.
     virtual std::uint64_t updateCount() const = 0;
     virtual std::uint64_t presentCount() const = 0;
-    /// Waits until that many updates have been made since the start; false when the thread has ended before.
+    /// Waits until that many updates have been made since the start; false when the thread has ended before,
+    /// and at once when called on the drawing thread.
     virtual bool waitForUpdates(std::uint64_t count) = 0;
     /// Has the next frame drawn and presented whether or not something changed (an uncovered window). Any
     /// thread.
     virtual void setNeedsDisplay() = 0;
     /// Runs `job` on the drawing thread before the next frame, with the context current, and waits for it.
-    /// False when the thread has ended. Main thread, outside callbacks.
+    /// False when the thread has ended. What it throws is reported as a fault. Main thread.
     virtual bool runBetweenFrames(std::function<void()> job) = 0;
 };
 

@@ -22,8 +22,8 @@ public:
     enum class Phase { began, moved, ended, cancelled };
 
     /// Sizes in points, `scale` pixels per point. Make it before the side view is set up, so that the picture
-    /// is fitted to this width. Fails when the side view is empty or of a foreign kind, and when a size is
-    /// out of range (1 to 16384 pixels a side).
+    /// is fitted to this width. Fails on another thread than the main one, when the side view is empty or of
+    /// a foreign kind, and when a size is out of range (1 to 16384 pixels a side).
     static Result<std::unique_ptr<SideviewHost>> make(std::shared_ptr<TMXSideviewScrollView> sideview,
                                                       double width, double height, double scale = 1);
     virtual ~SideviewHost();

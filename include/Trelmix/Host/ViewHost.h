@@ -53,7 +53,8 @@ public:
         failed
     };
 
-    /// Fails when the engine is empty or of a foreign kind, and when the layout is out of range.
+    /// Fails on another thread than the main one, when the engine is empty or of a foreign kind, and when the
+    /// layout is out of range.
     static Result<std::unique_ptr<ViewHost>> make(std::shared_ptr<TrelmixMapEngine> engine, Layout layout,
                                                   Options options);
     /// Destroy it with the context current, or after the context is gone.
