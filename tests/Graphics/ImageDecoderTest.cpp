@@ -122,7 +122,8 @@ TEST(ImageDecoder, inksBecomeTheColoursTheyLeave) {
     }
     const FileBytes marked = inkJpegFile(16, 16, inks);
     const std::string mark = "Adobe";
-    const auto found = std::ranges::search(marked, std::as_bytes(std::span(mark))).begin();
+    const auto bytes = std::as_bytes(std::span(mark));
+    const auto found = std::search(marked.begin(), marked.end(), bytes.begin(), bytes.end());
     ASSERT_NE(found, marked.end());
     const auto at = static_cast<std::size_t>(found - marked.begin());
     // The mark's last byte says that cyan, magenta and yellow are stored as brightness and two differences;

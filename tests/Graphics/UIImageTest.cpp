@@ -101,14 +101,14 @@ TEST(UIImage, everyPremultipliedPixelSurvivesThePngFile) {
     const auto image = UIImage::withPixels(256, 256, all);
     const auto back = UIImage::withData(image->pngData());
     ASSERT_TRUE(back);
-    EXPECT_TRUE(std::ranges::equal(back->pixels(), all));
+    EXPECT_EQ(Samples(back->pixels().begin(), back->pixels().end()), all);
     EXPECT_FALSE(back->isOpaque());
 
     Samples opaque(33 * 7 * 4, 255);
     opaque[5] = 17;
     const auto opaqueBack = UIImage::withData(UIImage::withPixels(33, 7, opaque)->pngData());
     ASSERT_TRUE(opaqueBack);
-    EXPECT_TRUE(std::ranges::equal(opaqueBack->pixels(), opaque));
+    EXPECT_EQ(Samples(opaqueBack->pixels().begin(), opaqueBack->pixels().end()), opaque);
     EXPECT_TRUE(opaqueBack->isOpaque());
 }
 

@@ -11,8 +11,8 @@ TEST_F(RenderTest, slantedEdgesHaveGreysWithSamplesAndNoneWithout) {
         auto item = imageItem(plainImage(4, 4, {0, 0, 0, 255}), {}, 1, true);
         const Matrix4d turned = Matrix4d::rotation({0, 0, 0.3});
         const auto corners = ground(-30, -30, 30, 30);
-        std::ranges::transform(corners, item->corners.begin(),
-                               [&](Vector3d p) { return turned.transformPoint(p); });
+        std::transform(corners.begin(), corners.end(), item->corners.begin(),
+                       [&](Vector3d p) { return turned.transformPoint(p); });
         return item;
     }();
     const auto greys = [&](int samples) {
