@@ -4,6 +4,7 @@
 
 #include <Trelmix/Platform/CGGeometry.h>
 #include <Trelmix/Platform/CLLocation.h>
+#include <Trelmix/Platform/UIColor.h>
 #include <Trelmix/Platform/UIImage.h>
 #include <Trelmix/TrelmixMapOverlay.h>
 
@@ -36,6 +37,11 @@ public:
     virtual std::shared_ptr<const UIImage> markerIcon() const = 0;
     /// Empty takes the marker out of the scene until `map` is set again.
     virtual void setMarkerIcon(std::shared_ptr<const UIImage> icon) = 0;
+    /// The icon's colours are multiplied by it: a white icon takes it, black stays black, and its alpha fades
+    /// the whole. Opaque white, which changes nothing, unless set. Markers of one icon share its memory,
+    /// whatever their tints. Components are limited to 0 to 1.
+    virtual UIColor tint() const = 0;
+    virtual void setTint(UIColor tint) = 0;
     /// The point of the icon that sits on the coordinate, in fractions of its width and height from the top
     /// left; (0.5, 0.5) unless set. Values that are not finite are ignored.
     virtual CGPoint groundAnchor() const = 0;

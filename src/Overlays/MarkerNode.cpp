@@ -104,6 +104,17 @@ void MarkerNode::setMarkerIcon(std::shared_ptr<const UIImage> icon) {
     removeFromParentNode();
 }
 
+void MarkerNode::setTint(UIColor tint) {
+    const MainEntry entry{"setTint"};
+    if (!entry || tint.limited() == _tint) {
+        return;
+    }
+    _tint = tint.limited();
+    if (_markerIcon) {
+        prepareMarkerIcon();
+    }
+}
+
 void MarkerNode::setGroundAnchor(CGPoint anchor) {
     const MainEntry entry{"setGroundAnchor"};
     if (!entry || !std::isfinite(anchor.x) || !std::isfinite(anchor.y) || anchor == _groundAnchor) {
@@ -140,6 +151,7 @@ void MarkerNode::prepareMarkerIcon() {
     // It keeps its size on screen: levels of detail would only blur it.
     material->diffuseUsesLevels = false;
     material->diffuse = _markerIcon;
+    material->multiply = _tint;
     auto plane = std::make_shared<SCNPlane>(size.width, size.height);
     plane->setMaterials({std::move(material)});
     setPivot({(static_cast<float>(_groundAnchor.x) - 0.5F) * width,

@@ -25,6 +25,8 @@ public:
         return readOnMain("markerIcon", _markerIcon);
     }
     void setMarkerIcon(std::shared_ptr<const UIImage> icon) override;
+    UIColor tint() const override { return readOnMain("tint", _tint); }
+    void setTint(UIColor tint) override;
     CGPoint groundAnchor() const override { return readOnMain("groundAnchor", _groundAnchor); }
     void setGroundAnchor(CGPoint anchor) override;
     bool isFlat() const override { return readOnMain("isFlat", _isFlat); }
@@ -81,6 +83,7 @@ private:
     /// Counts animated rotations: an older one's end must not pass for a newer one's.
     std::uint64_t _rotationNumber = 0;
     std::shared_ptr<const UIImage> _markerIcon;
+    UIColor _tint = UIColor::whiteColor();
     CGPoint _groundAnchor{0.5, 0.5};
     std::optional<CameraState> _lastCamera;
     bool _needsUpdate = true;

@@ -19,6 +19,13 @@ bool isBefore(const DrawItem& a, const DrawItem& b) {
     return std::tie(a.renderingOrder, a.sequence) < std::tie(b.renderingOrder, b.sequence);
 }
 
+void setBlending(Placement& placement) {
+    const DrawItem& item = *placement.item;
+    const bool isFaded = item.opacity < 1 || item.color[3] < 1;
+    placement.isTinted = isFaded || item.color != std::array<float, 4>{1, 1, 1, 1};
+    placement.isTranslucent = placement.icon || isFaded || !item.image->isOpaque();
+}
+
 bool hasFiniteCorners(const DrawItem& item) {
     return std::all_of(item.corners.begin(), item.corners.end(), isFinite);
 }
@@ -118,8 +125,7 @@ void DrawPlan::placeImage(Placement& placement, const FrameView& view) {
         placement.texture = _stores.textures.retain(item.image, item.usesLevels);
     }
     placement.isDrawn = true;
-    placement.isTinted = item.opacity < 1;
-    placement.isTranslucent = placement.icon || placement.isTinted || !item.image->isOpaque();
+    setBlending(placement);
     _stores.images.write(placement, view);
 }
 
@@ -159,8 +165,7 @@ Placement DrawPlan::replace(const Placement& old, const DrawItem& item, const Fr
     if (item.kind == DrawKind::disc) {
         _stores.discs.write(placement, view);
     } else {
-        placement.isTinted = item.opacity < 1;
-        placement.isTranslucent = placement.icon || placement.isTinted || !item.image->isOpaque();
+        setBlending(placement);
         _stores.images.write(placement, view);
     }
     return placement;

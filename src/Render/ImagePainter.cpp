@@ -4,6 +4,7 @@
 #include "Render/QuadIndices.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace trelmix {
@@ -14,16 +15,17 @@ constexpr const char* kVertexShader = R"(#version 100
 attribute vec3 a_position;
 attribute vec2 a_place;
 attribute float a_opacity;
+attribute vec4 a_tint;
 uniform mat4 u_matrix;
 varying vec2 v_place;
 #ifdef TINTED
-varying float v_opacity;
+varying vec4 v_tint;
 #endif
 void main() {
     gl_Position = u_matrix * vec4(a_position, 1.0);
     v_place = a_place;
 #ifdef TINTED
-    v_opacity = a_opacity;
+    v_tint = a_tint * a_opacity;
 #endif
 }
 )";
@@ -37,12 +39,12 @@ precision mediump float;
 uniform sampler2D u_image;
 varying vec2 v_place;
 #ifdef TINTED
-varying float v_opacity;
+varying vec4 v_tint;
 #endif
 void main() {
     gl_FragColor = texture2D(u_image, v_place);
 #ifdef TINTED
-    gl_FragColor *= v_opacity;
+    gl_FragColor *= v_tint;
 #endif
 }
 )";
@@ -67,7 +69,7 @@ std::string ImagePainter::prepare(bool isTinted, const std::shared_ptr<GLGraveya
     if (program.program) {
         return {};
     }
-    const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}, {2, "a_opacity"}};
+    const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}, {2, "a_opacity"}, {3, "a_tint"}};
     auto linked = linkProgram(graveyard, isTinted ? tinted(kVertexShader) : kVertexShader,
                               isTinted ? tinted(kFragmentShader) : kFragmentShader, attributes);
     if (!linked) {
@@ -114,6 +116,9 @@ void ImagePainter::writeQuad(std::uint32_t slot, const DrawItem& item, const Fra
                              const ImageTexture::Part& part) {
     const bool isWhole = part.left == 0 && part.top == 0 && part.right == 1 && part.bottom == 1;
     const float opacity = fraction(item.opacity);
+    std::array<std::uint8_t, 4> tint{};
+    std::transform(item.color.begin(), item.color.end(), tint.begin(),
+                   [](float c) { return static_cast<std::uint8_t>(std::lround(fraction(c) * 255)); });
     Vertex* vertices = _slots.edit(slot);
     float points[4][3];
     for (std::size_t i = 0; i < 4; ++i) {
@@ -128,6 +133,7 @@ void ImagePainter::writeQuad(std::uint32_t slot, const DrawItem& item, const Fra
         vertices[i].place[0] = isRight ? part.s1 : part.s0;
         vertices[i].place[1] = isBottom ? part.t1 : part.t0;
         vertices[i].opacity = opacity;
+        vertices[i].tint = tint;
     }
     _slots.sphere(slot) = BoundingSphere::around(points, 4);
 }
@@ -139,7 +145,7 @@ void ImagePainter::use(bool isTinted, const FrameView& view, VertexArrays& array
         program.isCurrent = true;
         glUniformMatrix4fv(program.matrix, 1, GL_FALSE, view.matrix().data());
     }
-    arrays.enable(isTinted ? 0x7 : 0x3);
+    arrays.enable(isTinted ? 0xF : 0x3);
     _slots.bind();
 }
 
@@ -157,6 +163,8 @@ void ImagePainter::pointAt(std::uint32_t chunk) {
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, bufferOffset(base + offsetof(Vertex, position)));
     glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, stride, bufferOffset(base + offsetof(Vertex, place)));
     glVertexAttribPointer(2, 1, GL_FLOAT, GL_FALSE, stride, bufferOffset(base + offsetof(Vertex, opacity)));
+    glVertexAttribPointer(3, 4, GL_UNSIGNED_BYTE, GL_TRUE, stride,
+                          bufferOffset(base + offsetof(Vertex, tint)));
 }
 
 } // namespace trelmix

@@ -5,6 +5,7 @@
 #include "Render/SlotBuffer.h"
 #include "Render/VertexArrays.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,6 +19,8 @@ public:
         float position[3];
         float place[2];
         float opacity;
+        /// Premultiplied, 0 to 255.
+        std::array<std::uint8_t, 4> tint{255, 255, 255, 255};
     };
     using Slots = SlotBuffer<Vertex>;
 
@@ -30,8 +33,8 @@ public:
     /// Writes the item's quads, which it is given when it has none yet.
     void write(Placement& placement, const FrameView& view);
 
-    /// Makes one of the two programs current, which is prepared: the one for images of full opacity costs
-    /// less.
+    /// Makes one of the two programs current, which is prepared: the one for images in their own
+    /// colours and of full opacity costs less.
     void use(bool isTinted, const FrameView& view, VertexArrays& arrays);
     /// The same for quads of the caller's in clip coordinates, whose buffer is to be bound.
     void useUpright(VertexArrays& arrays);

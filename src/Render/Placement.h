@@ -25,6 +25,7 @@ struct Placement {
     /// False for what has nothing to draw: no image, no program, corners that are not finite.
     bool isDrawn = false;
     bool isTranslucent = false;
+    /// An image that is multiplied by an opacity or a colour.
     bool isTinted = false;
     /// First of the item's quads, in the images' or the discs' buffer.
     std::uint32_t slot = kNoSlot;

@@ -53,6 +53,12 @@ TEST(Markers, standUprightOnTheirCoordinateAndKeepTheirSize) {
     Stage stage({});
     for (const CGPoint anchor : {CGPoint{0.5, 1}, CGPoint{0.2, 0.7}}) {
         const auto marker = stage.add(markerAt(kPlace, anchor));
+        if (anchor.y < 1) {
+            // A white icon in a blue tint is a blue one.
+            marker->setMarkerIcon(plain(kWidth, kHeight, kWhite));
+            stage.draw();
+            marker->setTint(UIColor::blueColor());
+        }
         for (const float zoom : {15.0F, 17.3F, 20.5F, 23.0F}) {
             for (const auto& [rotation, tilt] :
                  {std::pair{0.0, 0.0}, {37.0, 0.0}, {0.0, 55.0}, {123.0, 30.0}, {270.0, 55.0}}) {

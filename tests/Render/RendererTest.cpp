@@ -25,25 +25,29 @@ TEST_F(RenderTest, anImageOfThePicturesSizeComesBackTexelForTexel) {
     }
 }
 
-TEST_F(RenderTest, premultipliedColoursBlendOnceByOpacityAndCoverage) {
+TEST_F(RenderTest, premultipliedColoursBlendOnceByOpacityTintAndCoverage) {
     struct Case {
         Color top;
         float opacity;
+        std::array<float, 4> tint{1, 1, 1, 1};
     };
     const Color below{40, 80, 200, 255};
-    for (const Case& c :
-         {Case{{128, 0, 0, 128}, 1}, Case{{128, 0, 0, 128}, 0.5F}, Case{{255, 255, 255, 255}, 0.25F},
-          Case{{0, 0, 0, 0}, 1}, Case{{7, 30, 3, 31}, 0.999F}}) {
+    for (const Case& c : {Case{{128, 0, 0, 128}, 1}, Case{{128, 0, 0, 128}, 0.5F},
+                          Case{{255, 255, 255, 255}, 0.25F}, Case{{0, 0, 0, 0}, 1},
+                          Case{{7, 30, 3, 31}, 0.999F}, Case{{255, 200, 0, 255}, 1, {0.2F, 1, 0.4F, 1}},
+                          Case{{90, 60, 0, 120}, 0.5F, {0.8F, 0.2F, 0.4F, 0.8F}}}) {
         for (const bool usesLevels : {false, true}) {
             auto top = imageItem(plainImage(8, 8, c.top), ground(-20, -20, 20, 20), 2, usesLevels);
             top->opacity = c.opacity;
+            top->color = c.tint;
             const auto shown =
                 picture(frameOf({imageItem(plainImage(8, 8, below), ground(-20, -20, 20, 20), 1), top},
                                 cameraAt({}, 32)),
                         32, 32);
             for (std::size_t i = 0; i < 4; ++i) {
-                const double alpha = c.top[3] / 255.0 * c.opacity;
-                EXPECT_NEAR(pixelAt(*shown, 16, 16)[i], c.top[i] * c.opacity + below[i] * (1 - alpha), 1.0);
+                const double alpha = c.top[3] / 255.0 * c.opacity * c.tint[3];
+                EXPECT_NEAR(pixelAt(*shown, 16, 16)[i],
+                            c.top[i] * c.opacity * c.tint[i] + below[i] * (1 - alpha), 1.0);
             }
         }
     }

@@ -24,7 +24,8 @@ bool paintPlane(DrawItem& item, const SCNNode& node, const SCNPlane& plane, cons
         item.kind = DrawKind::image;
         item.image = *image;
         item.usesLevels = material.diffuseUsesLevels;
-        if (!item.image) {
+        item.color = premultiplied(material.multiply);
+        if (!item.image || item.color[3] <= 0) {
             return false;
         }
     } else if (const auto* color = std::get_if<UIColor>(&material.diffuse)) {

@@ -31,8 +31,8 @@ struct DrawItem {
     /// bottom right. Quads that share a corner give the same doubles for it.
     std::array<Vector3d, 4> corners{};
     std::shared_ptr<const UIImage> image;
-    /// Premultiplied; the opacity is not in it.
-    std::array<float, 4> color{};
+    /// Premultiplied; the opacity is not in it. What fills a disc or a mesh; an image is multiplied by it.
+    std::array<float, 4> color{1, 1, 1, 1};
     std::shared_ptr<const SCNMesh> mesh;
     /// Where the mesh's origin stands in the scene.
     Vector3d meshPosition;

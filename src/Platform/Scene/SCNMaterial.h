@@ -42,6 +42,8 @@ enum class SCNTransparencyMode { aOne = 0, rgbZero = 1 };
 struct SCNMaterial {
     /// Nothing, a colour or an image.
     std::variant<std::monostate, UIColor, std::shared_ptr<const UIImage>> diffuse;
+    /// An image is multiplied by it, after it was multiplied by its own alpha.
+    UIColor multiply = UIColor::whiteColor();
     /// Whether a minified image is drawn from its levels of detail.
     bool diffuseUsesLevels = true;
     /// Kept as described; painter's order alone decides every pixel.
