@@ -64,8 +64,10 @@ std::string writeOver(const std::string& path, std::span<const std::byte> data) 
 
 std::string writeBeside(const std::string& path, std::span<const std::byte> data, mode_t mode) {
     static std::atomic<unsigned> counter{0};
-    const std::string temporary =
-        path + "." + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+    // Of its own short name: the target's may be as long as names can be.
+    const std::string name =
+        ".trelmix-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+    const std::string temporary = (std::filesystem::path(path).parent_path() / name).string();
     FileHandle file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!file) {
         return cannotBeWritten();
@@ -118,14 +120,28 @@ std::string saveFile(const std::string& path, std::span<const std::byte> data) {
     if (S_ISDIR(status.st_mode)) {
         return "is a folder, not a file";
     }
-    if (!S_ISREG(status.st_mode)) {
-        // Renaming over a device or a pipe would replace it.
+    if (isDeviceOrPipe(path)) {
+        // Renaming over it would replace it.
         return writeOver(path, data);
     }
     // A link stays a link: the file it leads to is replaced.
     std::error_code error;
     const std::string target = std::filesystem::canonical(path, error).string();
     return writeBeside(error ? path : target, data, status.st_mode & 07777);
+}
+
+std::string writeStandardOutput(std::span<const std::byte> data) {
+    return writeAll(STDOUT_FILENO, data) ? std::string() : cannotBeWritten();
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+bool isDeviceOrPipe(const std::string& path) {
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 } // namespace trelmix::apps

@@ -18,4 +18,12 @@ Result<std::vector<std::byte>> loadFile(const std::string& path, std::uint64_t m
 /// when it went well, else a verb phrase as above.
 std::string saveFile(const std::string& path, std::span<const std::byte> data);
 
+/// The same for standard output.
+std::string writeStandardOutput(std::span<const std::byte> data);
+
+/// Whether both names lead to one file that exists.
+bool isSameFile(const std::string& a, const std::string& b);
+/// Whether the name leads to a device or a pipe, which is written to rather than replaced.
+bool isDeviceOrPipe(const std::string& path);
+
 } // namespace trelmix::apps

@@ -116,6 +116,14 @@ private:
     std::vector<JsonValue*> stack;
 };
 
+/// The keys and then `rest`, with commas between them.
+std::string joinedKeys(std::span<const std::string_view> keys, std::string rest) {
+    for (std::size_t i = keys.size(); i-- > 0;) {
+        rest = std::string(keys[i]) + (rest.empty() ? "" : ", ") + rest;
+    }
+    return rest;
+}
+
 } // namespace
 
 std::optional<double> JsonValue::number() const {
@@ -210,7 +218,8 @@ void JsonCursor::expectObject(std::initializer_list<std::string_view> keys,
             return std::find(list.begin(), list.end(), member.key) != list.end();
         };
         if (!isIn(keys) && !isIn(moreKeys)) {
-            fail("has the unknown key " + quotedJson(member.key));
+            fail("has the unknown key " + quotedJson(member.key) + "; the keys here are " +
+                 joinedKeys(keys, joinedKeys(moreKeys, {})));
         }
     }
 }

@@ -3,6 +3,7 @@
 #include "trelmix/Commands.h"
 
 #include <cmath>
+#include <cstdio>
 #include <iostream>
 #include <limits>
 #include <numbers>
@@ -73,9 +74,9 @@ private:
     double horizon;
 };
 
-/// True when every line was a question.
-bool answerLines(const Locator& locator, std::istream& input) {
-    bool isClean = true;
+/// Ends early when nobody takes the answers.
+ExitCode answerLines(const Locator& locator, std::istream& input) {
+    ExitCode code = ExitCode::done;
     std::string line;
     for (std::size_t number = 1; std::getline(input, line); ++number) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) {
@@ -85,7 +86,10 @@ bool answerLines(const Locator& locator, std::istream& input) {
         const auto question = reason.empty() ? parseJson(line) : Result<JsonValue>::failure(reason);
         if (question) {
             try {
-                std::cout << locator.answer(JsonCursor(*question)) << '\n' << std::flush;
+                const std::string answer = locator.answer(JsonCursor(*question));
+                if (const ExitCode printed = print(answer + "\n"); printed != ExitCode::done) {
+                    return printed;
+                }
             } catch (const JsonError& error) {
                 reason = error.what();
             }
@@ -93,11 +97,14 @@ bool answerLines(const Locator& locator, std::istream& input) {
             reason = question.reason();
         }
         if (!reason.empty()) {
-            complain("standard input, line " + std::to_string(number) + ": " + reason, ExitCode::badInput);
-            isClean = false;
+            code = complain("standard input, line " + std::to_string(number) + ": " + reason,
+                            ExitCode::badInput);
         }
     }
-    return isClean;
+    if (std::ferror(stdin) != 0) {
+        return complain("standard input: cannot be read to its end", ExitCode::badInput);
+    }
+    return code;
 }
 
 } // namespace
@@ -123,10 +130,9 @@ ExitCode locate(const LocateOptions& options) {
     const auto engine = makeEngine(*scene, *camera, size);
     const Locator locator(engine->projection(), engine->camera()->viewingAngle(), size.height);
     if (options.corners) {
-        std::cout << locator.corners() << std::endl;
-        return ExitCode::done;
+        return print(locator.corners() + "\n");
     }
-    return answerLines(locator, std::cin) ? ExitCode::done : ExitCode::badInput;
+    return answerLines(locator, std::cin);
 }
 
 } // namespace trelmix::apps

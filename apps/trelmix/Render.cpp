@@ -1,5 +1,5 @@
-#include "common/Files.h"
 #include "common/picture/Drawing.h"
+#include "common/picture/PictureFile.h"
 #include "common/scene/SceneRunner.h"
 #include "trelmix/Commands.h"
 
@@ -51,21 +51,24 @@ void mentionDamagedTiles(const SceneContent& content) {
 ExitCode writePicture(OffscreenHost& host, const std::string& attribution, const RenderOptions& options) {
     auto picture = host.image();
     if (!picture) {
-        return complain("the picture cannot be drawn: " + picture.reason(), ExitCode::noDriver);
+        return complain("no picture can be drawn: " + picture.reason(), ExitCode::badInput);
     }
     if (!options.noAttribution && !attribution.empty()) {
         const double scale = (*picture)->scale();
         *picture =
             withAttribution(*picture, attributionImage(attribution, scale, (*picture)->size().width - 8));
     }
-    const auto png = (*picture)->pngData();
-    const std::string fault = png.empty() ? "cannot be made: out of memory" : saveFile(options.output, png);
-    return fault.empty() ? ExitCode::done : complain(options.output + ": " + fault, ExitCode::badInput);
+    const std::string fault = savePictureFile(**picture, options.output);
+    return fault.empty() ? ExitCode::done : complain(fault, ExitCode::badInput);
 }
 
 } // namespace
 
 ExitCode render(const RenderOptions& options) {
+    if (const std::string fault = faultOfPictureName(options.output, options.view.sceneFile);
+        !fault.empty()) {
+        return complain(fault, ExitCode::badInput);
+    }
     if (const std::string fault = applyNetworkOptions(options.network); !fault.empty()) {
         return complain(fault, ExitCode::badInput);
     }

@@ -1,6 +1,6 @@
 #include "trelmix/SideviewCommand.h"
 
-#include "common/Files.h"
+#include "common/picture/PictureFile.h"
 #include "common/scene/MapScene.h"
 #include "common/scene/SceneSideview.h"
 
@@ -40,6 +40,9 @@ double fittedHeight(TMXSideviewScrollView& sideview, double width) {
 
 ExitCode renderSideview(const SideviewOptions& options) {
     const std::string& path = options.view.sceneFile;
+    if (const std::string fault = faultOfPictureName(options.output, path); !fault.empty()) {
+        return complain(fault, ExitCode::badInput);
+    }
     // The map keeps the size that the scene gives it; the option is about the side view.
     const auto original = readSceneFile(path);
     if (!original) {
@@ -72,9 +75,8 @@ ExitCode renderSideview(const SideviewOptions& options) {
     if (!picture) {
         return complain("no picture can be drawn: " + picture.reason(), ExitCode::badInput);
     }
-    const auto png = (*picture)->pngData();
-    const std::string fault = png.empty() ? "cannot be made: out of memory" : saveFile(options.output, png);
-    return fault.empty() ? ExitCode::done : complain(options.output + ": " + fault, ExitCode::badInput);
+    const std::string fault = savePictureFile(**picture, options.output);
+    return fault.empty() ? ExitCode::done : complain(fault, ExitCode::badInput);
 }
 
 } // namespace trelmix::apps

@@ -13,7 +13,11 @@ std::vector<std::string> filesNamedBy(const SceneFile& scene) {
         files.push_back(marker.icon);
     }
     for (const auto& geojson : scene.geojson) {
-        files.insert(files.end(), {geojson.file, geojson.icon});
+        files.push_back(geojson.file);
+        files.push_back(geojson.style.icon.value_or(""));
+        for (const auto& rule : geojson.rules) {
+            files.push_back(rule.style.icon.value_or(""));
+        }
     }
     if (const auto& side = scene.sideView) {
         files.insert(files.end(), {side->image, side->levels, side->userIcon});

@@ -1,6 +1,6 @@
 #include "view/ViewApp.h"
 
-#include "common/Files.h"
+#include "common/picture/PictureFile.h"
 #include "common/scene/SceneImage.h"
 #include "view/CameraControl.h"
 
@@ -273,10 +273,9 @@ ExitCode ViewApp::writePicture(const std::string& path) {
         complainAndShow("the picture cannot be read back: " + picture.reason());
         return ExitCode::noDriver;
     }
-    const auto png = (*picture)->pngData();
-    const std::string fault = png.empty() ? "cannot be made: out of memory" : saveFile(path, png);
+    const std::string fault = savePictureFile(**picture, path);
     if (!fault.empty()) {
-        complainAndShow(path + ": " + fault);
+        complainAndShow(fault);
     }
     return fault.empty() ? ExitCode::done : ExitCode::badInput;
 }

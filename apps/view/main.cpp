@@ -1,3 +1,4 @@
+#include "common/picture/PictureFile.h"
 #include "view/EndSignals.h"
 #include "view/ViewApp.h"
 
@@ -11,6 +12,7 @@ int run(int argc, char** argv) {
     CLI::App app{"Shows a scene in a window: drag, pinch and turn the map; H shows what the keys do."};
     app.name("trelmix view");
     app.footer(Hud::helpText());
+    addVersion(app);
     WindowOptions options;
     addViewOptions(app, options.view);
     NetworkOptions network;
@@ -25,6 +27,10 @@ int run(int argc, char** argv) {
         ->check(CLI::Range(0.0, 86400.0));
     if (const auto ended = parse(app, argc, argv)) {
         return *ended;
+    }
+    if (const std::string fault = faultOfPictureName(options.screenshot, options.view.sceneFile);
+        !options.screenshot.empty() && !fault.empty()) {
+        return complain(fault, ExitCode::badInput);
     }
     if (const std::string fault = applyNetworkOptions(network); !fault.empty()) {
         return complain(fault, ExitCode::badInput);

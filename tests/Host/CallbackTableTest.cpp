@@ -272,6 +272,7 @@ void addOverlayCalls(Calls& calls) {
     calls["marker presented"] = [](World& w) { w.marker->setCoordinate(w.marker->presentedCoordinate()); };
     calls["marker without icon"] = [](World& w) { w.marker->setMarkerIcon(nullptr); };
     calls["marker anchor"] = [](World& w) { w.marker->setGroundAnchor({0, 1}); };
+    calls["marker tint"] = [](World& w) { w.marker->setTint(UIColor::redColor()); };
     calls["marker flat"] = [](World& w) { w.marker->setIsFlat(true); };
     calls["marker not draggable"] = [](World& w) { w.marker->setIsDraggable(false); };
     calls["marker rotation"] = [](World& w) { w.marker->setRotation(90, true, 1); };

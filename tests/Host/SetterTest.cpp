@@ -180,6 +180,10 @@ TEST_F(SetterTest, ofMarkers) {
                         [](M& m) {
                             m.setGroundAnchor({1, 0.2});
                         }),
+              setter<M>("tint",
+                        [](M& m) {
+                            m.setTint({1, 0.5, 0, 0.8});
+                        }),
               setter<M>("markerRotation", turn),
               setter<M>(
                   "rotation", [](M& m) { m.setIsFlat(true), m.setRotation(50, false, 0); }, turn)},

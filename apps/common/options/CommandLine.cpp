@@ -1,13 +1,19 @@
 #include "common/options/CommandLine.h"
 
+#include "common/Files.h"
+
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <csignal>
 #include <exception>
 #include <iostream>
 #include <locale>
 #include <sstream>
 #include <string_view>
 #include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace trelmix::apps {
 
@@ -64,6 +70,16 @@ std::string applyCamera(const ViewOptions& options, std::optional<SceneCamera>& 
     return fault.empty() ? fault : "--camera " + options.camera + ": " + fault;
 }
 
+/// A file that is opened while one of the standard streams is closed would get its number, and what is meant
+/// for the stream. Occupied the wrong way round, reading and writing still fail.
+void occupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) == -1) {
+            ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
 } // namespace
 
 void addViewOptions(CLI::App& command, ViewOptions& options) {
@@ -86,15 +102,24 @@ void addNetworkOptions(CLI::App& command, NetworkOptions& options) {
         ->type_name("FILE");
 }
 
+void addVersion(CLI::App& app) {
+    app.set_version_flag("--version", "trelmix " TRELMIX_VERSION, "Print the version and end");
+}
+
 std::optional<int> parse(CLI::App& app, int argc, char** argv) {
     try {
         app.parse(argc, argv);
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
-            return app.exit(error);
+            std::ostringstream text;
+            app.exit(error, text, text);
+            return print(text.str());
         }
-        return complain(error.what() + (" (see " + app.get_name() + " --help)"), ExitCode::badInput);
+        const auto commands = app.get_subcommands();
+        const std::string command = commands.empty() ? "" : " " + commands.front()->get_name();
+        return complain(error.what() + (" (see " + app.get_name() + command + " --help)"),
+                        ExitCode::badInput);
     }
 }
 
@@ -110,6 +135,11 @@ Result<SceneFile> readScene(const ViewOptions& options) {
     return fault.empty() ? std::move(scene) : Result<SceneFile>::failure(fault);
 }
 
+ExitCode print(const std::string& text) {
+    const std::string fault = writeStandardOutput(std::as_bytes(std::span(text)));
+    return fault.empty() ? ExitCode::done : complain("standard output: " + fault, ExitCode::badInput);
+}
+
 ExitCode complain(const std::string& message, ExitCode code) {
     std::string line = "trelmix: " + message;
     for (char& c : line) {
@@ -123,6 +153,8 @@ ExitCode complain(const std::string& message, ExitCode code) {
 }
 
 int runProgram(int (*run)(int argc, char** argv), int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    occupyStandardStreams();
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {

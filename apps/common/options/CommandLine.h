@@ -30,6 +30,9 @@ struct ViewOptions {
 void addViewOptions(CLI::App& command, ViewOptions& options);
 void addNetworkOptions(CLI::App& command, NetworkOptions& options);
 
+/// Has the program tell its version.
+void addVersion(CLI::App& app);
+
 /// Reads the arguments; what the program has to end with when it is not to go on: they were wrong, which has
 /// been said, or they asked for help, which has been given.
 std::optional<int> parse(CLI::App& app, int argc, char** argv);
@@ -37,10 +40,14 @@ std::optional<int> parse(CLI::App& app, int argc, char** argv);
 /// Reads the scene file and applies the options. The reason names the file or the option.
 Result<SceneFile> readScene(const ViewOptions& options);
 
+/// Writes to standard output at once; when that fails, so much is said and the code is not `done`.
+ExitCode print(const std::string& text);
+
 /// One line on standard error.
 ExitCode complain(const std::string& message, ExitCode code);
 
-/// A program's `main`: what escapes from `run` is told on standard error.
+/// A program's `main`: what escapes from `run` is told on standard error, and an output that nobody reads any
+/// more is a failure like others, not the end by a signal.
 int runProgram(int (*run)(int argc, char** argv), int argc, char** argv);
 
 } // namespace trelmix::apps

@@ -19,8 +19,7 @@ constexpr double kMargin = 4;
 
 } // namespace
 
-std::shared_ptr<const UIImage> pinImage(UIColor color) {
-    const UIColor fill = color.limited();
+std::shared_ptr<const UIImage> pinImage() {
     const Sheet sheet(24, 32, 2);
     cairo_t* context = sheet.context();
     // A drop: three quarters of a circle, and two curves that meet at the tip.
@@ -29,14 +28,14 @@ std::shared_ptr<const UIImage> pinImage(UIColor color) {
     cairo_arc(context, 12, 12, 10, kPi, 2 * kPi);
     cairo_curve_to(context, 22, 20, 12, 25, 12, 31.5);
     cairo_close_path(context);
-    cairo_set_source_rgba(context, fill.red, fill.green, fill.blue, fill.alpha);
+    cairo_new_sub_path(context);
+    cairo_arc(context, 12, 12, 4, 0, 2 * kPi);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_set_source_rgb(context, 1, 1, 1);
     cairo_fill_preserve(context);
-    cairo_set_source_rgba(context, 0, 0, 0, 0.45 * fill.alpha);
+    cairo_set_source_rgba(context, 0, 0, 0, 0.45);
     cairo_set_line_width(context, 1);
     cairo_stroke(context);
-    cairo_arc(context, 12, 12, 4, 0, 2 * kPi);
-    cairo_set_source_rgba(context, 1, 1, 1, 0.9 * fill.alpha);
-    cairo_fill(context);
     return sheet.image();
 }
 

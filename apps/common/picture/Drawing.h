@@ -11,8 +11,8 @@
 namespace trelmix::apps {
 
 /// The pin that stands for markers without an icon of their own: 24 x 32 points, two pixels a point, its tip
-/// at the middle of the lower edge.
-std::shared_ptr<const UIImage> pinImage(UIColor color);
+/// at the middle of the lower edge, its eye open. White with a dark rim, to be tinted.
+std::shared_ptr<const UIImage> pinImage();
 
 /// Small dark text on a translucent white ground with round corners, as wide as it needs to be but not wider
 /// than `maximumWidth` points (then it is broken into lines at blanks). Empty for a text without anything to

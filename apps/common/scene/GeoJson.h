@@ -1,13 +1,12 @@
 #pragma once
 
 #include "common/Json.h"
+#include "common/scene/GeoJsonStyle.h"
 
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
-#include <Trelmix/Platform/UIColor.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,18 +14,6 @@
 namespace trelmix::apps {
 
 using CoordinateList = std::vector<CLLocationCoordinate2D>;
-
-/// The simple style properties of a feature; absent when missing or senseless. Colours are opaque, opacities
-/// apart.
-struct GeoJsonStyle {
-    std::optional<UIColor> stroke;
-    std::optional<double> strokeOpacity;
-    /// Points.
-    std::optional<double> strokeWidth;
-    std::optional<UIColor> fill;
-    std::optional<double> fillOpacity;
-    std::optional<UIColor> markerColor;
-};
 
 /// Rings without the repeated last position: the outer one, then its holes.
 struct GeoJsonArea {
@@ -38,6 +25,7 @@ struct GeoJsonArea {
 struct GeoJsonFeature {
     /// As they stand in the file; empty when there are none.
     std::shared_ptr<const JsonValue> properties;
+    /// What its simple style properties say; senseless ones are absent.
     GeoJsonStyle style;
     CoordinateList points;
     std::vector<CoordinateList> lines;

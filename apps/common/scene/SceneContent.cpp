@@ -6,6 +6,7 @@
 #include "common/tiles/MbtilesArchive.h"
 #include "common/tiles/TileDirectory.h"
 
+#include <algorithm>
 #include <map>
 
 namespace trelmix::apps {
@@ -81,7 +82,17 @@ private:
         if (!file) {
             throw JsonError(place + ".file: " + file.reason());
         }
-        return {std::move(*file), image(geojson.icon, place + ".icon")};
+        SceneGeoJsonContent content{std::move(*file), {}};
+        const auto addIcon = [&](const GeoJsonStyle& style, const std::string& at) {
+            if (style.icon) {
+                content.icons[*style.icon] = image(*style.icon, at + ".icon");
+            }
+        };
+        addIcon(geojson.style, place);
+        for (std::size_t i = 0; i < geojson.rules.size(); ++i) {
+            addIcon(geojson.rules[i].style, place + "." + placeOf("style", i));
+        }
+        return content;
     }
 
     std::map<std::string, std::shared_ptr<const UIImage>> images;
@@ -93,7 +104,12 @@ Result<SceneContent> loadSceneContent(const SceneFile& scene, const std::string&
     try {
         return Loader().load(scene);
     } catch (const JsonError& error) {
-        return Result<SceneContent>::failure(scenePath + ": " + error.what());
+        // What stands before the file's name is its place in a scene.
+        const std::string_view reason = error.what();
+        return Result<SceneContent>::failure(
+            isDataFile(scenePath)
+                ? std::string(reason.substr(std::min(reason.find(scenePath), reason.size())))
+                : scenePath + ": " + std::string(reason));
     }
 }
 

@@ -7,16 +7,17 @@
 #include <Trelmix/Platform/CGGeometry.h>
 #include <Trelmix/Platform/UIImage.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace trelmix::apps {
 
-/// A GeoJSON file and the icon that its scene entry names, empty when it names none.
+/// A GeoJSON file and the icons that its scene entry names, by their paths.
 struct SceneGeoJsonContent {
     GeoJsonFile file;
-    std::shared_ptr<const UIImage> icon;
+    std::map<std::string, std::shared_ptr<const UIImage>> icons;
 };
 
 /// The files that a scene names, opened and decoded: one entry for each of the scene's, in the same order.

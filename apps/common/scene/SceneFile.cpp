@@ -4,6 +4,7 @@
 #include "common/scene/SceneFileReading.h"
 #include "common/tiles/TileStore.h"
 
+#include <Trelmix/Platform/UIImage.h>
 #include <Trelmix/Platform/URL.h>
 
 #include <cmath>
@@ -15,6 +16,8 @@ namespace trelmix::apps {
 namespace {
 
 constexpr double kMaximumPixels = 16384;
+constexpr std::string_view kArchiveEnding = ".mbtiles";
+constexpr std::string_view kGeoJsonEnding = ".geojson";
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') {
@@ -157,6 +160,16 @@ SceneFile readScene(const JsonCursor& root, const std::string& folder) {
     return scene;
 }
 
+SceneFile sceneHolding(const std::string& dataFile) {
+    SceneFile scene;
+    if (dataFile.ends_with(kArchiveEnding)) {
+        scene.tiles.emplace_back().mbtiles = dataFile;
+    } else {
+        scene.geojson.emplace_back().file = dataFile;
+    }
+    return scene;
+}
+
 } // namespace
 
 Result<SceneFile> parseSceneFile(std::string_view text, const std::string& folder) {
@@ -171,7 +184,14 @@ Result<SceneFile> parseSceneFile(std::string_view text, const std::string& folde
     }
 }
 
+bool isDataFile(const std::string& path) {
+    return path.ends_with(kArchiveEnding) || path.ends_with(kGeoJsonEnding);
+}
+
 Result<SceneFile> readSceneFile(const std::string& path) {
+    if (isDataFile(path)) {
+        return sceneHolding(path);
+    }
     const auto bytes = loadFile(path, kMaximumJsonBytes);
     if (!bytes) {
         return Result<SceneFile>::failure(path + ": " + bytes.reason());
@@ -187,6 +207,11 @@ std::string faultOfViewSize(double width, double height, double scale) {
     }
     if (!(width * scale <= kMaximumPixels) || !(height * scale <= kMaximumPixels)) {
         return "the picture must not have more than " + jsonNumber(kMaximumPixels) + " pixels a side";
+    }
+    if (std::round(width * scale) * std::round(height * scale) >
+        static_cast<double>(UIImage::kMaximumPixelCount)) {
+        return "the picture must not have more than " + std::to_string(UIImage::kMaximumPixelCount) +
+               " pixels in all";
     }
     return {};
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/scene/GeoJsonStyle.h"
+
+#include <Trelmix/Platform/CGGeometry.h>
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
 #include <Trelmix/Platform/UIColor.h>
@@ -74,8 +77,8 @@ struct SceneMarker {
     CLLocationCoordinate2D coordinate;
     /// Empty: the built-in pin.
     std::string icon;
-    std::optional<double> anchorX;
-    std::optional<double> anchorY;
+    /// Absent: the middle of an icon, the tip of the pin.
+    std::optional<CGPoint> anchor;
     bool flat = false;
     double rotation = 0;
     bool draggable = false;
@@ -106,11 +109,9 @@ struct ScenePolyline {
 struct SceneGeoJson {
     SceneOverlay overlay;
     std::string file;
-    std::optional<UIColor> color;
-    std::optional<double> width;
-    /// Metres; points then are circles.
-    std::optional<double> radius;
-    std::string icon;
+    /// For every feature, below what the rules and the feature itself say.
+    GeoJsonStyle style;
+    std::vector<GeoJsonRule> rules;
     /// Absent: what the file says.
     std::optional<std::string> attribution;
 };
@@ -161,10 +162,15 @@ struct SceneFile {
     std::optional<SceneSideView> sideView;
 };
 
-/// Reads and checks a scene file; the reason begins with the path and names the place in the file.
+/// Reads and checks a scene file; the reason begins with the path and names the place in the file. A tile
+/// archive or a GeoJSON file, told by the name's ending, is a scene that holds it and nothing else; such a
+/// file is not opened.
 Result<SceneFile> readSceneFile(const std::string& path);
 /// The same for a text whose paths are relative to `folder`; the reason begins with the place.
 Result<SceneFile> parseSceneFile(std::string_view text, const std::string& folder);
+
+/// Whether a name is one of a file that is a scene of its own.
+bool isDataFile(const std::string& path);
 
 /// Empty when a picture of that size can be made, else what is wrong with it.
 std::string faultOfViewSize(double width, double height, double scale);

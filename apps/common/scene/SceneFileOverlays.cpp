@@ -4,9 +4,6 @@ namespace trelmix::apps {
 
 namespace {
 
-constexpr double kMaximumMetres = 2e7;
-constexpr double kMaximumLineWidth = 1000;
-
 std::vector<CLLocationCoordinate2D> readCoordinates(const JsonCursor& at, std::size_t least) {
     const std::size_t count = at.size();
     if (count < least) {
@@ -19,11 +16,6 @@ std::vector<CLLocationCoordinate2D> readCoordinates(const JsonCursor& at, std::s
         coordinates.push_back(readCoordinate(item));
     }
     return coordinates;
-}
-
-std::optional<double> optionalNumber(const JsonCursor& at, std::string_view key, double least, double most) {
-    const auto number = at.member(key);
-    return number ? std::optional(number->number(least, most)) : std::nullopt;
 }
 
 bool flagOr(const JsonCursor& at, std::string_view key, bool otherwise) {
@@ -66,8 +58,7 @@ SceneMarker readMarker(const JsonCursor& at, const std::string& folder) {
         if (anchor->size() != 2) {
             anchor->fail("must be two numbers: across and down");
         }
-        marker.anchorX = anchor->item(0).number(-100, 100);
-        marker.anchorY = anchor->item(1).number(-100, 100);
+        marker.anchor = CGPoint{anchor->item(0).number(-100, 100), anchor->item(1).number(-100, 100)};
     }
     marker.flat = flagOr(at, "flat", false);
     marker.rotation = optionalNumber(at, "rotation", -3600, 3600).value_or(0);
@@ -104,28 +95,16 @@ ScenePolyline readPolyline(const JsonCursor& at) {
     return line;
 }
 
-SceneGeoJson readGeoJson(const JsonCursor& at, const std::string& folder) {
-    at.expectObject({"file", "color", "width", "radius", "icon", "attribution"}, kOverlayKeys);
-    SceneGeoJson geojson;
-    geojson.overlay = readOverlay(at);
-    geojson.file = readPath(at.required("file"), folder);
-    geojson.color = optionalColor(at);
-    geojson.width = optionalWidth(at);
-    geojson.radius = optionalNumber(at, "radius", 0, kMaximumMetres);
-    if (const auto icon = at.member("icon")) {
-        geojson.icon = readPath(*icon, folder);
-    }
-    if (const auto attribution = at.member("attribution")) {
-        geojson.attribution = attribution->text();
-    }
-    return geojson;
-}
-
 } // namespace
 
 std::optional<UIColor> optionalColor(const JsonCursor& at) {
     const auto color = at.member("color");
     return color ? std::optional(readColor(*color)) : std::nullopt;
+}
+
+std::optional<double> optionalNumber(const JsonCursor& at, std::string_view key, double least, double most) {
+    const auto number = at.member(key);
+    return number ? std::optional(number->number(least, most)) : std::nullopt;
 }
 
 std::optional<double> optionalWidth(const JsonCursor& at) {

@@ -12,10 +12,17 @@ namespace trelmix::apps {
 
 // Shared by the sections' readers; all throw `JsonError`.
 
+/// The largest radius of a circle.
+inline constexpr double kMaximumMetres = 2e7;
+/// The largest width of a line, in points.
+inline constexpr double kMaximumLineWidth = 1000;
+
 CLLocationCoordinate2D readCoordinate(const JsonCursor& at);
 SceneBox readBox(const JsonCursor& southWest, const JsonCursor& northEast);
 UIColor readColor(const JsonCursor& at);
 std::optional<UIColor> optionalColor(const JsonCursor& at);
+/// Empty when there is no such key.
+std::optional<double> optionalNumber(const JsonCursor& at, std::string_view key, double least, double most);
 /// The key "width" of lines, in points.
 std::optional<double> optionalWidth(const JsonCursor& at);
 /// Joined with the folder of the scene file.
@@ -23,6 +30,7 @@ std::string readPath(const JsonCursor& at, const std::string& folder);
 
 /// Fills the sections that hold overlays drawn over the tiles.
 void readOverlaySections(const JsonCursor& root, const std::string& folder, SceneFile& scene);
+SceneGeoJson readGeoJson(const JsonCursor& at, const std::string& folder);
 SceneSideView readSideView(const JsonCursor& at, const std::string& folder);
 /// The keys that every overlay takes; `expectObject` gets the same list.
 SceneOverlay readOverlay(const JsonCursor& at);

@@ -8,19 +8,13 @@
 #include <Trelmix/TrelmixMapPolygon.h>
 #include <Trelmix/TrelmixMapPolyline.h>
 
-#include <array>
-#include <map>
+#include <vector>
 
 namespace trelmix::apps {
 
 namespace {
 
 constexpr UIColor kAreaColor{0.2, 0.4, 1.0, 0.5};
-// What the simple style prescribes for features that say nothing.
-constexpr UIColor kStyleStroke{1.0 / 3, 1.0 / 3, 1.0 / 3, 1};
-constexpr UIColor kStyleFill{1.0 / 3, 1.0 / 3, 1.0 / 3, 0.6};
-constexpr UIColor kStyleMarker{0x7e / 255.0, 0x7e / 255.0, 0x7e / 255.0, 1};
-constexpr double kStyleWidth = 2;
 
 std::vector<CLLocation> locations(const CoordinateList& coordinates) {
     std::vector<CLLocation> list;
@@ -29,17 +23,6 @@ std::vector<CLLocation> locations(const CoordinateList& coordinates) {
         list.emplace_back(coordinate);
     }
     return list;
-}
-
-/// The feature's own colour, else that of the scene's entry, else the style's; then the feature's own
-/// opacity.
-UIColor styledColor(std::optional<UIColor> feature, std::optional<UIColor> entry, UIColor otherwise,
-                    std::optional<double> opacity) {
-    UIColor color = feature ? *feature : entry.value_or(otherwise);
-    if (feature && !opacity) {
-        color.alpha = entry ? entry->alpha : otherwise.alpha;
-    }
-    return opacity ? color.colorWithAlphaComponent(*opacity) : color;
 }
 
 class OverlayBuilder {
@@ -56,10 +39,10 @@ public:
     }
 
     void add(const SceneMarker& marker, const std::shared_ptr<const UIImage>& icon) {
-        auto node =
-            TrelmixMapEngineFactory::createMapMarkerWith(icon ? icon : pin(kStyleMarker), marker.coordinate);
-        // A pin stands on its tip.
-        node->setGroundAnchor({marker.anchorX.value_or(0.5), marker.anchorY.value_or(icon ? 0.5 : 1)});
+        auto node = markerAt(marker.coordinate, icon, simpleStyle().pinColor());
+        if (marker.anchor) {
+            node->setGroundAnchor(*marker.anchor);
+        }
         node->setIsFlat(marker.flat);
         node->setMarkerRotation(marker.rotation);
         node->setIsDraggable(marker.draggable);
@@ -76,29 +59,30 @@ public:
 
     void add(const ScenePolyline& line) { addLine(line.overlay, line.vertices, line.color, line.width); }
 
-    void add(const SceneGeoJson& entry, const GeoJsonFeature& feature,
-             const std::shared_ptr<const UIImage>& icon) {
+    void add(const SceneGeoJson& entry, const GeoJsonFeature& feature, const SceneGeoJsonContent& content) {
         const std::size_t first = overlays.size();
-        const GeoJsonStyle& style = feature.style;
-        const UIColor stroke = styledColor(style.stroke, entry.color, kStyleStroke, style.strokeOpacity);
-        const double width = style.strokeWidth.value_or(entry.width.value_or(kStyleWidth));
+        const GeoJsonStyle own = styleByRules(feature.style, feature.properties.get(), entry.rules);
+        const GeoJsonStyle style = layered(layered(own, entry.style), simpleStyle());
+        SceneOverlay keys = entry.overlay;
+        keys.visible = style.visible ? style.visible : keys.visible;
+        keys.zIndex = style.zIndex ? style.zIndex : keys.zIndex;
         for (const auto& area : feature.areas) {
-            addPolygon(entry.overlay, outlineWithHoles(area.rings),
-                       styledColor(style.fill, entry.color, kStyleFill, style.fillOpacity));
-            // Areas get an outline only where the file asks for one.
-            if (style.stroke || style.strokeWidth) {
+            addPolygon(keys, outlineWithHoles(area.rings), style.fillColor());
+            // Areas get an outline only where the file or a rule asks for one.
+            if (own.stroke || own.strokeWidth) {
                 for (const auto& ring : area.rings) {
                     CoordinateList closed = ring;
                     closed.push_back(ring.front());
-                    addLine(entry.overlay, closed, stroke, width);
+                    addLine(keys, closed, style.strokeColor(), style.strokeWidth);
                 }
             }
         }
         for (const auto& line : feature.lines) {
-            addLine(entry.overlay, line, stroke, width);
+            addLine(keys, line, style.strokeColor(), style.strokeWidth);
         }
+        const auto icon = style.icon ? content.icons.at(*style.icon) : nullptr;
         for (const auto& point : feature.points) {
-            addPoint(entry, style, point, icon);
+            addPoint(keys, style, point, icon);
         }
         for (std::size_t i = first; i < overlays.size(); ++i) {
             overlays[i]->setUserInfo(SceneTag{entry.overlay.id, feature.properties});
@@ -136,29 +120,32 @@ private:
         place(keys, std::move(node));
     }
 
-    void addPoint(const SceneGeoJson& entry, const GeoJsonStyle& style, CLLocationCoordinate2D point,
+    void addPoint(const SceneOverlay& keys, const GeoJsonStyle& style, CLLocationCoordinate2D point,
                   const std::shared_ptr<const UIImage>& icon) {
-        const UIColor color = styledColor(style.markerColor, entry.color, kStyleMarker, std::nullopt);
-        if (entry.radius) {
-            addCircle(entry.overlay, point, *entry.radius, color);
-            return;
+        if (style.radius) {
+            addCircle(keys, point, *style.radius, style.pinColor());
+        } else {
+            place(keys, markerAt(point, icon, style.pinColor()));
         }
-        auto node = TrelmixMapEngineFactory::createMapMarkerWith(icon ? icon : pin(color), point);
-        node->setGroundAnchor({0.5, icon ? 0.5 : 1});
-        place(entry.overlay, std::move(node));
     }
 
-    // Pins of one colour share their image, and with it their texture.
-    std::shared_ptr<const UIImage> pin(UIColor color) {
-        auto& known = pins[{color.red, color.green, color.blue, color.alpha}];
-        if (!known) {
-            known = pinImage(color);
+    /// Without an icon, a pin in that colour that stands on its tip.
+    std::shared_ptr<TrelmixMapMarker> markerAt(CLLocationCoordinate2D place,
+                                               const std::shared_ptr<const UIImage>& icon, UIColor pinColor) {
+        if (!icon && !pin) {
+            pin = pinImage();
         }
-        return known;
+        auto node = TrelmixMapEngineFactory::createMapMarkerWith(icon ? icon : pin, place);
+        if (!icon) {
+            node->setTint(pinColor);
+            node->setGroundAnchor({0.5, 1});
+        }
+        return node;
     }
 
     std::shared_ptr<TrelmixMapEngine> engine;
-    std::map<std::array<double, 4>, std::shared_ptr<const UIImage>> pins;
+    /// One for all: a hundred thousand colours are tints of it.
+    std::shared_ptr<const UIImage> pin;
 };
 
 } // namespace
@@ -184,7 +171,7 @@ addSceneOverlays(const std::shared_ptr<TrelmixMapEngine>& engine, const SceneFil
     }
     for (std::size_t i = 0; i < scene.geojson.size(); ++i) {
         for (const auto& feature : content.geojson[i].file.features) {
-            builder.add(scene.geojson[i], feature, content.geojson[i].icon);
+            builder.add(scene.geojson[i], feature, content.geojson[i]);
         }
     }
     return std::move(builder.overlays);

@@ -24,7 +24,7 @@ public:
     const std::string& name() const override { return _path; }
 
     /// The zooms of the tiles that are there.
-    std::int64_t lowestZoom() const { return _lowestZoom; }
+    std::int64_t lowestZoom() const override { return _lowestZoom; }
     std::int64_t highestZoom() const { return _highestZoom; }
 
 private:

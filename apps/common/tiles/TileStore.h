@@ -52,6 +52,8 @@ public:
     virtual Result<std::optional<TileBytes>> tile(const TileIndex& tile) const = 0;
     /// What the store covers; empty when it does not know. May look through many files.
     virtual std::optional<TileBounds> bounds() const = 0;
+    /// No tile is there at lower zooms, as far as the store knows.
+    virtual std::int64_t lowestZoom() const { return 0; }
     /// Where the tiles come from, for showing in the picture; may hold HTML. Empty when the store does not
     /// say.
     virtual std::string attribution() const = 0;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+
 using namespace trelmix;
 using namespace trelmix::apps;
 
@@ -28,15 +31,14 @@ TEST(Attribution, staysInsideThePictureHoweverSmallThatIs) {
     }
 }
 
-TEST(Pin, isCutOutInItsColourAndStandsOnItsTip) {
-    const auto pin = pinImage({1, 0, 0, 1});
-    ASSERT_EQ(pin->pixelWidth(), 48);
-    ASSERT_EQ(pin->pixelHeight(), 64);
+TEST(Pin, isCutOutWithAnOpenEyeAndStandsOnItsTip) {
+    const auto pin = pinImage();
+    ASSERT_EQ(pin->size(), (CGSize{24, 32}));
     const auto pixel = [&](int x, int y) {
         return pin->pixels().subspan(static_cast<std::size_t>(y * 48 + x) * 4, 4);
     };
     EXPECT_EQ(pixel(0, 0)[3], 0);
-    EXPECT_EQ(pixel(9, 24)[0], 255);
-    EXPECT_EQ(pixel(9, 24)[1], 0);
+    EXPECT_EQ(pixel(24, 24)[3], 0);
+    EXPECT_TRUE(std::ranges::equal(pixel(9, 24), std::array{255, 255, 255, 255}));
     EXPECT_GT(pixel(23, 62)[3] + pixel(24, 62)[3], 0);
 }

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace trelmix;
 using namespace trelmix::apps;
@@ -81,17 +82,27 @@ TEST_F(ProgramTest, badInputGivesOneLineAndExitCodeTwo) {
                  R"({"markers": [{"coordinate": {"lat": 0, "lon": 0}, "icon": "text.mbtiles"}]})");
     folder.write("bad.geojson", R"({"type": "Point", "coordinates": [0, 100]})");
     folder.write("geojson.json", R"({"geojson": [{"file": "bad.geojson"}]})");
+    folder.write("wide.json", R"({"camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17}})");
+    std::filesystem::create_symlink("ok.json", folder.path("link.png"));
     const std::pair<const char*, const char*> cases[] = {
         {"", "subcommand"},
-        {"paint a.json", "subcommand is required"},
+        {"rendr a.json", "\"rendr\" is no command; did you mean render?"},
+        {"lcate a.json", "did you mean locate?"},
         {"render", "scene"},
         {"render ok.json", "--output"},
-        {"render ok.json -o a.png --frobnicate", "--frobnicate"},
+        {"render ok.json -o a.png --frobnicate", "--frobnicate (see trelmix render --help)"},
+        {"render ok.json -o a.tiff", "a.tiff: must end in .png, .jpg, .jpeg or .webp"},
+        {"render ok.json -o link.png", "link.png: is the scene itself"},
+        {"sideview ok.json -o ./ok.json", "./ok.json: is the scene itself"},
+        {"render wide.json -o wide.webp --size 16384x10 --no-attribution", "wide.webp: cannot hold 16384"},
+        {"render text.mbtiles -o a.png", "trelmix: text.mbtiles: is no tile archive"},
+        {"render bad.geojson -o a.png", "trelmix: bad.geojson: coordinates[1]: must"},
         {"render ok.json -o a.png --timeout soon", "--timeout"},
         {"render missing.json -o a.png", "missing.json: cannot be opened"},
         {"render . -o a.png", ".: is a folder"},
         {"render type.json -o a.png", "type.json: camera: must be an object"},
-        {"render key.json -o a.png", "key.json: has the unknown key \"cammera\""},
+        {"render key.json -o a.png",
+         "key.json: has the unknown key \"cammera\"; the keys here are view, camera, limits"},
         {"render empty.json -o a.png", "empty.json: needs the key \"camera\""},
         {"render ok.json -o a.png", "ok.json: tiles[0].mbtiles: town.mbtiles: does not exist"},
         {"render text.json -o a.png", "text.json: tiles[0].mbtiles: text.mbtiles: is no tile archive"},
@@ -99,7 +110,14 @@ TEST_F(ProgramTest, badInputGivesOneLineAndExitCodeTwo) {
         {"render geojson.json -o a.png", "geojson.json: geojson[0].file: bad.geojson: coordinates[1]: must"},
         {"render ok.json -o a.png --size 0x0", "--size"},
         {"render ok.json -o a.png --size 100000x100000", "--size"},
+        {"render ok.json -o a.png --size 8193x8192", "more than 67108864 pixels in all"},
         {"render ok.json -o a.png --size 5", "--size 5: must be"},
+        {"render ok.json -o a.png --size 800x600abc", "--size 800x600abc: must be"},
+        {"render ok.json -o a.png --size 800x600x", "--size 800x600x: must be"},
+        {"render ok.json -o a.png --size ' 800x600'", "must be a width"},
+        {"render ok.json -o a.png --camera 1,2,17,0,0,0", "must be LAT"},
+        {"render ok.json -o a.png --camera 1,2,31,0,0", "zoom must be a number from 0 to 30"},
+        {"render ok.json -o a.png --camera 1,2,17,0,-1", "viewing angle must be"},
         {"render ok.json -o a.png --camera 1,2,3", "--camera 1,2,3: must be LAT"},
         {"render ok.json -o a.png --camera 91,2,17,0,0", "latitude from -90 to 90"},
         {"render ok.json -o a.png --camera 1,2,nan,0,0", "--camera"},
@@ -211,6 +229,61 @@ TEST_F(ProgramTest, locateAnswersLineByLineAndGoesOnAfterABadOne) {
     const Outcome corners = run("locate scene.json --corners --camera -33.8,151.2,18,0,0 --size 200x200");
     EXPECT_EQ(corners.exitCode, 0);
     EXPECT_TRUE(corners.output.starts_with("{\"topLeft\":{\"lat\":-33.7")) << corners.output;
+}
+
+TEST_F(ProgramTest, theNameSaysWhereAPictureGoesAndInWhichFormat) {
+    folder.write("scene.json", R"({"view": {"width": 64, "height": 48, "background": "#0000ff"},
+        "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17}})");
+    const std::string longName = std::string(246, 'n') + ".png";
+    const std::pair<std::string, std::string> magics[] = {{"a.PNG", "\x89PNG"},
+                                                          {"a.jpg", "\xff\xd8\xff"},
+                                                          {"b.jpeg", "\xff\xd8\xff"},
+                                                          {"a.webp", "RIFF"},
+                                                          {longName, "\x89PNG"}};
+    for (const auto& [name, magic] : magics) {
+        const Outcome outcome = run("render scene.json -o " + name);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_TRUE(textOf(folder.path(name)).starts_with(magic)) << name;
+        ASSERT_TRUE(picture(name)) << name;
+        EXPECT_GT(pixelOf(*picture(name), 32, 24)[2], 245) << name;
+    }
+    const Outcome piped = run("render scene.json -o -");
+    EXPECT_EQ(piped.exitCode, 0) << piped.errors;
+    EXPECT_EQ(piped.output, textOf(folder.path("a.PNG")));
+}
+
+TEST_F(ProgramTest, anOutputThatTakesNothingIsAFailure) {
+    folder.write("scene.json", R"({"camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17}})");
+    const std::string program =
+        "cd '" + folder.path("") + "' && echo '{\"x\":1,\"y\":1}' | '" TRELMIX_PROGRAM "' ";
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    ::close(ends[0]);
+    const std::string intoBrokenPipe = ">&" + std::to_string(ends[1]);
+    for (const std::string arguments : {"locate scene.json", "locate scene.json --corners", "--help",
+                                        "--version", "locate --help", "render scene.json -o -"}) {
+        for (const std::string& output : {std::string(">/dev/full"), std::string(">&-"), intoBrokenPipe}) {
+            const int status = std::system((program + arguments + " 2>err " + output).c_str());
+            EXPECT_EQ(WEXITSTATUS(status), 2) << arguments << output;
+            EXPECT_TRUE(
+                textOf(folder.path("err")).starts_with("trelmix: standard output: cannot be written: "))
+                << arguments << output << textOf(folder.path("err"));
+        }
+    }
+    ::close(ends[1]);
+}
+
+TEST_F(ProgramTest, aDataFileIsASceneOfItsOwn) {
+    writeArchive("town.mbtiles", 64);
+    folder.write("spread.geojson", R"({"type": "MultiPoint", "attribution": "others",
+        "coordinates": [[0, 0], [40, 0], [0, 50], [21, 26]]})");
+    EXPECT_EQ(run("render town.mbtiles -o a.png").exitCode, 0);
+    EXPECT_EQ(pixelOf(*picture("a.png"), 300, 200), (std::array{200, 100, 50}));
+    ASSERT_EQ(run("render spread.geojson -o b.png --size 300x200").exitCode, 0);
+    const auto spread = picture("b.png");
+    // Too large for one view: the point nearest to the middle is shown, by the rim of its pin.
+    EXPECT_EQ(pixelOf(*spread, 150 - 8, 100 - 20), (std::array{126, 126, 126}));
+    EXPECT_NE(pixelOf(*spread, 290, 190), (std::array{255, 255, 255})) << "the file's attribution";
 }
 
 TEST_F(ProgramTest, viewSaysWhatIsMissingWhenThereIsNoWindowProgram) {
