@@ -89,9 +89,7 @@ TEST(SceneFile, deepNestingIsRefusedInsteadOfExhaustingTheStack) {
 TEST(SceneFile, pathsAreJoinedWithTheFolderUnlessTheyAreAbsolute) {
     const auto scene = parseSceneFile(R"({
         "tiles": [{"mbtiles": "a.mbtiles"}, {"directory": "/t/{z}/{x}/{y}.png", "attribution": ""}],
-        "markers": [{"coordinate": {"lat": 1, "lon": 2}, "icon": "icons/i@2x.png", "zIndex": -9223372036854775808}],
-        "polygons": [{"corners": [{"lat": 0, "lon": 0}, {"lat": 0, "lon": 1}, {"lat": 1, "lon": 1}],
-                      "color": "#10203040", "visible": false}]})",
+        "markers": [{"coordinate": {"lat": 1, "lon": 2}, "icon": "icons/i@2x.png", "zIndex": -9223372036854775808}]})",
                                       "/scenes");
     ASSERT_TRUE(scene) << scene.reason();
     EXPECT_EQ(scene->tiles[0].mbtiles, "/scenes/a.mbtiles");
@@ -100,8 +98,4 @@ TEST(SceneFile, pathsAreJoinedWithTheFolderUnlessTheyAreAbsolute) {
     EXPECT_EQ(scene->tiles[1].attribution, "");
     EXPECT_EQ(scene->markers[0].icon, "/scenes/icons/i@2x.png");
     EXPECT_EQ(scene->markers[0].overlay.zIndex, INT64_MIN);
-    EXPECT_EQ(scene->polygons[0].overlay.visible, false);
-    const UIColor color = scene->polygons[0].color.value();
-    EXPECT_DOUBLE_EQ(color.blue, 0x30 / 255.0);
-    EXPECT_DOUBLE_EQ(color.alpha, 0x40 / 255.0);
 }
