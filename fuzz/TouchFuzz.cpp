@@ -74,16 +74,16 @@ public:
                                                             UIGestureRecognizer&) override {
         return (answers = answers * 5 + 3) & 4;
     }
-    std::shared_ptr<UIView> viewForZoomingInScrollView(UIScrollView&) override { return content; }
+    std::shared_ptr<ViewNode> viewForZoomingInScrollView(UIScrollView&) override { return content; }
 
     std::vector<std::shared_ptr<UIGestureRecognizer>> recognizers;
-    std::shared_ptr<UIView> root = UIView::make({{0, 0}, {425, 425}});
+    std::shared_ptr<ViewNode> root = ViewNode::make({{0, 0}, {425, 425}});
     std::shared_ptr<UIScrollView> scroll = UIScrollView::make({{100, 100}, {200, 200}});
-    std::shared_ptr<UIView> content = UIView::make({{0, 0}, {600, 900}});
+    std::shared_ptr<ViewNode> content = ViewNode::make({{0, 0}, {600, 900}});
     std::unique_ptr<TouchDispatcher> dispatcher = std::make_unique<TouchDispatcher>(root);
 
 private:
-    void addRecognizers(UIView& view) {
+    void addRecognizers(ViewNode& view) {
         const auto tap = std::make_shared<UITapGestureRecognizer>();
         const auto doubleTap = std::make_shared<UITapGestureRecognizer>();
         const auto press = std::make_shared<UILongPressGestureRecognizer>();

@@ -3,7 +3,7 @@
 
 #include "Platform/View/LayoutConstraint.h"
 
-#include <Trelmix/Platform/UIView.h>
+#include "Platform/View/ViewNode.h"
 
 #include <cmath>
 #include <cstdint>
@@ -12,8 +12,8 @@
 using namespace trelmix;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const auto child = UIView::make();
-    const auto root = UIView::make({{0, 0}, {100, 100}});
+    static const auto child = ViewNode::make();
+    const auto root = ViewNode::make({{0, 0}, {100, 100}});
     root->addSubview(child);
     auto result = LayoutConstraint::constraintsWithVisualFormat({reinterpret_cast<const char*>(data), size},
                                                                 {{"width", 5}, {"bad", std::nan("")}},

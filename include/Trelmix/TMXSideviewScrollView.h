@@ -17,7 +17,7 @@
 
 namespace trelmix {
 
-class SideviewProjection;
+class TMXSideviewProjection;
 class TMXSideviewScrollViewDelegate;
 class TrelmixMapEngine;
 class UIView;
@@ -73,7 +73,7 @@ public:
     virtual void mapViewIdle() = 0;
 
     /// How the bitmap lies in the world; empty unless the last set-up went well.
-    virtual std::shared_ptr<const SideviewProjection> sideviewProjection() const = 0;
+    virtual std::shared_ptr<const TMXSideviewProjection> sideviewProjection() const = 0;
     /// The levels that have a number, in the file's order.
     virtual std::vector<std::int64_t> levelNumbers() const = 0;
     /// The level drawn at, or nearest to, a point of `view()`; empty without levels.

@@ -36,7 +36,7 @@ std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::make(CGRec
     return engine;
 }
 
-TrelmixMapEngineSceneView::TrelmixMapEngineSceneView(CGRect frame) : UIView(frame) {}
+TrelmixMapEngineSceneView::TrelmixMapEngineSceneView(CGRect frame) : ViewNode(frame) {}
 
 TrelmixMapEngineSceneView::~TrelmixMapEngineSceneView() {
     const SceneLock lock;
@@ -71,7 +71,6 @@ std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::self() {
 void TrelmixMapEngineSceneView::setupSceneKit() {
     _sceneView = SCNView::make(frame());
     _sceneView->setAlpha(0);
-    _sceneView->setTranslatesAutoresizingMaskIntoConstraints(false);
     addSubview(_sceneView);
     for (const char* format : {"V:|[sceneView]|", "H:|[sceneView]|"}) {
         if (auto pinned =
@@ -288,7 +287,7 @@ void TrelmixMapEngineSceneView::rendererUpdateAtTime(SCNView& view, double) {
 }
 
 void TrelmixMapEngineSceneView::layoutSubviews() {
-    UIView::layoutSubviews();
+    ViewNode::layoutSubviews();
     if (_cameraProjection) {
         _cameraProjection->setMapDimensions({frame().size.width, frame().size.height});
     }

@@ -6,6 +6,7 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/SCNView.h"
 #include "Platform/View/UIGestureRecognizer.h"
+#include "Platform/View/ViewNode.h"
 
 #include <Trelmix/TrelmixLevelPlanNode.h>
 #include <Trelmix/TrelmixMapEngine.h>
@@ -23,7 +24,7 @@ class MarkerNode;
 /// `internalSetCamera`.
 ///
 /// Made by the factory. Its last reference may fall on any thread; it is then destroyed by the main queue.
-class TrelmixMapEngineSceneView final : public UIView,
+class TrelmixMapEngineSceneView final : public ViewNode,
                                         public TrelmixMapEngine,
                                         public SCNSceneRendererDelegate,
                                         public UIGestureRecognizerDelegate {

@@ -6,8 +6,7 @@
 #include <Trelmix/Platform/CGGeometry.h>
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
-#include <Trelmix/TrelmixMapEngineCamera.h>
-#include <Trelmix/TrelmixMapProjection.h>
+#include <Trelmix/TMXSideviewProjection.h>
 
 #include <cstdint>
 #include <memory>
@@ -32,7 +31,7 @@ inline constexpr std::int64_t kLevelNotFound = -1337;
 ///
 /// Made from a levels file, immutable afterwards, shared by whoever shows it. Any thread. Numbers that are
 /// not finite give results that are not finite, never a fault.
-class SideviewProjection {
+class SideviewProjection final : public TMXSideviewProjection {
 public:
     /// @param path the levels file.
     /// @param dimensionX,dimensionY size of the image, image points.
@@ -46,32 +45,26 @@ public:
     static Result<std::shared_ptr<const SideviewProjection>> make(LevelsFile file, double dimensionX,
                                                                   double dimensionY);
 
-    /// The image point of a coordinate on a level: x from the coordinate, y the level's middle. 0 for the y
-    /// of a level that the file does not have.
-    CGPoint point(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) const;
-    /// The place on the box's diagonal that the point's x stands for. Knows neither the margins nor the
-    /// direction that `point` may turn round: its inverse only where both have no effect.
-    CLLocationCoordinate2D coordinate(CGPoint point) const;
+    CGPoint point(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) const override;
+    CLLocationCoordinate2D coordinate(CGPoint point) const override;
 
-    /// The level drawn at a point's height, else the nearest; where levels meet or overlap the later one in
-    /// the file.
-    std::optional<std::int64_t> levelAt(CGPoint point) const;
+    /// Where levels meet or overlap the later one in the file.
+    std::optional<std::int64_t> levelAt(CGPoint point) const override;
     /// The same, kLevelNotFound when there is none.
     std::int64_t levelNumber(CGPoint point) const;
     /// Every extent, of any level, at the point's height in file order, else the one nearest extent; empty
     /// when the file has none at all.
     std::vector<SideviewLevelBounds> levelBounds(CGPoint point) const;
     /// Ceiling height in metres of the first of `levelBounds`, 0 without.
-    double levelHeight(CGPoint point) const;
+    double levelHeight(CGPoint point) const override;
 
     /// Where the map's view lies on a level. With kInvalidLevel only the horizontal extent counts, y and
     /// height are 0; a view whose corners have no finite place covers the whole width. Not finite in y and
     /// height for a file without levels.
-    CGRect cameraBoundingRectangle(const TrelmixMapProjection& projection, std::int64_t levelNumber) const;
-    /// The current camera moved along the bearing to the point's x; empty when its target would not be
-    /// finite.
+    CGRect cameraBoundingRectangle(const TrelmixMapProjection& projection,
+                                   std::int64_t levelNumber) const override;
     std::shared_ptr<TrelmixMapEngineCamera>
-    cameraForSideviewPoint(CGPoint point, const TrelmixMapEngineCamera& currentCamera) const;
+    cameraForSideviewPoint(CGPoint point, const TrelmixMapEngineCamera& currentCamera) const override;
 
     /// The first level of that number in the file.
     std::optional<SideviewLevel> levelInfo(std::int64_t levelNumber) const;

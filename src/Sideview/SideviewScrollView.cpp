@@ -21,7 +21,7 @@ bool isFinite(const CGRect& rect) {
            std::isfinite(rect.size.height);
 }
 
-void pin(UIView& superview, const char* format, const LayoutConstraint::Metrics& metrics,
+void pin(ViewNode& superview, const char* format, const LayoutConstraint::Metrics& metrics,
          const LayoutConstraint::Views& views) {
     if (auto constraints = LayoutConstraint::constraintsWithVisualFormat(format, metrics, views)) {
         superview.addConstraints(std::move(*constraints));
@@ -39,6 +39,7 @@ std::shared_ptr<UIView> addTintedView(UIView& superview, CGRect frame, UIColor c
 
 TMXSideviewScrollViewDelegate::~TMXSideviewScrollViewDelegate() = default;
 TMXSideviewScrollView::~TMXSideviewScrollView() = default;
+TMXSideviewProjection::~TMXSideviewProjection() = default;
 
 std::shared_ptr<TMXSideviewScrollView> TMXSideviewScrollView::make(CGRect frame) {
     return SideviewScrollView::make(frame);
@@ -133,7 +134,6 @@ void SideviewScrollView::removeHierarchy() {
 void SideviewScrollView::addScrollView() {
     _scrollView = UIScrollView::make();
     _scrollView->setDelegate(self());
-    _scrollView->setTranslatesAutoresizingMaskIntoConstraints(false);
     addSubview(_scrollView);
     for (const char* format : {"H:|[scrollView]|", "V:|[scrollView]|"}) {
         pin(*this, format, {}, {{"scrollView", _scrollView}});
@@ -144,7 +144,6 @@ void SideviewScrollView::addImageView(const std::shared_ptr<const UIImage>& imag
     _imageView = SideviewImageView::make(image);
     _imageView->setBackgroundColor(backgroundColor());
     _imageView->setParentScrollView(self());
-    _imageView->setTranslatesAutoresizingMaskIntoConstraints(false);
     _scrollView->addSubview(_imageView);
     const LayoutConstraint::Metrics metrics{{"width", image->size().width}, {"height", image->size().height}};
     for (const char* format : {"H:|[sideviewImageView(==width)]|", "V:|[sideviewImageView(==height)]|"}) {

@@ -3,11 +3,11 @@
 #include "Platform/Graphics/UIBezierPath.h"
 #include "Platform/View/UIGestureRecognizer.h"
 #include "Platform/View/UIScrollView.h"
+#include "Platform/View/ViewNode.h"
 #include "Sideview/SideviewImageView.h"
 #include "Sideview/SideviewMarker.h"
 #include "Sideview/SideviewProjection.h"
 
-#include <Trelmix/Platform/UIView.h>
 #include <Trelmix/TMXSideviewScrollView.h>
 #include <Trelmix/TMXSideviewScrollViewDelegate.h>
 #include <Trelmix/TrelmixMapEngine.h>
@@ -21,7 +21,7 @@ namespace trelmix {
 ///
 /// There is no hierarchy before the set-up and no projection after one that failed. Scrolling that is off
 /// while zooming is enabled means that a long press has started a camera drag.
-class SideviewScrollView final : public UIView,
+class SideviewScrollView final : public ViewNode,
                                  public TMXSideviewScrollView,
                                  public UIScrollViewDelegate,
                                  public UIGestureRecognizerDelegate {
@@ -44,7 +44,7 @@ public:
     void mapViewIdle() override;
     void mapViewIdleAtCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera) override;
 
-    std::shared_ptr<const SideviewProjection> sideviewProjection() const override { return _projection; }
+    std::shared_ptr<const TMXSideviewProjection> sideviewProjection() const override { return _projection; }
     std::vector<std::int64_t> levelNumbers() const override;
     std::optional<std::int64_t> levelAt(CGPoint point) const override;
     std::shared_ptr<UIView> sideviewCameraRectangle() const override { return _cameraRectangle; }
@@ -83,7 +83,7 @@ public:
     }
 
 private:
-    explicit SideviewScrollView(CGRect frame) : UIView(frame) {}
+    explicit SideviewScrollView(CGRect frame) : ViewNode(frame) {}
     std::shared_ptr<SideviewScrollView> self();
     void removeHierarchy();
     void addScrollView();

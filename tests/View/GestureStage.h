@@ -6,6 +6,7 @@
 #include "Platform/View/UIPinchGestureRecognizer.h"
 #include "Platform/View/UIRotationGestureRecognizer.h"
 #include "Platform/View/UITapGestureRecognizer.h"
+#include "Platform/View/ViewNode.h"
 #include "support/TouchStory.h"
 
 #include <gtest/gtest.h>
@@ -70,7 +71,7 @@ protected:
         return true;
     }
 
-    std::shared_ptr<UIView> view = UIView::make({{0, 0}, {400, 800}});
+    std::shared_ptr<ViewNode> view = ViewNode::make({{0, 0}, {400, 800}});
     std::shared_ptr<UIPinchGestureRecognizer> pinch = std::make_shared<UIPinchGestureRecognizer>();
     std::shared_ptr<UIRotationGestureRecognizer> rotation = std::make_shared<UIRotationGestureRecognizer>();
     std::shared_ptr<UIPanGestureRecognizer> pan = std::make_shared<UIPanGestureRecognizer>();

@@ -88,7 +88,7 @@ TEST_F(PressStory, aRestingFingerBeginsAndThenMayMove) {
 TEST_F(PressStory, aPressThatMustWaitForATapBeginsWhenTheTapHasFailed) {
     const auto tap = std::make_shared<UITapGestureRecognizer>();
     const auto press = std::make_shared<UILongPressGestureRecognizer>();
-    const auto plain = UIView::make({{0, 0}, {100, 100}});
+    const auto plain = ViewNode::make({{0, 0}, {100, 100}});
     press->requireGestureRecognizerToFail(tap);
     tap->requireGestureRecognizerToFail(press);
     view->addSubview(plain);
@@ -221,8 +221,8 @@ TEST_F(PairStory, ofTwoThatQualifyAtOnceTheFirstAddedWinsUnlessTheyMayRunTogethe
 }
 
 TEST_F(PanStory, fingersOnDifferentViewsDoNotDisturbEachOther) {
-    const auto left = UIView::make({{0, 0}, {200, 400}});
-    const auto inner = UIView::make({{50, 100}, {100, 100}});
+    const auto left = ViewNode::make({{0, 0}, {200, 400}});
+    const auto inner = ViewNode::make({{50, 100}, {100, 100}});
     left->addSubview(inner);
     view->addSubview(left);
     const auto ownPan = std::make_shared<UIPanGestureRecognizer>();

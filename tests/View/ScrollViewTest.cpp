@@ -56,7 +56,7 @@ protected:
     CGPoint pictureAt(CGPoint inWindow) const { return window->convertPointToView(inWindow, picture); }
 
     std::shared_ptr<int> owner = std::make_shared<int>();
-    std::shared_ptr<UIView> window = UIView::make({{0, 0}, {200, 100}});
+    std::shared_ptr<UIView> window = ViewNode::make({{0, 0}, {200, 100}});
     std::shared_ptr<UIScrollView> scroll = UIScrollView::make();
     std::shared_ptr<UIImageView> picture = UIImageView::make(plainImage(8, 4, {0, 128, 0, 255}));
     int zooms = 0;
@@ -171,11 +171,11 @@ TEST_F(ScrollStage, theComposedPictureShowsEveryViewWhereTouchesFindIt) {
     window->setBackgroundColor(UIColor::whiteColor());
     scroll->setZoomScale(0.5, false);
     scroll->setContentOffset({200, 100});
-    const auto mark = UIView::make({{500, 300}, {20, 20}});
+    const auto mark = ViewNode::make({{500, 300}, {20, 20}});
     mark->setBackgroundColor(UIColor::redColor());
     picture->addSubview(mark);
-    const auto veil = UIView::make({{0, 0}, {40, 40}});
-    const auto inner = UIView::make({{0, 0}, {20, 20}});
+    const auto veil = ViewNode::make({{0, 0}, {40, 40}});
+    const auto inner = ViewNode::make({{0, 0}, {20, 20}});
     veil->setBackgroundColor(UIColor::blueColor());
     inner->setBackgroundColor(UIColor::redColor());
     veil->setAlpha(0.5);
@@ -200,7 +200,7 @@ TEST_F(ScrollStage, theComposedPictureShowsEveryViewWhereTouchesFindIt) {
     EXPECT_EQ(pixelAt(**larger, 202, 102), (std::array{255, 255, 255, 255}));
     EXPECT_FALSE(ViewComposer::compose(*window, std::nan("")));
     EXPECT_FALSE(ViewComposer::compose(*window, 1e9));
-    EXPECT_FALSE(ViewComposer::compose(*UIView::make()));
+    EXPECT_FALSE(ViewComposer::compose(*ViewNode::make()));
 }
 
 } // namespace

@@ -90,7 +90,7 @@ TEST_F(TouchFaults, aRecogniserMayBeDisabledOrRemovedByAnyAction) {
 }
 
 TEST_F(TouchFaults, whatATapWaitsForMayVanishUnderItsHands) {
-    const auto other = UIView::make({{0, 0}, {100, 100}});
+    const auto other = ViewNode::make({{0, 0}, {100, 100}});
     auto triple = std::make_shared<UITapGestureRecognizer>();
     triple->setNumberOfTapsRequired(3);
     doubleTap->setIsEnabled(false);
@@ -109,8 +109,8 @@ TEST_F(TouchFaults, whatATapWaitsForMayVanishUnderItsHands) {
 
 TEST_F(TouchFaults, viewsRecognisersAndTheDispatcherMayEndInsideAnAction) {
     for (const bool isDispatcherFirst : {false, true}) {
-        const auto root = UIView::make({{0, 0}, {100, 100}});
-        auto child = UIView::make({{0, 0}, {100, 100}});
+        const auto root = ViewNode::make({{0, 0}, {100, 100}});
+        auto child = ViewNode::make({{0, 0}, {100, 100}});
         const std::weak_ptr<UIView> childGone = child;
         root->addSubview(child);
         const auto childPan = std::make_shared<UIPanGestureRecognizer>();
@@ -164,7 +164,7 @@ TEST_F(TouchFaults, aDelegateMayChangeThingsWhileItIsAsked) {
 }
 
 TEST_F(TouchFaults, aViewTakenOutOfTheTreeCancelsItsGesture) {
-    const auto window = UIView::make({{0, 0}, {400, 800}});
+    const auto window = ViewNode::make({{0, 0}, {400, 800}});
     window->addSubview(view);
     TouchStory outer(window);
     outer.down(1, {100, 300}).move(1, {150, 300});

@@ -1,6 +1,6 @@
 #include "Platform/View/LayoutConstraint.h"
 
-#include <Trelmix/Platform/UIView.h>
+#include "Platform/View/ViewNode.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@ namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(LayoutConstraint, pinnedViewsFollowTheirSuperviewAndFixedOnesKeepTheirLength) {
-    const auto parent = UIView::make({{5, 5}, {300, 200}});
-    const auto child = UIView::make();
+    const auto parent = ViewNode::make({{5, 5}, {300, 200}});
+    const auto child = ViewNode::make();
     parent->addSubview(child);
     const LayoutConstraint::Views views{{"child", child}};
     parent->addConstraints(*LayoutConstraint::constraintsWithVisualFormat("H:|[child]|", {}, views));
@@ -31,8 +31,8 @@ TEST(LayoutConstraint, pinnedViewsFollowTheirSuperviewAndFixedOnesKeepTheirLengt
 }
 
 TEST(LayoutConstraint, otherFormatsSayWhatIsWrong) {
-    const auto view = UIView::make();
-    auto gone = UIView::make();
+    const auto view = ViewNode::make();
+    auto gone = ViewNode::make();
     const LayoutConstraint::Views views{{"v", view}, {"gone", gone}};
     gone.reset();
     const LayoutConstraint::Metrics metrics{{"n", 4}, {"bad", kNaN}};
@@ -65,10 +65,10 @@ TEST(LayoutConstraint, otherFormatsSayWhatIsWrong) {
 }
 
 TEST(UIView, isHitAtItsTopmostVisibleViewAndPointsConvertBothWays) {
-    const auto root = UIView::make({{7, 7}, {400, 400}});
-    const auto lower = UIView::make({{50, 50}, {100, 100}});
-    const auto upper = UIView::make({{100, 100}, {100, 100}});
-    const auto inner = UIView::make({{80, 80}, {100, 100}});
+    const auto root = ViewNode::make({{7, 7}, {400, 400}});
+    const auto lower = ViewNode::make({{50, 50}, {100, 100}});
+    const auto upper = ViewNode::make({{100, 100}, {100, 100}});
+    const auto inner = ViewNode::make({{80, 80}, {100, 100}});
     root->addSubview(lower);
     root->addSubview(upper);
     upper->addSubview(inner);
@@ -85,18 +85,18 @@ TEST(UIView, isHitAtItsTopmostVisibleViewAndPointsConvertBothWays) {
 }
 
 TEST(UIView, refusesCirclesAndKeepsNumbersFinite) {
-    const auto a = UIView::make({{1, 2}, {-3, kNaN}});
+    const auto a = ViewNode::make({{1, 2}, {-3, kNaN}});
     EXPECT_EQ(a->frame(), (CGRect{{1, 2}, {0, 0}}));
     a->setFrame({{kNaN, 9}, {4, 4}});
     EXPECT_EQ(a->frame(), (CGRect{{1, 9}, {4, 4}}));
     a->setAlpha(kNaN);
     EXPECT_EQ(a->alpha(), 1);
-    auto b = UIView::make();
+    auto b = ViewNode::make();
     a->addSubview(b);
     a->addSubview(a);
     b->addSubview(a);
     EXPECT_EQ(a->superview(), nullptr);
-    const auto c = UIView::make();
+    const auto c = ViewNode::make();
     c->addSubview(b);
     EXPECT_TRUE(a->subviews().empty());
     EXPECT_EQ(b->superview(), c);

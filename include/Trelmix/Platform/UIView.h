@@ -12,16 +12,12 @@
 
 namespace trelmix {
 
-class Canvas;
-class LayoutConstraint;
-class UIGestureRecognizer;
-class ViewComposer;
+class ViewNode;
 
-/// A node of the view tree: a frame in its parent's coordinates, subviews drawn in order above it, and the
-/// gesture recognisers that watch the touches which land in it.
+/// A node of the view tree: a frame in its parent's coordinates, and subviews drawn in order above it.
 ///
-/// Made by the `make()` of each kind, owned by its superview and by whoever holds it; the way back up is
-/// weak. Main thread only.
+/// A plain one is made by `make`; an engine and a side view have one of their own. Owned by its superview and
+/// by whoever holds it; the way back up is weak. Main thread only.
 class TRELMIX_API UIView : public std::enable_shared_from_this<UIView> {
 public:
     /// A view without superview and content.
@@ -53,21 +49,10 @@ public:
     std::shared_ptr<UIView> superview() const { return _superview.lock(); }
     const std::vector<std::shared_ptr<UIView>>& subviews() const { return _subviews; }
 
-    /// Constraints place a view whatever this says; one without constraints keeps its frame.
-    void setTranslatesAutoresizingMaskIntoConstraints(bool translates) { _translatesMask = translates; }
-    /// Constraints made by `LayoutConstraint::constraintsWithVisualFormat`; they act at every layout pass.
-    void addConstraints(std::vector<LayoutConstraint> constraints);
+    /// Has the next `layoutIfNeeded` run the layout pass of this view.
     void setNeedsLayout() { _needsLayout = true; }
     /// Runs the layout pass of this view and of those below it where one is due.
     void layoutIfNeeded();
-
-    /// The recognisers that see the touches landing in this view and below it, in order of addition. One that
-    /// is there already, and an empty one, change nothing.
-    void addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
-    void removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer);
-    const std::vector<std::shared_ptr<UIGestureRecognizer>>& gestureRecognizers() const {
-        return _recognizers;
-    }
 
     /// The deepest view at a point of this view's coordinates, empty outside. Hidden and transparent views
     /// and what is below them are passed over; of siblings the topmost wins.
@@ -79,36 +64,25 @@ public:
     CGPoint convertPointToView(CGPoint point, const std::shared_ptr<UIView>& view) const;
 
 protected:
-    /// For the `make()` of derived kinds.
-    explicit UIView(CGRect frame);
-    /// Applies the constraints; overriders call it first.
-    virtual void layoutSubviews();
-    /// The area, from the origin of the view's own coordinates, whose edges constraints pin subviews to.
-    virtual CGSize layoutArea() const { return _frame.size; }
-    const std::vector<LayoutConstraint>& constraints() const { return _constraints; }
     /// From the view's own coordinates to its superview's; scroll views scale and shift here. Never turns.
     virtual CGPoint toSuperview(CGPoint point) const;
+    /// The way back.
     virtual CGPoint fromSuperview(CGPoint point) const;
-    /// Paints the content above the background and below the subviews, in the view's own coordinates.
-    virtual void draw(Canvas& canvas) const;
-    /// True when nothing below shows outside the frame.
-    virtual bool clipsToBounds() const { return false; }
 
 private:
-    friend class ViewComposer;
+    friend class ViewNode;
+    explicit UIView(CGRect frame);
+    virtual void layoutSubviews() = 0;
     CGPoint toRoot(CGPoint point) const;
     CGPoint fromRoot(CGPoint point) const;
 
     CGRect _frame;
     double _alpha = 1;
     bool _isHidden = false;
-    bool _translatesMask = true;
     bool _needsLayout = true;
     std::optional<UIColor> _backgroundColor;
     std::weak_ptr<UIView> _superview;
     std::vector<std::shared_ptr<UIView>> _subviews;
-    std::vector<LayoutConstraint> _constraints;
-    std::vector<std::shared_ptr<UIGestureRecognizer>> _recognizers;
 };
 
 } // namespace trelmix

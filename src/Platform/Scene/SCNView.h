@@ -3,8 +3,7 @@
 #include "Platform/Scene/DrawList.h"
 #include "Platform/Scene/HitTest.h"
 #include "Platform/Scene/SCNScene.h"
-
-#include <Trelmix/Platform/UIView.h>
+#include "Platform/View/ViewNode.h"
 
 #include <memory>
 #include <optional>
@@ -22,7 +21,7 @@ public:
 };
 
 /// The view that shows a scene. A host asks it for one frame after another and has them drawn.
-class SCNView final : public UIView {
+class SCNView final : public ViewNode {
 public:
     static std::shared_ptr<SCNView> make(CGRect frame);
 
@@ -55,7 +54,7 @@ public:
 
 private:
     DrawCamera drawCamera() const;
-    explicit SCNView(CGRect frame) : UIView(frame) {}
+    explicit SCNView(CGRect frame) : ViewNode(frame) {}
 
     std::shared_ptr<SCNScene> _scene;
     std::weak_ptr<SCNNode> _pointOfView;

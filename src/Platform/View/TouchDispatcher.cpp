@@ -6,8 +6,7 @@
 #include "Platform/Foundation/Thread.h"
 #include "Platform/View/GestureArbiter.h"
 #include "Platform/View/UIGestureRecognizer.h"
-
-#include <Trelmix/Platform/UIView.h>
+#include "Platform/View/ViewNode.h"
 
 #include <algorithm>
 #include <cmath>
@@ -169,8 +168,8 @@ void TouchDispatcher::State::begin(const Touch& touch, double time) {
     GestureArbiter::Recognizers recognizers;
     const std::shared_ptr<UIView> hit = root->hitTest(touch.location);
     for (std::shared_ptr<UIView> view = hit; view; view = view == root ? nullptr : view->superview()) {
-        recognizers.insert(recognizers.end(), view->gestureRecognizers().begin(),
-                           view->gestureRecognizers().end());
+        const auto& own = ViewNode::of(*view).gestureRecognizers();
+        recognizers.insert(recognizers.end(), own.begin(), own.end());
     }
     if (hit) {
         _touches.push_back({touch.identifier, ++_lastSerial, touch.location});

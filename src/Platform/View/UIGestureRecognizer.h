@@ -118,7 +118,7 @@ protected:
 
 private:
     friend class GestureArbiter;
-    friend class UIView;
+    friend class ViewNode;
 
     void setView(std::weak_ptr<UIView> view);
     void withdraw();

@@ -13,7 +13,7 @@ std::shared_ptr<UIImageView> UIImageView::make(CGRect frame) {
 }
 
 UIImageView::UIImageView(std::shared_ptr<const UIImage> image)
-    : UIView({{0, 0}, image ? image->size() : CGSize{}}), _image(std::move(image)) {}
+    : ViewNode({{0, 0}, image ? image->size() : CGSize{}}), _image(std::move(image)) {}
 
 void UIImageView::draw(Canvas& canvas) const {
     if (_image) {

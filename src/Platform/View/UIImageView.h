@@ -1,12 +1,13 @@
 #pragma once
 
+#include "Platform/View/ViewNode.h"
+
 #include <Trelmix/Platform/UIImage.h>
-#include <Trelmix/Platform/UIView.h>
 
 namespace trelmix {
 
 /// Shows one image, stretched over its bounds. Main thread only.
-class UIImageView : public UIView {
+class UIImageView : public ViewNode {
 public:
     /// At the origin, as large as the image.
     static std::shared_ptr<UIImageView> make(std::shared_ptr<const UIImage> image);
@@ -18,7 +19,7 @@ public:
 
 protected:
     explicit UIImageView(std::shared_ptr<const UIImage> image);
-    explicit UIImageView(CGRect frame) : UIView(frame) {}
+    explicit UIImageView(CGRect frame) : ViewNode(frame) {}
 
     /// Draws the image; overriders call it and draw on top, so that what they add is as sharp as the picture
     /// that is composed. The canvas counts in the view's own coordinates.

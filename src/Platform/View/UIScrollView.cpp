@@ -49,7 +49,7 @@ std::shared_ptr<UIScrollView> UIScrollView::make(CGRect frame) {
 }
 
 UIScrollView::UIScrollView(CGRect frame)
-    : UIView(frame), _pan(std::make_shared<UIPanGestureRecognizer>()),
+    : ViewNode(frame), _pan(std::make_shared<UIPanGestureRecognizer>()),
       _pinch(std::make_shared<UIPinchGestureRecognizer>()) {
     _ownGestures = std::make_shared<OwnGestures>(*this);
 }
@@ -94,7 +94,7 @@ CGPoint UIScrollView::fromSuperview(CGPoint point) const {
 }
 
 void UIScrollView::layoutSubviews() {
-    UIView::layoutSubviews();
+    ViewNode::layoutSubviews();
     CGSize size = _contentSize;
     for (const LayoutConstraint& constraint : constraints()) {
         const std::shared_ptr<UIView> view = constraint.view();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Trelmix/Platform/UIView.h>
+#include "Platform/View/ViewNode.h"
 
 namespace trelmix {
 
@@ -27,7 +27,7 @@ public:
 /// at zoom 1: they do not depend on zoom or offset. One finger or more pan the content, two pinch it about
 /// their middle. It lies in another view; as the root of a tree it cannot be scrolled by hand. Main thread
 /// only.
-class UIScrollView : public UIView {
+class UIScrollView : public ViewNode {
 public:
     static std::shared_ptr<UIScrollView> make(CGRect frame = {});
     ~UIScrollView() override;

@@ -1,7 +1,6 @@
 #include <Trelmix/Platform/UIView.h>
 
-#include "Platform/View/LayoutConstraint.h"
-#include "Platform/View/UIGestureRecognizer.h"
+#include "Platform/View/ViewNode.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +24,7 @@ bool contains(const CGRect& rect, CGPoint point) {
 } // namespace
 
 std::shared_ptr<UIView> UIView::make(CGRect frame) {
-    return std::shared_ptr<UIView>(new UIView(frame));
+    return ViewNode::make(frame);
 }
 
 UIView::UIView(CGRect frame) {
@@ -85,11 +84,6 @@ void UIView::removeFromSuperview() {
     old->_subviews.erase(place);
 }
 
-void UIView::addConstraints(std::vector<LayoutConstraint> constraints) {
-    std::move(constraints.begin(), constraints.end(), std::back_inserter(_constraints));
-    setNeedsLayout();
-}
-
 void UIView::layoutIfNeeded() {
     const std::shared_ptr<UIView> self = shared_from_this();
     if (std::exchange(_needsLayout, false)) {
@@ -100,48 +94,6 @@ void UIView::layoutIfNeeded() {
     for (const std::shared_ptr<UIView>& child : children) {
         child->layoutIfNeeded();
     }
-}
-
-void UIView::layoutSubviews() {
-    std::erase_if(_constraints, [](const LayoutConstraint& constraint) { return !constraint.view(); });
-    const std::vector<LayoutConstraint> constraints = _constraints;
-    const CGSize area = layoutArea();
-    for (const LayoutConstraint& constraint : constraints) {
-        const std::shared_ptr<UIView> view = constraint.view();
-        if (!view || view->superview().get() != this) {
-            continue;
-        }
-        CGRect frame = view->frame();
-        if (constraint.axis() == LayoutConstraint::Axis::horizontal) {
-            frame.origin.x = 0;
-            frame.size.width = constraint.length().value_or(area.width);
-        } else {
-            frame.origin.y = 0;
-            frame.size.height = constraint.length().value_or(area.height);
-        }
-        view->setFrame(frame);
-    }
-}
-
-void UIView::addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
-    if (!recognizer || recognizer->view().get() == this) {
-        return;
-    }
-    if (const std::shared_ptr<UIView> old = recognizer->view()) {
-        old->removeGestureRecognizer(recognizer);
-    }
-    _recognizers.push_back(recognizer);
-    recognizer->setView(weak_from_this());
-}
-
-void UIView::removeGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
-    const auto place = std::find(_recognizers.begin(), _recognizers.end(), recognizer);
-    if (place == _recognizers.end()) {
-        return;
-    }
-    const std::shared_ptr<UIGestureRecognizer> removed = std::move(*place);
-    _recognizers.erase(place);
-    removed->setView({});
 }
 
 std::shared_ptr<UIView> UIView::hitTest(CGPoint point) {
@@ -189,7 +141,5 @@ CGPoint UIView::toSuperview(CGPoint point) const {
 CGPoint UIView::fromSuperview(CGPoint point) const {
     return {point.x - _frame.origin.x, point.y - _frame.origin.y};
 }
-
-void UIView::draw(Canvas&) const {}
 
 } // namespace trelmix

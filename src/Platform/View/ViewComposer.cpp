@@ -1,6 +1,7 @@
 #include "Platform/View/ViewComposer.h"
 
 #include "Platform/Graphics/Canvas.h"
+#include "Platform/View/ViewNode.h"
 
 #include <Trelmix/Platform/UIImage.h>
 
@@ -42,11 +43,11 @@ Result<std::shared_ptr<const UIImage>> ViewComposer::compose(UIView& root, doubl
     }
     const CGPoint frameOrigin = root.frame().origin;
     const Place place{{-frameOrigin.x, -frameOrigin.y}, 1, {{0, 0}, size}};
-    drawView(root, place, {canvas, static_cast<int>(width), static_cast<int>(height), scale});
+    drawView(ViewNode::of(root), place, {canvas, static_cast<int>(width), static_cast<int>(height), scale});
     return std::move(canvas).image();
 }
 
-ViewComposer::Place ViewComposer::placeOf(const UIView& view, const Place& place) {
+ViewComposer::Place ViewComposer::placeOf(const ViewNode& view, const Place& place) {
     const CGPoint origin = view.toSuperview({0, 0});
     const double zoom = view.toSuperview({1, 0}).x - origin.x;
     return {{place.origin.x + place.zoom * origin.x, place.origin.y + place.zoom * origin.y},
@@ -54,7 +55,7 @@ ViewComposer::Place ViewComposer::placeOf(const UIView& view, const Place& place
             place.clip};
 }
 
-void ViewComposer::drawView(const UIView& view, const Place& place, const Target& target) {
+void ViewComposer::drawView(const ViewNode& view, const Place& place, const Target& target) {
     if (view.isHidden() || view.alpha() <= 0 || isEmpty(place.clip)) {
         return;
     }
@@ -70,7 +71,7 @@ void ViewComposer::drawView(const UIView& view, const Place& place, const Target
     }
 }
 
-void ViewComposer::drawOpaque(const UIView& view, const Place& place, const Target& target) {
+void ViewComposer::drawOpaque(const ViewNode& view, const Place& place, const Target& target) {
     const CGRect bounds = view.bounds();
     const CGRect onCanvas{
         {place.origin.x + place.zoom * bounds.origin.x, place.origin.y + place.zoom * bounds.origin.y},
@@ -93,7 +94,7 @@ void ViewComposer::drawOpaque(const UIView& view, const Place& place, const Targ
         canvas.restore();
     }
     for (const std::shared_ptr<UIView>& child : view.subviews()) {
-        drawView(*child, below, target);
+        drawView(ViewNode::of(*child), below, target);
     }
 }
 

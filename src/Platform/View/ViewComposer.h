@@ -10,6 +10,7 @@ namespace trelmix {
 
 class Canvas;
 class UIImage;
+class ViewNode;
 
 /// Draws a view tree: of every visible view its background, its content and then its subviews, at the alpha
 /// and the zoom they have; scroll views show nothing outside their frame. Main thread only.
@@ -33,10 +34,10 @@ private:
         int height = 0;
         double scale = 1;
     };
-    static void drawView(const UIView& view, const Place& place, const Target& target);
-    static void drawOpaque(const UIView& view, const Place& place, const Target& target);
+    static void drawView(const ViewNode& view, const Place& place, const Target& target);
+    static void drawOpaque(const ViewNode& view, const Place& place, const Target& target);
     /// Where a view's own coordinates lie when its superview's lie at `place`.
-    static Place placeOf(const UIView& view, const Place& place);
+    static Place placeOf(const ViewNode& view, const Place& place);
 };
 
 } // namespace trelmix
