@@ -48,7 +48,9 @@ public:
 protected:
     /// For the library's own kind.
     TMXSideviewProjection() = default;
+    /// For the library's own kind.
     TMXSideviewProjection(const TMXSideviewProjection&) = default;
+    /// For the library's own kind.
     TMXSideviewProjection& operator=(const TMXSideviewProjection&) = default;
 };
 

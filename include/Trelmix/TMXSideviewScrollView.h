@@ -42,13 +42,16 @@ public:
     virtual std::shared_ptr<UIView> view() = 0;
     /// Hears of taps and of camera drags; not owned.
     virtual std::shared_ptr<TMXSideviewScrollViewDelegate> delegate() const = 0;
+    /// Takes the place of the one before; empty for none.
     virtual void setDelegate(std::weak_ptr<TMXSideviewScrollViewDelegate> delegate) = 0;
     /// White once set up, unless changed after.
     virtual std::optional<UIColor> backgroundColor() const = 0;
+    /// Behind the picture; without one nothing is painted there. A later set-up makes it white again.
     virtual void setBackgroundColor(std::optional<UIColor> color) = 0;
     /// True (as at first): fingers pan and zoom the picture, and drag the camera after a long press. False:
     /// the whole width shows and every drag moves the camera.
     virtual bool enableZooming() const = 0;
+    /// Takes effect at once: without zooming the picture goes back to its whole width.
     virtual void setEnableZooming(bool enable) = 0;
 
     /// Shows a bitmap, as far as its width fits, and reads how it lies in the world. Whatever an earlier
@@ -85,7 +88,8 @@ public:
     /// The footprint's horizontal extent, a blue strip near the top of the picture.
     virtual std::shared_ptr<UIView> sideviewPositionRectangle() const = 0;
 
-    /// The icons below keep their size on screen at every zoom, and stand centred on their places.
+    /// Marks the user position; empty at first. As the markers' icons it keeps its size on screen at every
+    /// zoom, and stands centred on its place.
     virtual std::shared_ptr<const UIImage> userPositionIcon() const = 0;
     /// Empty: the user position does not show.
     virtual void setUserPositionIcon(std::shared_ptr<const UIImage> icon) = 0;

@@ -25,11 +25,13 @@ public:
 
     /// The view that the application places in its hierarchy.
     virtual std::shared_ptr<UIView> view() = 0;
-    /// Colour behind the map; white unless set. Without one it is white too.
+    /// Colour behind the map; white unless set.
     virtual std::optional<UIColor> backgroundColor() const = 0;
+    /// Takes effect with the next frame; without one it is white.
     virtual void setBackgroundColor(std::optional<UIColor> color) = 0;
+    /// Who hears of the map; empty when none was set, and once it is gone.
     virtual std::shared_ptr<TrelmixMapEngineDelegate> delegate() const = 0;
-    /// The engine does not own its delegate.
+    /// Hears of the map from now on, in place of the one before; empty for none. The engine does not own it.
     virtual void setDelegate(std::weak_ptr<TrelmixMapEngineDelegate> delegate) = 0;
     /// Conversions between screen points and coordinates for the current camera; empty before the first
     /// camera. The object lives as long as it is held and follows the engine's camera.
@@ -37,40 +39,57 @@ public:
     /// A fresh record of the current camera; empty before the first.
     virtual std::shared_ptr<TrelmixMapEngineCamera> camera() const = 0;
 
-    /// What fingers may do; all true unless set.
+    /// Whether two fingers may turn the map; true unless set.
     virtual bool enableRotationGesture() const = 0;
+    /// Counts from the next movement of the fingers.
     virtual void setEnableRotationGesture(bool enable) = 0;
+    /// Whether several fingers may tilt the map by moving up and down; true unless set.
     virtual bool enableTiltGesture() const = 0;
+    /// Counts from the next movement of the fingers.
     virtual void setEnableTiltGesture(bool enable) = 0;
+    /// Whether two fingers may zoom by spreading and closing; true unless set. A double tap always zooms.
     virtual bool enableZoomGesture() const = 0;
+    /// Counts from the next movement of the fingers.
     virtual void setEnableZoomGesture(bool enable) = 0;
+    /// Whether fingers may move the map; true unless set.
     virtual bool enableScrollGesture() const = 0;
+    /// Counts from the next movement of the fingers.
     virtual void setEnableScrollGesture(bool enable) = 0;
 
-    /// Zoom limits of the user; shared by all engines of the process, the last one to set them decides. A
-    /// value outside the supported range is read back, but limits nothing; NaN is ignored. Where the lowest
-    /// lies above the highest it wins. Takes effect with the next camera.
+    /// The highest zoom that a camera may take, as it was set here last; 23 unless set.
     virtual float maxZoom() const = 0;
+    /// Limits the cameras of all engines of the process from their next change on; the last one to set it
+    /// decides. A value outside the supported range is read back, but limits nothing; NaN is ignored.
     virtual void setMaxZoom(float zoom) = 0;
+    /// The lowest zoom that a camera may take, as it was set here last; 15 unless set.
     virtual float minZoom() const = 0;
+    /// As for `setMaxZoom`; where the lowest lies above the highest it wins.
     virtual void setMinZoom(float zoom) = 0;
-    /// 23 and 15.
+    /// 23: the highest zoom that is ever shown.
     virtual float maxSupportedZoom() const = 0;
+    /// 15: the lowest zoom that is ever shown.
     virtual float minSupportedZoom() const = 0;
 
-    /// Corners of the rectangle that the camera's target must stay in from its next change on; while one is
-    /// invalid, as at first, there is none. A corner at a pole lies on the map's edge.
+    /// One corner of the rectangle that the camera's target must stay in; invalid at first.
     virtual CLLocationCoordinate2D cameraTargetBoundsNorthEast() const = 0;
+    /// Counts from the next change of the camera. While one corner is invalid there are no bounds; a corner
+    /// at a pole lies on the map's edge.
     virtual void setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) = 0;
+    /// The opposite corner; invalid at first.
     virtual CLLocationCoordinate2D cameraTargetBoundsSouthWest() const = 0;
+    /// As for `setCameraTargetBoundsNorthEast`.
     virtual void setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) = 0;
 
     /// True (as at first): taps hit overlays by their bounding boxes. False: by what is drawn.
     virtual bool hitTestBoundingBoxOnly() const = 0;
+    /// Counts from the next tap.
     virtual void setHitTestBoundingBoxOnly(bool boxOnly) = 0;
 
-    /// Sets the first camera. Once there is one this only records its values. Numbers that are not finite and
-    /// invalid coordinates are ignored.
+    /// Sets the first camera: straight down, north at the top. Once there is one nothing changes. The zoom is
+    /// limited like every other; when a number is not finite the call is ignored. An invalid target, or one
+    /// at a pole, makes the camera at (0, 0). The first target fixes the map's scale: at a given zoom
+    /// everything is drawn larger or smaller by the ratio of the two latitudes' cosines when the first camera
+    /// was elsewhere.
     virtual void initialiseWithTarget(CLLocationCoordinate2D target, float zoom) = 0;
     /// Moves the camera; tilt, zoom and target are limited to what is allowed, a tilt that is not a number is
     /// the highest one. An empty record, and one whose target, rotation or zoom is not finite, changes

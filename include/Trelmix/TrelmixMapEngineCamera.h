@@ -20,18 +20,23 @@ public:
 
     /// The coordinate in the middle of the view.
     CLLocationCoordinate2D target() const { return _target; }
+    /// Degrees, unchecked.
     void setTarget(CLLocationCoordinate2D target) { _target = target; }
 
     /// Heading in degrees, clockwise from north: 90 shows east at the top.
     double rotation() const { return _rotation; }
+    /// Degrees, unchecked.
     void setRotation(double rotation) { _rotation = rotation; }
 
     /// Tilt from the vertical in degrees, 0 (straight down) to 55.
     double viewingAngle() const { return _viewingAngle; }
+    /// Degrees; limited where the record is applied.
     void setViewingAngle(double viewingAngle) { _viewingAngle = viewingAngle; }
 
-    /// Zoom level, 15 to 23; one step doubles the scale.
+    /// Zoom level, 15 to 23; one step doubles the scale. How much of the ground a point of the screen covers
+    /// depends on more: the higher the view the less, and on the latitude of the engine's first target.
     float zoom() const { return _zoom; }
+    /// Limited where the record is applied.
     void setZoom(float zoom) { _zoom = zoom; }
 
 private:

@@ -29,6 +29,7 @@ public:
     virtual void mapViewWillMoveFromGesture(bool fromGesture);
     /// The camera has come to rest; comes just before `mapViewIdleAtCamera`, with the same record.
     virtual void mapViewDidChangeCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera);
+    /// The camera has come to rest, and the overlays have been updated for it.
     virtual void mapViewIdleAtCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera);
 
     /// A tap that hit no tappable overlay.
@@ -41,7 +42,7 @@ public:
     virtual void mapViewDidTapAtOverlay(const std::shared_ptr<TrelmixMapOverlay>& overlay);
     /// A long press has picked a draggable marker up; it has not moved yet.
     virtual void mapViewDidBeginDraggingMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
-    /// It has followed the finger; `coordinate` tells where to.
+    /// It has followed the finger; `presentedCoordinate` tells where to, `coordinate` stays as it was.
     virtual void mapViewDidDragMarker(const std::shared_ptr<TrelmixMapMarker>& marker);
     /// The finger has lifted, or the press was cancelled.
     virtual void mapViewDidEndDraggingMarker(const std::shared_ptr<TrelmixMapMarker>& marker);

@@ -22,6 +22,7 @@ class TRELMIX_API TrelmixMapEngineFactory {
 public:
     /// An engine with an empty frame, fully set up; place its view and give it to a host.
     static std::shared_ptr<TrelmixMapEngine> createMap();
+    /// A layer of tiles that asks the engine's delegate and takes the answers later.
     static std::shared_ptr<TrelmixMapTileLayer> createMapTilesNode();
     /// A floor plan. As an engine's first overlay it chooses a camera that shows it whole.
     /// @param image empty: nothing is seen, but the plan takes its place

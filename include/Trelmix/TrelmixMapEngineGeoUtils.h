@@ -31,6 +31,7 @@ public:
     static double convertLatToMapY(double latitude, float zoom);
     /// Map y to latitude, in [-90, 90].
     static double convertMapYToLat(double y, float zoom);
+    /// Longitude to map x; 0 at -180 degrees. Longitudes beyond the world go on.
     static double convertLongToMapX(double longitude, float zoom);
     /// Map x to longitude. A longitude outside the world is brought back by steps of 180 degrees (not 360),
     /// so 190 becomes 10 and 540 becomes 180; what is not finite gives NaN.

@@ -23,8 +23,10 @@ public:
     /// 0.
     static void setMarkerAnimationDuration(double seconds);
 
-    /// Where the marker is drawn right now, also during a move; invalid while it is on no map.
+    /// Where the marker is drawn right now, also during a move or a drag; invalid while it is on no map.
     virtual CLLocationCoordinate2D presentedCoordinate() const = 0;
+    /// As it was set last: during a move where that ends, and invalid when an invalid one was set. It does
+    /// not follow a finger that drags the marker; `presentedCoordinate` does.
     virtual CLLocationCoordinate2D coordinate() const = 0;
     /// Stores the coordinate; on a map a valid one moves the marker there (see `setMarkerAnimationDuration`),
     /// an invalid one leaves it where it is.
@@ -43,19 +45,23 @@ public:
     virtual UIColor tint() const = 0;
     virtual void setTint(UIColor tint) = 0;
     /// The point of the icon that sits on the coordinate, in fractions of its width and height from the top
-    /// left; (0.5, 0.5) unless set. Values that are not finite are ignored.
+    /// left; (0.5, 0.5) unless set.
     virtual CGPoint groundAnchor() const = 0;
+    /// Values that are not finite are ignored.
     virtual void setGroundAnchor(CGPoint anchor) = 0;
 
     /// True: the icon lies in the map's plane. False: it stands upright and faces the camera.
     virtual bool isFlat() const = 0;
+    /// Takes effect with the next frame.
     virtual void setIsFlat(bool flat) = 0;
     /// True: a long press picks the marker up.
     virtual bool isDraggable() const = 0;
+    /// Counts from the next long press.
     virtual void setIsDraggable(bool draggable) = 0;
 
-    /// Degrees, clockwise; only flat markers show it. An animated rotation does not change what is read here.
+    /// Degrees, clockwise; only flat markers show it. A rotation that was animated is not read here.
     virtual double markerRotation() const = 0;
+    /// Takes effect with the next frame; values that are not finite turn nothing.
     virtual void setMarkerRotation(double degrees) = 0;
     /// @param duration seconds; ignored unless `animated` and flat. Nothing changes without a map.
     virtual void setRotation(double degrees, bool animated, double duration) = 0;

@@ -31,22 +31,28 @@ public:
 
     /// Whatever the application likes; copied, never looked at.
     virtual std::any userInfo() const = 0;
+    /// Replaces it; taking the overlay off the map clears it.
     virtual void setUserInfo(std::any info) = 0;
 
-    /// Drawing order among overlays, higher on top; takes effect with the next frame.
+    /// Drawing order among overlays, higher on top; overlays of one index in the order in which they came
+    /// onto the map. A tile layer's has no effect: a tile's index is its zoom.
     virtual std::int64_t zIndex() const = 0;
+    /// Takes effect with the next frame.
     virtual void setZIndex(std::int64_t zIndex) = 0;
 
     /// Whether it is drawn; hidden overlays are not hit by taps either.
     virtual bool visible() const = 0;
+    /// Takes effect with the next frame.
     virtual void setVisible(bool visible) = 0;
 
-    /// 0 to 1; limited to that range, NaN is ignored.
+    /// 0 (invisible) to 1; 1 unless set.
     virtual double opacity() const = 0;
+    /// Limited to 0 to 1; NaN is ignored.
     virtual void setOpacity(double opacity) = 0;
 
     /// Whether taps on the overlay are reported.
     virtual bool tappable() const = 0;
+    /// Counts from the next tap.
     virtual void setTappable(bool tappable) = 0;
 
     /// The kind of overlay and where it is, for logs.

@@ -21,6 +21,7 @@ public:
 
     /// Fills it, its own opacity times the overlay's; without one nothing is drawn.
     virtual std::optional<UIColor> color() const = 0;
+    /// Takes effect with the next frame.
     virtual void setColor(std::optional<UIColor> color) = 0;
 
     /// As they were set.

@@ -21,16 +21,20 @@ public:
 
     /// Its own opacity counts times the overlay's.
     virtual UIColor color() const = 0;
+    /// Takes effect with the next frame.
     virtual void setColor(UIColor color) = 0;
 
-    /// Screen points; takes effect with the next frame. Values that are not finite are ignored; with 0 or
-    /// less, new vertices are not drawn.
+    /// Screen points; 5 unless set.
     virtual float width() const = 0;
+    /// Takes effect with the next frame. Values that are not finite are ignored; with 0 or less nothing is
+    /// seen, and vertices set meanwhile are not drawn later either.
     virtual void setWidth(float width) = 0;
 
     /// On a map: without the vertices that the line's clean-up dropped (repeated ones, full
     /// reversals and places that the map does not have).
     virtual std::vector<CLLocation> polylineVertices() const = 0;
+    /// In order; only their coordinates are used. Of fewer than two different places nothing is made: the
+    /// line before stays.
     virtual void setPolylineVertices(std::vector<CLLocation> vertices) = 0;
 };
 

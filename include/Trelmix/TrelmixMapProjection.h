@@ -18,10 +18,13 @@ class TRELMIX_API TrelmixMapProjection {
 public:
     virtual ~TrelmixMapProjection();
 
-    /// What is seen in the corners of the view.
+    /// What is seen in the top left corner of the view.
     virtual CLLocationCoordinate2D topLeftCoordinate() const = 0;
+    /// What is seen in the bottom left corner of the view.
     virtual CLLocationCoordinate2D bottomLeftCoordinate() const = 0;
+    /// What is seen in the top right corner of the view.
     virtual CLLocationCoordinate2D topRightCoordinate() const = 0;
+    /// What is seen in the bottom right corner of the view.
     virtual CLLocationCoordinate2D bottomRightCoordinate() const = 0;
 
     /// Where the coordinate is seen. One behind the camera comes out mirrored through it, without a sign of
@@ -34,7 +37,9 @@ public:
 protected:
     /// For the engine's own kind.
     TrelmixMapProjection() = default;
+    /// For the library's own kind.
     TrelmixMapProjection(const TrelmixMapProjection&) = default;
+    /// For the library's own kind.
     TrelmixMapProjection& operator=(const TrelmixMapProjection&) = default;
 };
 

@@ -25,8 +25,9 @@ public:
     ~TrelmixMapTileLayer() override;
 
     /// True: images come from `TrelmixMapEngineDelegate::tileForX`, which every frame that needs one waits
-    /// for. False: they are asked for by `tileRequestedForX` and answered by `provideTileForX`.
+    /// for. False, as at first: they are asked for by `tileRequestedForX` and answered by `provideTileForX`.
     virtual bool synchronousLayer() const = 0;
+    /// Counts for tiles that are asked for afterwards.
     virtual void setSynchronousLayer(bool synchronous) = 0;
 
     /// Gives a tile's address; empty when it has none, and the tile then stays unanswered. Called without
@@ -38,16 +39,20 @@ public:
     /// True, with a constructor: images come from addresses, through the cache and the network connection
     /// that the process shares (`NetworkSettings.h`), and `provideTileForX` is ignored. An address is asked
     /// once; what fails within 10 s, or is no image, answers the tile with none. Tiles beyond the world are
-    /// answered with none. Changes count for tiles that are asked for afterwards.
+    /// answered with none. False unless set.
     virtual bool imageUrlLayer() const = 0;
+    /// Counts for tiles that are asked for afterwards.
     virtual void setImageUrlLayer(bool isUrlLayer) = 0;
+    /// Where the addresses come from; empty at first.
     virtual ImageUrlConstructor imageUrlConstructor() const = 0;
+    /// Counts for tiles that are asked for afterwards; empty for none.
     virtual void setImageUrlConstructor(ImageUrlConstructor constructor) = 0;
 
     /// Bytes that answered images may take, levels of detail included; empty, as at the start, for no limit.
     /// Beyond it the least recently shown images of tiles that are not shown are forgotten, and asked for
     /// anew when they are needed again.
     virtual std::optional<std::size_t> imageCacheLimit() const = 0;
+    /// Takes effect at once; empty for no limit.
     virtual void setImageCacheLimit(std::optional<std::size_t> bytes) = 0;
 
     /// Answers a tile: with its image, or with none when there is none. Answers for tiles that are no longer
@@ -55,8 +60,9 @@ public:
     virtual void provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                                  std::shared_ptr<const UIImage> image) = 0;
 
-    /// Tiles that the last check found in view, and how many of them have been answered.
+    /// Tiles that the last check found in view.
     virtual std::size_t wantedTileCount() const = 0;
+    /// How many of the wanted tiles have been answered, also those that were answered with no image.
     virtual std::size_t answeredTileCount() const = 0;
 };
 

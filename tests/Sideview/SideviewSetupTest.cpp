@@ -169,6 +169,9 @@ TEST_F(SideviewSetup, beforeTheSetupEveryCallIsHarmless) {
     EXPECT_GT(sideview->sideviewCameraRectangle()->frame().size.width, 0);
     EXPECT_EQ(sideview->levelNumbers(), (std::vector<std::int64_t>{0, 1}));
     EXPECT_EQ(sideview->levelAt(onScreen({700, kMiddle[1]})), 1);
+    const std::shared_ptr<const TMXSideviewProjection> projection = sideview->sideviewProjection();
+    EXPECT_EQ(projection->levelAt({700, kMiddle[1]}), 1);
+    EXPECT_EQ(projection->point(projection->coordinate({700, 0}), 1).y, kMiddle[1]);
 }
 
 TEST_F(SideviewSetup, neitherTheEngineNorTheGesturesKeepItAlive) {

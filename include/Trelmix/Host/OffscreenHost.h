@@ -22,6 +22,7 @@ public:
     struct Options {
         /// Points; 1 to 16384 pixels a side after scaling.
         double width = 800;
+        /// Points; 1 to 16384 pixels a side after scaling.
         double height = 600;
         /// Pixels per point.
         double scale = 1;

@@ -37,8 +37,9 @@ public:
     /// Waits for the frame under way; nothing is called after it.
     virtual ~RenderThread();
 
-    /// Frames for which the overlays were updated, and those of them that were presented. Any thread.
+    /// Frames for which the overlays were updated. Any thread.
     virtual std::uint64_t updateCount() const = 0;
+    /// Frames that were presented: those in which something had changed. Any thread.
     virtual std::uint64_t presentCount() const = 0;
     /// Waits until that many updates have been made since the start; false when the thread has ended before,
     /// and at once when called on the drawing thread.

@@ -8,6 +8,7 @@ namespace trelmix {
 struct CGPoint {
     double x = 0; ///< to the right
     double y = 0; ///< downward
+    /// Equal in every member; NaN equals nothing.
     friend bool operator==(const CGPoint&, const CGPoint&) = default;
 };
 
@@ -15,6 +16,7 @@ struct CGPoint {
 struct CGSize {
     double width = 0;  ///< of the horizontal side
     double height = 0; ///< of the vertical side
+    /// Equal in every member; NaN equals nothing.
     friend bool operator==(const CGSize&, const CGSize&) = default;
 };
 
@@ -22,6 +24,7 @@ struct CGSize {
 struct CGRect {
     CGPoint origin; ///< top left corner
     CGSize size;    ///< to the right of it and below
+    /// Equal in every member; NaN equals nothing.
     friend bool operator==(const CGRect&, const CGRect&) = default;
 };
 

@@ -12,6 +12,7 @@ namespace trelmix {
 struct CLLocationCoordinate2D {
     double latitude = 0;  ///< positive north
     double longitude = 0; ///< positive east
+    /// Equal in every member; NaN equals nothing.
     friend bool operator==(const CLLocationCoordinate2D&, const CLLocationCoordinate2D&) = default;
 };
 
@@ -35,13 +36,15 @@ constexpr bool CLLocationCoordinate2DIsValid(CLLocationCoordinate2D coordinate) 
 class TRELMIX_API CLLocation {
 public:
     CLLocation() = default;
-    /// Degrees, unchecked; altitude in metres, 0 unless given.
+    /// Degrees, unchecked, at altitude 0.
     CLLocation(double latitude, double longitude) : _coordinate{latitude, longitude} {}
+    /// Degrees, unchecked; the altitude in metres.
     explicit CLLocation(CLLocationCoordinate2D coordinate, double altitude = 0)
         : _coordinate(coordinate), _altitude(altitude) {}
 
     /// What it was made of.
     CLLocationCoordinate2D coordinate() const { return _coordinate; }
+    /// Metres; in the side view's paths the number of a level.
     double altitude() const { return _altitude; }
 
     /// Great-circle distance in metres on a sphere of radius 6371008.8 m (the mean earth radius); NaN when a

@@ -22,8 +22,11 @@ public:
     explicit operator bool() const { return _value.has_value(); }
     /// The value; only while there is one.
     T& operator*() { return *_value; }
+    /// The value; only when there is one.
     const T& operator*() const { return *_value; }
+    /// Its members; only when there is one.
     T* operator->() { return &*_value; }
+    /// Its members; only when there is one.
     const T* operator->() const { return &*_value; }
     /// Empty when there is a value.
     const std::string& reason() const { return _reason; }

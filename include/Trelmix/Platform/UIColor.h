@@ -14,11 +14,15 @@ struct TRELMIX_API UIColor {
     double blue = 0;  ///< 0 to 1
     double alpha = 1; ///< 0 (clear) to 1 (opaque)
 
-    /// Opaque colours, but for the last one, which is transparent black.
+    /// Opaque white.
     static constexpr UIColor whiteColor() { return {1, 1, 1, 1}; }
+    /// Opaque black.
     static constexpr UIColor blackColor() { return {0, 0, 0, 1}; }
+    /// Opaque pure red.
     static constexpr UIColor redColor() { return {1, 0, 0, 1}; }
+    /// Opaque pure blue.
     static constexpr UIColor blueColor() { return {0, 0, 1, 1}; }
+    /// Transparent black: nothing shows.
     static constexpr UIColor clearColor() { return {0, 0, 0, 0}; }
 
     /// The same colour with another opacity.
@@ -27,6 +31,7 @@ struct TRELMIX_API UIColor {
     /// Every component limited to [0, 1]; what is not a number becomes 0.
     UIColor limited() const;
 
+    /// Equal in every member; NaN equals nothing.
     friend bool operator==(const UIColor&, const UIColor&) = default;
 };
 

@@ -24,8 +24,9 @@ public:
     /// No image has more pixels than this; larger ones are refused before anything is allocated for them.
     static constexpr std::int64_t kMaximumPixelCount = 64LL * 1024 * 1024;
 
-    /// The formats hold no more pixels a side than these.
+    /// A JPEG file holds no more pixels a side.
     static constexpr int kMaximumJpegSide = 65500;
+    /// A WebP file holds no more pixels a side.
     static constexpr int kMaximumWebpSide = 16383;
 
     /// Decodes a PNG, JPEG or WebP file. Empty when the bytes are none of these, damaged, cut short, of no
@@ -47,7 +48,9 @@ public:
     CGSize size() const { return {_pixelWidth / _scale, _pixelHeight / _scale}; }
     /// Pixels per point.
     double scale() const { return _scale; }
+    /// Pixels from left to right.
     int pixelWidth() const { return _pixelWidth; }
+    /// Pixels from top to bottom.
     int pixelHeight() const { return _pixelHeight; }
     /// `pixelWidth() * pixelHeight() * 4` bytes, premultiplied.
     std::span<const std::uint8_t> pixels() const { return _pixels; }

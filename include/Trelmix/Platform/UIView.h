@@ -26,27 +26,35 @@ public:
     UIView(const UIView&) = delete;
     UIView& operator=(const UIView&) = delete;
 
-    /// Position and size in the superview's coordinates, points. Sizes that are negative or not finite count
-    /// as 0, origins that are not finite are ignored. A new size asks for a layout pass.
+    /// Position and size in the superview's coordinates, points.
     CGRect frame() const { return _frame; }
+    /// Sizes that are negative or not finite count as 0, origins that are not finite are ignored. A new size
+    /// asks for a layout pass.
     virtual void setFrame(CGRect frame);
     /// The frame's size at the origin: the view's own coordinates.
     virtual CGRect bounds() const { return {{0, 0}, _frame.size}; }
 
-    /// 0 (invisible) to 1; limited to that range, NaN counts as 1.
+    /// 0 (invisible) to 1, of the view with all that it holds; 1 unless set.
     double alpha() const { return _alpha; }
+    /// Limited to 0 to 1; NaN counts as 1.
     void setAlpha(double alpha);
+    /// Whether the view and all that it holds is neither drawn nor touched.
     bool isHidden() const { return _isHidden; }
+    /// Hides or shows it; what it holds keeps its own state.
     void setHidden(bool hidden) { _isHidden = hidden; }
     /// Absent: nothing is painted behind the view's content.
     virtual std::optional<UIColor> backgroundColor() const { return _backgroundColor; }
+    /// Absent for none.
     virtual void setBackgroundColor(std::optional<UIColor> color);
 
     /// Puts a view on top of the other subviews; it leaves its old superview. Empty, the view itself and its
     /// own ancestors are refused.
     void addSubview(const std::shared_ptr<UIView>& view);
+    /// A view without a superview stays as it is.
     void removeFromSuperview();
+    /// The view that holds this one; empty at the root of a tree.
     std::shared_ptr<UIView> superview() const { return _superview.lock(); }
+    /// Undermost first.
     const std::vector<std::shared_ptr<UIView>>& subviews() const { return _subviews; }
 
     /// Has the next `layoutIfNeeded` run the layout pass of this view.

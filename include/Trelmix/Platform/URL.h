@@ -31,6 +31,7 @@ public:
     /// What a file address names, percent-decoded; empty for other schemes, and when the path has a NUL.
     std::string filePath() const;
 
+    /// The same address.
     friend bool operator==(const URL&, const URL&) = default;
 
 private:
