@@ -48,6 +48,7 @@ struct World : TrelmixMapEngineDelegate {
             overlay->setMap(engine);
         }
         overlays.push_back(layer);
+        host->drawFrame();
         RunLoop::main().drain();
     }
 
@@ -96,6 +97,9 @@ struct World : TrelmixMapEngineDelegate {
 
 /// Dies with what holds it, and that is a callback too.
 struct Farewell {
+    explicit Farewell(World& that) : world(&that) {}
+    Farewell(const Farewell&) = delete;
+    Farewell& operator=(const Farewell&) = delete;
     World* world;
     ~Farewell() { world->act("farewell"); }
 };
@@ -140,7 +144,7 @@ struct Callback {
 
 const std::vector<Callback>& callbacks() {
     static const auto moveCamera = [](World& w) {
-        w.engine->setCamera(20, 10, 18, false);
+        w.engine->setCameraWithRotation(20, 10, 18, false);
         frame(w);
     };
     static const auto dragMarker = [](World& w) { press(w, kMarkerAt, {230, 170}, 0.7); };
@@ -172,7 +176,7 @@ const std::vector<Callback>& callbacks() {
          }},
         {"farewell",
          [](World& w) {
-             w.circle->setUserInfo(std::make_shared<Farewell>(&w));
+             w.circle->setUserInfo(std::make_shared<Farewell>(w));
              w.circle->setUserInfo({});
          }},
     };
@@ -206,8 +210,8 @@ void addEngineCalls(Calls& calls) {
     };
     calls["engine exact hits"] = [](World& w) { w.engine->setHitTestBoundingBoxOnly(false); };
     calls["engine initialise"] = [](World& w) { w.engine->initialiseWithTarget({1, 2}, 20); };
-    calls["engine setCamera"] = [](World& w) { w.engine->setCamera(90, 30, 16, false); };
-    calls["engine setCamera animated"] = [](World& w) { w.engine->setCamera(90, 30, 16, true); };
+    calls["engine setCamera"] = [](World& w) { w.engine->setCameraWithRotation(90, 30, 16, false); };
+    calls["engine setCamera animated"] = [](World& w) { w.engine->setCameraWithRotation(90, 30, 16, true); };
     calls["engine set its own camera"] = [](World& w) { w.engine->setCamera(w.engine->camera(), true); };
     calls["engine destroyed"] = [](World& w) { w.engine.reset(); };
     calls["engine and host destroyed"] = [](World& w) {
@@ -295,8 +299,10 @@ void addOverlayCalls(Calls& calls) {
     calls["layer of addresses"] = [](World& w) { w.layer->setImageUrlLayer(!w.layer->imageUrlLayer()); };
     calls["layer constructor"] = [](World& w) { w.layer->setImageUrlConstructor({}); };
     calls["layer cache"] = [](World& w) { w.layer->setImageCacheLimit(0); };
-    calls["layer answer"] = [](World& w) { w.layer->provideTile(1, 2, 3, icon()); };
-    calls["layer counts"] = [](World& w) { w.layer->wantedTileCount() + w.layer->answeredTileCount(); };
+    calls["layer answer"] = [](World& w) { w.layer->provideTileForX(1, 2, 3, icon()); };
+    calls["layer counts"] = [](World& w) {
+        EXPECT_GE(w.layer->wantedTileCount(), w.layer->answeredTileCount());
+    };
     calls["second layer"] = [](World& w) { Factory::createMapTilesNode()->setMap(w.engine); };
 }
 
@@ -365,13 +371,14 @@ TEST_F(CallbackTable, anOffscreenHostMayBeDestroyedAndReplacedInsideAStep) {
 }
 
 TEST_F(CallbackTable, callsOnAnotherThreadAreRefusedAndReported) {
-    for (const auto& [name, call] : allCalls()) {
+    for (const auto& entry : allCalls()) {
+        const auto& name = entry.first;
         if (name.find("destroyed") != std::string::npos || name == "layer answer" ||
             name == "engine conversions" || name.starts_with("host ")) {
             continue;
         }
         World world("none");
-        std::thread([&world, &call] { call(world); }).join();
+        std::thread([&] { entry.second(world); }).join();
         EXPECT_FALSE(takeFaults().empty() && name.find("description") == std::string::npos) << name;
         world.overlays.clear();
         RunLoop::main().drain();
