@@ -90,6 +90,10 @@ Result<std::vector<std::byte>> loadFile(const std::string& path, std::uint64_t m
     if (std::filesystem::is_directory(path, error)) {
         return Bytes::failure("is a folder, not a file");
     }
+    // The shell's own pipes have a writer; one with a name may wait for ever for its first.
+    if (std::filesystem::is_fifo(path, error) && !path.starts_with("/dev/")) {
+        return Bytes::failure("is a pipe, not a file");
+    }
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) {

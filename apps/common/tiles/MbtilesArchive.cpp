@@ -28,6 +28,20 @@ std::string columnText(sqlite3_stmt* statement, int column) {
                : std::string();
 }
 
+/// The address by which SQLite reads a file as it lies there, without files beside it.
+std::string immutableAddress(const std::string& path) {
+    std::string address = "file:";
+    for (const char c : std::filesystem::absolute(path).string()) {
+        if (c == '%' || c == '?' || c == '#') {
+            constexpr const char* kDigits = "0123456789ABCDEF";
+            address += {'%', kDigits[c / 16], kDigits[c % 16]};
+        } else {
+            address += c;
+        }
+    }
+    return address + "?immutable=1";
+}
+
 } // namespace
 
 void MbtilesArchive::Closing::operator()(sqlite3* database) const {
@@ -62,25 +76,43 @@ std::string MbtilesArchive::openDatabase() {
     if (std::filesystem::is_directory(_path, error)) {
         return "is a folder, not a file";
     }
-    sqlite3* database = nullptr;
-    const int result =
-        sqlite3_open_v2(_path.c_str(), &database,
-                        SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, nullptr);
-    _database.reset(database);
-    if (result != SQLITE_OK) {
-        return "cannot be opened: " + sqliteReason();
+    if (!std::filesystem::is_regular_file(_path, error)) {
+        return "is no file";
     }
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, static_cast<int>(kMaximumTileBytes));
-    sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
-    sqlite3_busy_timeout(database, 2000);
-    return {};
+    // A name like "file:x" is a name all the same.
+    int result = openAt(std::filesystem::absolute(_path).string());
+    // An archive in write-ahead mode wants to share a file beside it, which a read-only folder does not take.
+    const auto log = std::filesystem::file_size(_path + "-wal", error);
+    if (result == SQLITE_OK && !canRead() && sqlite3_errcode(_database.get()) == SQLITE_CANTOPEN &&
+        (error || log == 0)) {
+        result = openAt(immutableAddress(_path));
+    }
+    return result == SQLITE_OK ? std::string() : "cannot be opened: " + sqliteReason();
+}
+
+int MbtilesArchive::openAt(const std::string& place) {
+    sqlite3* database = nullptr;
+    const int result = sqlite3_open_v2(
+        place.c_str(), &database,
+        SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_URI, nullptr);
+    _database.reset(database);
+    if (result == SQLITE_OK) {
+        sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+        sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+        sqlite3_limit(database, SQLITE_LIMIT_LENGTH, static_cast<int>(kMaximumTileBytes));
+        sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
+        sqlite3_busy_timeout(database, 2000);
+    }
+    return result;
+}
+
+bool MbtilesArchive::canRead() const {
+    const Statement schema = prepare("SELECT count(*) FROM sqlite_master");
+    return schema && step(schema) == SQLITE_ROW;
 }
 
 std::string MbtilesArchive::readMetadata() {
-    if (const Statement schema = prepare("SELECT count(*) FROM sqlite_master");
-        !schema || step(schema) != SQLITE_ROW) {
+    if (!canRead()) {
         return "is no tile archive: " + sqliteReason();
     }
     // Metadata may be missing; the tiles say enough.

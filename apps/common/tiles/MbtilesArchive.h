@@ -36,6 +36,8 @@ private:
 
     explicit MbtilesArchive(std::string path) : _path(std::move(path)) {}
     std::string openDatabase();
+    int openAt(const std::string& place);
+    bool canRead() const;
     std::string readMetadata();
     std::string readTileRange();
     void readBounds(const std::string& text);
