@@ -52,6 +52,7 @@ TileBox boundingBoxTiles(const CameraProjection& projection);
 /// none for zooms outside the grid.
 TileNeed tilesInView(const CameraProjection& projection, float zoom);
 
-inline constexpr std::size_t kMostTiles = 4096;
+/// Several times what a usual view needs; only a view squeezed to a sliver sees more ground.
+inline constexpr std::size_t kMostTiles = 512;
 
 } // namespace trelmix

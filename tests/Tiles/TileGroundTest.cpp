@@ -99,12 +99,16 @@ TEST(TileGround, theListBeginsWithTheBoxAndItsMarginColumnByColumn) {
 }
 
 TEST(TileGround, extremeViewsAndZoomsOutsideTheGridStayWithinBounds) {
+    for (const auto& [size, zoom] : {std::pair{ScreenPoint{400000, 50}, 23}, {ScreenPoint{320, 1}, 17}}) {
+        const auto made = projectionFor(size, static_cast<float>(zoom), 0.3, 0.95);
+        const TileNeed need = tilesInView(*made, static_cast<float>(zoom));
+        EXPECT_EQ(need.tiles.size(), kMostTiles);
+        const WorldMapPoint target = made->cameraTargetMapPoint();
+        const TileSet tiles(need.tiles.begin(), need.tiles.end());
+        EXPECT_TRUE(tiles.contains(tileAt(target, zoom)));
+    }
     const auto made = projectionFor({400000, 50}, 23, 0.3, 0.95);
     const CameraProjection& projection = *made;
-    const TileNeed need = tilesInView(projection, 23);
-    EXPECT_EQ(need.tiles.size(), kMostTiles);
-    const TileSet tiles(need.tiles.begin(), need.tiles.end());
-    EXPECT_TRUE(tiles.contains(tileAt(projection.cameraTargetMapPoint(), 23)));
     for (const float zoom : {-1.0F, 24.0F, NAN, INFINITY}) {
         EXPECT_TRUE(tilesInView(projection, zoom).tiles.empty());
     }
