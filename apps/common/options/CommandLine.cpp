@@ -157,6 +157,8 @@ int runProgram(int (*run)(int argc, char** argv), int argc, char** argv) {
     occupyStandardStreams();
     try {
         return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        return complain("out of memory", ExitCode::badInput);
     } catch (const std::exception& error) {
         return complain(std::string("failed: ") + error.what(), ExitCode::badInput);
     }

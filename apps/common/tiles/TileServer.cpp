@@ -52,6 +52,18 @@ bool TileServer::waitUntilAnswered(std::chrono::milliseconds patience) {
     return _allAnswered.wait_for(lock, patience, [this] { return _requests.empty() && _running == 0; });
 }
 
+void TileServer::rethrowFault() {
+    const std::lock_guard lock(_mutex);
+    if (_fault) {
+        std::rethrow_exception(_fault);
+    }
+}
+
+void TileServer::answer(const Request& request) {
+    request.layer->provideTileForX(request.tile.x, request.tile.y, request.tile.zoom,
+                                   request.source->imageFor(request.tile));
+}
+
 void TileServer::work() {
     std::unique_lock lock(_mutex);
     while (true) {
@@ -63,15 +75,17 @@ void TileServer::work() {
         _requests.pop_front();
         ++_running;
         lock.unlock();
-        std::shared_ptr<const UIImage> image;
+        std::exception_ptr fault;
         try {
-            image = request.source->imageFor(request.tile);
-        } catch (const std::bad_alloc&) {
-            // A tile too large for the memory there is leaves a gap.
+            answer(request);
+        } catch (...) {
+            fault = std::current_exception();
         }
-        request.layer->provideTileForX(request.tile.x, request.tile.y, request.tile.zoom, std::move(image));
         request = {};
         lock.lock();
+        if (fault && !_fault) {
+            _fault = fault;
+        }
         if (--_running == 0 && _requests.empty()) {
             _allAnswered.notify_all();
         }

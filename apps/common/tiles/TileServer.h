@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -39,6 +40,10 @@ public:
     /// Sleeps until every request so far is answered, but not longer than `patience`; true when they are.
     bool waitUntilAnswered(std::chrono::milliseconds patience);
 
+    /// Throws what has gone wrong in a thread, `std::bad_alloc` in practice; the tile stays unanswered. Main
+    /// thread.
+    void rethrowFault();
+
     /// One thread fewer than the machine has cores, 1 to 4.
     static std::size_t defaultThreadCount();
 
@@ -49,6 +54,7 @@ private:
         std::shared_ptr<const TileSource> source;
     };
     void work();
+    static void answer(const Request& request);
 
     std::mutex _mutex;
     std::condition_variable _newRequest;
@@ -57,6 +63,7 @@ private:
     std::map<std::shared_ptr<TrelmixMapTileLayer>, std::shared_ptr<const TileSource>> _sources;
     std::deque<Request> _requests;
     std::size_t _running = 0;
+    std::exception_ptr _fault;
     bool _isStopping = false;
     std::vector<std::thread> _threads; // not every standard library has jthread
 };

@@ -24,8 +24,7 @@ public:
     void setImageUrlConstructor(ImageUrlConstructor) override {}
     std::optional<std::size_t> imageCacheLimit() const override { return {}; }
     void setImageCacheLimit(std::optional<std::size_t>) override {}
-    std::size_t wantedTileCount() const override { return 0; }
-    std::size_t answeredTileCount() const override { return 0; }
+    TileCounts tileCounts() const override { return {}; }
     std::shared_ptr<TrelmixMapEngine> map() const override { return nullptr; }
     void setMap(std::shared_ptr<TrelmixMapEngine>) override {}
     std::any userInfo() const override { return {}; }
@@ -39,6 +38,17 @@ public:
     bool tappable() const override { return false; }
     void setTappable(bool) override {}
     std::string description() const override { return {}; }
+};
+
+class GreedyStore final : public TileStore {
+public:
+    Result<std::optional<TileBytes>> tile(const TileIndex&) const override { throw std::bad_alloc(); }
+    std::optional<TileBounds> bounds() const override { return std::nullopt; }
+    std::string attribution() const override { return {}; }
+    const std::string& name() const override { return storeName; }
+
+private:
+    std::string storeName = "greedy";
 };
 
 class EmptyStore final : public TileStore {
@@ -87,4 +97,14 @@ TEST(TileServer, endsWhileRequestsWait) {
     }
     EXPECT_EQ(layer.use_count(), 1);
     EXPECT_LE(layer->answers, 50 * 200);
+}
+
+TEST(TileServer, handsTheEndOfMemoryToWhoeverAsks) {
+    const auto layer = std::make_shared<CountingLayer>();
+    TileServer server(2);
+    server.rethrowFault();
+    server.serve(layer, std::make_shared<TileSource>(std::make_unique<GreedyStore>()));
+    server.tileRequestedForX(0, 0, 0, layer);
+    ASSERT_TRUE(server.waitUntilAnswered(std::chrono::minutes(5)));
+    EXPECT_THROW(server.rethrowFault(), std::bad_alloc);
 }
