@@ -80,7 +80,7 @@ void bringAll(const apps::MapScene& map, Window& window) {
             while (window.host().pump()) {
             }
             window.host().waitForWork(0.001);
-        } while (map.layers[0]->answeredTileCount() < map.layers[0]->wantedTileCount());
+        } while (map.layers[0]->tileCounts().answered < map.layers[0]->tileCounts().wanted);
     }
 }
 

@@ -1,7 +1,7 @@
 // Pictures a second of 512 x 512 from one warm process, a new camera each, tiles in memory; and the most
 // memory that a program with one tile layer takes, above one that draws a single textured quad.
 
-#include "common/scene/SceneRunner.h"
+#include "common/scene/MapScene.h"
 #include "Report.h"
 #include "Town.h"
 
@@ -34,10 +34,6 @@ std::unique_ptr<OffscreenHost> makeHost(const apps::MapScene& map, CGSize size, 
     return std::move(*host);
 }
 
-void complete(OffscreenHost& host, const apps::MapScene& map) {
-    apps::runUntilTilesAreDrawn(host, map, std::chrono::seconds(30), std::function<void(apps::TileCount)>());
-}
-
 /// Pictures a second: places, headings and tilts in turn around the town's middle. The first round brings the
 /// tiles.
 double picturesPerSecond(const std::string& archive, int samples, bool asPng) {
@@ -59,7 +55,7 @@ double picturesPerSecond(const std::string& archive, int samples, bool asPng) {
                                   16.0F + 0.01F * static_cast<float>(place % 40)),
                               false);
         if (picture < 0) {
-            complete(*host, map);
+            host->settle(30);
         } else {
             host->step(1);
             while (host->pump()) {
@@ -117,7 +113,7 @@ double peakOfTown(const std::string& archive, int samples) {
     const CGSize size{800, 600};
     const apps::MapScene map = makeTown(tilesOfArchive(archive), size, 16);
     const auto host = makeHost(map, size, samples);
-    complete(*host, map);
+    host->settle(30);
     return host->image() ? peakBytes() : NAN;
 }
 

@@ -4,7 +4,7 @@
 // first: the tiles of one view drawn by plain calls, from the first shader on.
 
 #include "BarePicture.h"
-#include "common/scene/SceneRunner.h"
+#include "common/scene/MapScene.h"
 #include "Report.h"
 #include "Town.h"
 #include "Window.h"

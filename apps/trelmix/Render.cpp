@@ -1,7 +1,9 @@
 #include "common/picture/Drawing.h"
 #include "common/picture/PictureFile.h"
-#include "common/scene/SceneRunner.h"
+#include "common/scene/MapScene.h"
 #include "trelmix/Commands.h"
+
+#include <Trelmix/Host/OffscreenHost.h>
 
 #include <iostream>
 #include <unistd.h>
@@ -19,7 +21,7 @@ public:
             std::cerr << "\r\033[K" << std::flush;
         }
     }
-    void show(TileCount count) {
+    void show(const TileCounts& count) {
         if (isTerminal && count.wanted > 0) {
             std::cerr << "\rtiles " << count.answered << "/" << count.wanted << "\033[K" << std::flush;
             isShown = true;
@@ -31,10 +33,15 @@ private:
     bool isShown = false;
 };
 
-TileCount drawAll(OffscreenHost& host, const MapScene& map, double timeoutSeconds) {
+TileCounts drawAll(OffscreenHost& host, const MapScene& map, double timeoutSeconds) {
     ProgressLine progress;
-    return runUntilTilesAreDrawn(host, map, std::chrono::duration<double>(timeoutSeconds),
-                                 [&](TileCount count) { progress.show(count); });
+    const TileCounts counts = host.settle(timeoutSeconds, [&](const TileCounts& now) {
+        map.tileServer->rethrowFault();
+        progress.show(now);
+        return true;
+    });
+    map.tileServer->rethrowFault();
+    return counts;
 }
 
 // Damaged tiles are gaps, not failures, but somebody who sees the gap wants to know.
@@ -60,6 +67,16 @@ ExitCode writePicture(OffscreenHost& host, const std::string& attribution, const
     }
     const std::string fault = savePictureFile(**picture, options.output);
     return fault.empty() ? ExitCode::done : complain(fault, ExitCode::badInput);
+}
+
+/// What is missing in the picture, one line each.
+std::vector<std::string> missingTiles(const MapScene& map, const TileCounts& count) {
+    std::vector<std::string> lines = tileFailures(map);
+    if (count.answered < count.wanted) {
+        lines.push_back(std::to_string(count.wanted - count.answered) + " of " +
+                        std::to_string(count.wanted) + " tiles were not answered in time");
+    }
+    return lines;
 }
 
 } // namespace
@@ -96,17 +113,17 @@ ExitCode render(const RenderOptions& options) {
                    ? complain(host.reason(), ExitCode::noDriver)
                    : complain("no picture can be drawn: " + host.reason(), ExitCode::badInput);
     }
-    const TileCount count = drawAll(**host, map, options.timeoutSeconds);
+    const TileCounts count = drawAll(**host, map, options.timeoutSeconds);
     mentionDamagedTiles(*content);
     if (const ExitCode code = writePicture(**host, content->attribution, options); code != ExitCode::done) {
         return code;
     }
-    if (count.answered < count.wanted && !options.allowMissingTiles) {
-        return complain(std::to_string(count.wanted - count.answered) + " of " +
-                            std::to_string(count.wanted) + " tiles were not answered in time",
-                        ExitCode::tilesUnanswered);
+    ExitCode code = ExitCode::done;
+    for (const std::string& line : missingTiles(map, count)) {
+        complain(line, ExitCode::tilesUnanswered);
+        code = options.allowMissingTiles ? ExitCode::done : ExitCode::tilesUnanswered;
     }
-    return ExitCode::done;
+    return code;
 }
 
 } // namespace trelmix::apps

@@ -38,10 +38,16 @@ private:
     double _scale;
 };
 
-std::string progressText(TileCount tiles) {
-    return tiles.answered < tiles.wanted ? "Loading " + std::to_string(tiles.answered) + " of " +
-                                               std::to_string(tiles.wanted) + " tiles"
-                                         : std::string();
+std::string progressText(const Hud::State& state) {
+    std::string text;
+    for (const std::string& line : state.tileFailures) {
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    if (state.tiles.answered < state.tiles.wanted) {
+        text += (text.empty() ? "Loading " : "\nLoading ") + std::to_string(state.tiles.answered) + " of " +
+                std::to_string(state.tiles.wanted) + " tiles";
+    }
+    return text;
 }
 
 } // namespace
@@ -85,7 +91,7 @@ void Hud::addTo(std::vector<ViewHost::OverlayImage>& images, const State& state)
         left -= barImage->size().height + (isCrowded ? attributionSize.height : 0);
         placer.place(barImage, map.origin.x + kMargin, left);
     }
-    const Image& progress = made(_progress, progressText(state.tiles), state, label);
+    const Image& progress = made(_progress, progressText(state), state, label);
     if (progress) {
         placer.place(progress, map.origin.x + kMargin, left - kMargin - progress->size().height);
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/picture/Controls.h"
-#include "common/scene/SceneRunner.h"
+#include "common/scene/MapScene.h"
 
 #include <Trelmix/Host/ViewHost.h>
 
@@ -12,7 +12,8 @@
 namespace trelmix::apps {
 
 /// What is drawn over the map in the window: the sources' names, a scale bar, the north arrow, how far
-/// loading is, and what was hit last. Images are drawn anew only when they would differ. Main thread.
+/// loading is and what fails in it, and what was hit last. Images are drawn anew only when they would differ.
+/// Main thread.
 class Hud {
 public:
     struct State {
@@ -23,7 +24,9 @@ public:
         /// Degrees.
         double rotation = 0;
         double metresPerPoint = 0;
-        TileCount tiles;
+        TileCounts tiles;
+        /// Lines that say which tiles could not be had.
+        std::vector<std::string> tileFailures;
         std::string attribution;
         /// Empty for none.
         std::string message;

@@ -134,7 +134,7 @@ Stage::~Stage() {
 bool Stage::isSettled() {
     const std::uint64_t updates = _thread->updateCount();
     const std::uint64_t presents = _thread->presentCount();
-    const TileCount tiles = countOf(_map);
+    const TileCounts tiles = countOf(_map);
     const bool isAnswered =
         tiles.answered >= tiles.wanted && _map.tileServer->waitUntilAnswered(std::chrono::milliseconds(0));
     if (presents != _lastPresent || !isAnswered) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/scene/MapScene.h"
-#include "common/scene/SceneRunner.h"
 #include "view/CameraControl.h"
 #include "view/HitReporter.h"
 #include "view/ScreenLayout.h"

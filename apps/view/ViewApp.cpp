@@ -159,6 +159,7 @@ bool ViewApp::step() {
         _stage->showPicture();
     }
     _stage->host().pump();
+    _stage->map().tileServer->rethrowFault();
     updateOverlays();
     if (_options.frames) {
         endWhenDone();
@@ -174,6 +175,7 @@ void ViewApp::updateOverlays() {
     state.rotation = camera ? camera->rotation() : 0;
     state.metresPerPoint = metresPerPoint(_stage->engine(), _layout.map.size);
     state.tiles = countOf(_stage->map());
+    state.tileFailures = tileFailures(_stage->map());
     state.attribution = _scene.content.attribution;
     state.message = Clock::now() < _messageEnd ? _message : std::string();
     state.showsHelp = _showsHelp;
@@ -243,7 +245,7 @@ void ViewApp::endWhenDone() {
     if (!_options.screenshot.empty()) {
         _exitCode = writePicture(_options.screenshot);
     }
-    const TileCount tiles = countOf(_stage->map());
+    const TileCounts tiles = countOf(_stage->map());
     if (_exitCode == ExitCode::done && tiles.answered < tiles.wanted) {
         _exitCode = complain(std::to_string(tiles.wanted - tiles.answered) + " of " +
                                  std::to_string(tiles.wanted) + " tiles were not answered in time",

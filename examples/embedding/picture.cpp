@@ -45,10 +45,10 @@ int main(int argc, char** argv) {
     TrelmixMapEngineFactory::createMapMarkerWith(square(20, {200, 40, 40, 255}), {54.9301, 14.0207})
         ->setMap(map);
 
-    (*host)->step(0); // asks for tiles
-    while ((*host)->pump()) {
-    } // takes the answers
-    (*host)->step(0);
+    const TileCounts counts = (*host)->settle(30); // until every tile is answered, at most 30 seconds
+    if (counts.failed > 0) {
+        std::cerr << counts.failed << " tiles failed: " << counts.reason << std::endl;
+    }
     const auto picture = (*host)->image();
     if (!picture || argc < 2) {
         std::cerr << (picture ? "usage: picture MAP.png" : picture.reason()) << std::endl;

@@ -119,7 +119,7 @@ int run(SDL_Window* window, long frames) {
         } // in an unchanged map nothing has been drawn
     }
     const bool isComplete =
-        tiles->wantedTileCount() > 0 && tiles->answeredTileCount() == tiles->wantedTileCount();
+        tiles->tileCounts().wanted > 0 && tiles->tileCounts().answered == tiles->tileCounts().wanted;
     return isOpen && !isComplete ? 1 : 0;
 }
 

@@ -11,8 +11,39 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace trelmix {
+
+/// How the tiles stand that the last check of a layer found in view.
+struct TileCounts {
+    /// All of them, also those that are still on their way.
+    std::size_t wanted = 0;
+    /// With an image or without; all of them once nothing is on its way.
+    std::size_t answered = 0;
+    /// Answered without an image, as there is none: the delegate gave none, the server said so (status 204,
+    /// 404 or 410), there is no such file, or the tile is beyond the world.
+    std::size_t absent = 0;
+    /// Answered without an image, as it could not be had: no connection, another status, no image, too late.
+    std::size_t failed = 0;
+    /// Why one of the failed ones has none, else why one of the absent ones, as words to put behind
+    /// "failed: ": "connection refused", "status 401". Empty when nobody said.
+    std::string reason;
+
+    /// Of two layers together, with the first one's reason if it has one.
+    TileCounts& operator+=(const TileCounts& other) {
+        wanted += other.wanted;
+        answered += other.answered;
+        absent += other.absent;
+        failed += other.failed;
+        if (reason.empty()) {
+            reason = other.reason;
+        }
+        return *this;
+    }
+    /// Whether all numbers and the reason are the same.
+    friend bool operator==(const TileCounts&, const TileCounts&) = default;
+};
 
 /// A raster map on the usual 256-point tile grid. It asks for each tile that comes into view once: an
 /// address (`imageUrlLayer`), or the engine's delegate, which answers at once (`synchronousLayer`) or later
@@ -38,8 +69,8 @@ public:
 
     /// True, with a constructor: images come from addresses, through the cache and the network connection
     /// that the process shares (`NetworkSettings.h`), and `provideTileForX` is ignored. An address is asked
-    /// once; what fails within 10 s, or is no image, answers the tile with none. Tiles beyond the world are
-    /// answered with none. False unless set.
+    /// once; what fails within 10 s, or is no image, answers the tile with none (`tileCounts` tells why).
+    /// Tiles beyond the world are answered with none. False unless set.
     virtual bool imageUrlLayer() const = 0;
     /// Counts for tiles that are asked for afterwards.
     virtual void setImageUrlLayer(bool isUrlLayer) = 0;
@@ -60,10 +91,8 @@ public:
     virtual void provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                                  std::shared_ptr<const UIImage> image) = 0;
 
-    /// Tiles that the last check found in view.
-    virtual std::size_t wantedTileCount() const = 0;
-    /// How many of the wanted tiles have been answered, also those that were answered with no image.
-    virtual std::size_t answeredTileCount() const = 0;
+    /// How far the map is with the tiles in view, and what went wrong.
+    virtual TileCounts tileCounts() const = 0;
 };
 
 } // namespace trelmix

@@ -1,6 +1,7 @@
 #include "Engine/SceneUpdate.h"
 
 #include "Engine/GeoNode.h"
+#include "Platform/Foundation/SceneLock.h"
 
 namespace trelmix {
 
@@ -21,6 +22,18 @@ void updatePossibleGeoNodes(SCNScene& scene, float zoom, float rotation, float v
             static_cast<GeoNode&>(*node).update(zoom, rotation, viewingAngle);
         }
     }
+}
+
+TileCounts tileCounts(SCNScene& scene) {
+    const SceneLock lock;
+    TileCounts counts;
+    const auto nodes = scene.childNodes();
+    for (const auto& node : *nodes) {
+        if (const auto* const layer = dynamic_cast<const TrelmixMapTileLayer*>(node.get())) {
+            counts += layer->tileCounts();
+        }
+    }
+    return counts;
 }
 
 } // namespace trelmix

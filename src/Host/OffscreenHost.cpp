@@ -1,6 +1,7 @@
 #include <Trelmix/Host/OffscreenHost.h>
 
 #include "Host/HostedEngine.h"
+#include "Host/TileWait.h"
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
@@ -56,6 +57,12 @@ public:
     bool pump() override { return RunLoop::main().pump(); }
 
     void wait(double seconds) override { RunLoop::main().wait(seconds); }
+
+    TileCounts settle(double seconds, const std::function<bool(const TileCounts&)>& progress) override {
+        return requireMainThread("OffscreenHost::settle")
+                   ? TileWait(*this, _life, _engine.engine(), seconds, progress).settle()
+                   : TileCounts();
+    }
 
     ImageResult image() override {
         if (!requireMainThread("OffscreenHost::image")) {

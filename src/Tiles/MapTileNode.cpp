@@ -102,26 +102,32 @@ void MapTileNode::setOpacity(double opacity) {
     }
 }
 
-std::size_t MapTileNode::wantedTileCount() const {
-    const MainEntry entry{"wantedTileCount"};
+TileCounts MapTileNode::tileCounts() const {
+    TileCounts counts;
+    const MainEntry entry{"tileCounts"};
     if (!entry) {
-        return 0;
-    }
-    const auto level = _mapTiles.find(roundedZoom(_lastTileCheckZoom));
-    return level == _mapTiles.end() ? 0 : level->second.size();
-}
-
-std::size_t MapTileNode::answeredTileCount() const {
-    const MainEntry entry{"answeredTileCount"};
-    if (!entry) {
-        return 0;
+        return counts;
     }
     const auto level = _mapTiles.find(roundedZoom(_lastTileCheckZoom));
     if (level == _mapTiles.end()) {
-        return 0;
+        return counts;
     }
-    return static_cast<std::size_t>(std::count_if(level->second.begin(), level->second.end(),
-                                                  [](const auto& tile) { return tile->finishedLoading(); }));
+    counts.wanted = level->second.size();
+    const TileAnswer* told = nullptr;
+    for (const auto& tile : level->second) {
+        const auto& answer = tile->answer();
+        if (!answer) {
+            continue;
+        }
+        ++counts.answered;
+        if (!answer->image) {
+            ++(answer->isFailed ? counts.failed : counts.absent);
+            const bool tellsMore = told == nullptr || (answer->isFailed && !told->isFailed);
+            told = tellsMore && !answer->reason.empty() ? &*answer : told;
+        }
+    }
+    counts.reason = told != nullptr ? told->reason : std::string();
+    return counts;
 }
 
 void MapTileNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
@@ -138,6 +144,7 @@ void MapTileNode::clearMapData() {
     ++_generation;
     _mapTileImages.clear();
     _downloads.clear();
+    _lostTiles.clear();
     const auto levels = std::move(_mapTiles);
     _mapTiles.clear();
     for (const auto& [zoom, tiles] : levels) {
@@ -198,14 +205,16 @@ bool MapTileNode::needsToRecalculateTiles(float zoom, float rotation, float view
            std::abs(viewingAngle - _lastTileCheckViewingAngle) >= kAngleThreshold;
 }
 
-/// Removes the nodes of a zoom that are no longer needed, and from `tiles` those that have one.
+/// Removes the nodes of a zoom that are no longer needed or have lost their answer, and from `tiles` those
+/// that have one.
 void MapTileNode::dropUnneeded(std::int64_t zoom, std::vector<TileKey>& tiles) {
     const std::unordered_set<TileKey, TileKeyHash> needed(tiles.begin(), tiles.end());
     std::unordered_set<TileKey, TileKeyHash> present;
     TileList kept;
     TileList dropped;
     for (const auto& tile : _mapTiles[zoom]) {
-        if (needed.contains(tile->key())) {
+        const bool isLost = _lostTiles.erase(tile->key()) > 0;
+        if (needed.contains(tile->key()) && !isLost) {
             present.insert(tile->key());
             kept.push_back(tile);
         } else {

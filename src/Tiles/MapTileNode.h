@@ -36,8 +36,7 @@ public:
     void setImageCacheLimit(std::optional<std::size_t> bytes) override;
     void provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                          std::shared_ptr<const UIImage> image) override;
-    std::size_t wantedTileCount() const override;
-    std::size_t answeredTileCount() const override;
+    TileCounts tileCounts() const override;
     std::string description() const override;
     void setVisible(bool visible) override;
     void setOpacity(double opacity) override;
@@ -65,9 +64,8 @@ private:
 
     // Their images (TileImages.cpp)
     bool readCachedTile(SingleMapTileNode& node);
-    void insertCachedTile(const TileKey& key, const std::shared_ptr<const UIImage>& image);
-    void acceptTile(TileKey key, std::shared_ptr<const UIImage> image, bool internally);
-    void provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image, bool internally);
+    void acceptTile(TileKey key, TileAnswer answer, bool internally);
+    void provideOnMainThread(TileKey key, TileAnswer answer, bool internally);
     bool loadsFromUrls() const { return _imageUrlLayer && _imageUrlConstructor; }
     void trimImageCache();
     std::shared_ptr<SingleMapTileNode> shownTile(const TileKey& key) const;
@@ -78,7 +76,7 @@ private:
     // Their way over the network (TileDownload.cpp)
     std::optional<URL> addressOf(const TileKey& key) const;
     void createMapUrlTileDownloadTask(const TileKey& key);
-    void acceptDownload(const TileKey& key, std::uint64_t generation, std::shared_ptr<const UIImage> image);
+    void acceptDownload(const TileKey& key, std::uint64_t generation, std::optional<TileAnswer> answer);
 
     // Tiles of other zooms (TileCleanup.cpp)
     void restartTileCleanupTimer();
@@ -93,6 +91,8 @@ private:
     ImageUrlConstructor _imageUrlConstructor;
     /// Tiles whose images are on their way from their addresses.
     std::unordered_set<TileKey, TileKeyHash> _downloads;
+    /// Tiles that nobody is going to answer, as their downloads were dropped: the next check asks anew.
+    std::unordered_set<TileKey, TileKeyHash> _lostTiles;
     float _lastTileCheckZoom = 0;
     float _lastTileCheckRotation = -3.4F;
     float _lastTileCheckViewingAngle = -1.0F;

@@ -38,7 +38,7 @@ void SingleMapTileNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
 
 void SingleMapTileNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     GeoNode::setup(projection);
-    if (!_tileImage) {
+    if (!tileImage()) {
         if (const auto layer = _mapTileNode.lock()) {
             layer->requestTileImage(*this);
         }
@@ -46,14 +46,14 @@ void SingleMapTileNode::setup(const std::shared_ptr<CameraProjection>& projectio
     setupTileTexture();
 }
 
-void SingleMapTileNode::finishLoading(std::shared_ptr<const UIImage> image) {
-    _finishedLoading = true;
-    _tileImage = std::move(image);
+void SingleMapTileNode::finishLoading(TileAnswer answer) {
+    _answer = std::move(answer);
     setupTileTexture();
 }
 
 void SingleMapTileNode::setupTileTexture() {
-    if (!_tileImage || !cameraProjection()) {
+    const auto image = tileImage();
+    if (!image || !cameraProjection()) {
         setGeometry(nullptr);
         return;
     }
@@ -66,7 +66,7 @@ void SingleMapTileNode::setupTileTexture() {
          -((row + 1.0) * _mapTileDimension - origin.y), -(row * _mapTileDimension - origin.y)});
     auto material = std::make_shared<SCNMaterial>();
     material->readsFromDepthBuffer = false;
-    material->diffuse = _tileImage;
+    material->diffuse = image;
     plane->setMaterials({std::move(material)});
     setExactPosition({_mapTileCenter.x - origin.x, -(_mapTileCenter.y - origin.y), exactPosition().z});
     setGeometry(std::move(plane));

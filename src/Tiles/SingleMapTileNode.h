@@ -2,10 +2,10 @@
 
 #include "Engine/GeoNode.h"
 #include "Tiles/TileGround.h"
-
-#include <Trelmix/Platform/UIImage.h>
+#include "Tiles/TileImageCache.h"
 
 #include <memory>
+#include <optional>
 
 namespace trelmix {
 
@@ -17,11 +17,12 @@ public:
     static std::shared_ptr<SingleMapTileNode> make(TileKey key, const std::shared_ptr<MapTileNode>& layer);
 
     const TileKey& key() const { return _key; }
-    const std::shared_ptr<const UIImage>& tileImage() const { return _tileImage; }
+    std::shared_ptr<const UIImage> tileImage() const { return _answer ? _answer->image : nullptr; }
     /// True once the question for the image has been answered, with an image or with none.
-    bool finishedLoading() const { return _finishedLoading; }
+    bool finishedLoading() const { return _answer.has_value(); }
+    const std::optional<TileAnswer>& answer() const { return _answer; }
     /// Takes the answer and shows it.
-    void finishLoading(std::shared_ptr<const UIImage> image);
+    void finishLoading(TileAnswer answer);
 
     Coordinate initialTargetCoordinateForProjection() const override;
     void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
@@ -36,8 +37,7 @@ private:
     double _mapTileDimension;
     WorldMapPoint _mapTileCenter;
     std::weak_ptr<MapTileNode> _mapTileNode;
-    std::shared_ptr<const UIImage> _tileImage;
-    bool _finishedLoading = false;
+    std::optional<TileAnswer> _answer;
 };
 
 } // namespace trelmix

@@ -5,6 +5,7 @@
 #include "Platform/Network/SharedNetwork.h"
 #include "Tiles/MapTileNode.h"
 
+#include <new>
 #include <utility>
 
 namespace trelmix {
@@ -24,49 +25,73 @@ double scaleOfAddress(const URL& url) {
 }
 
 /// On a decoder: everything that drawing the image will need.
-std::shared_ptr<const UIImage> decoded(const URL& url, const std::vector<std::byte>& body) {
-    auto image = UIImage::withData(body, scaleOfAddress(url));
-    if (image) {
+TileAnswer decoded(const URL& url, const std::vector<std::byte>& body) {
+    try {
+        std::string fault;
+        auto image = UIImage::withData(body, scaleOfAddress(url), &fault);
+        if (!image) {
+            return {nullptr, true, "no image: " + fault};
+        }
         image->prepareLevels();
+        return {std::move(image), false, {}};
+    } catch (const std::bad_alloc&) {
+        return {nullptr, true, "out of memory"};
     }
-    return image;
 }
 
 } // namespace
 
-/// One tile's way to its image. It holds the layer weakly and is never cancelled.
-struct MapTileNode::Download {
-    std::weak_ptr<MapTileNode> layer;
-    TileKey key;
-    std::uint64_t generation;
-    URL url;
+/// One tile's way to its image. It holds the layer weakly and is never cancelled. The layer hears of its end
+/// once, also when nobody answers since the network is shut down.
+struct MapTileNode::Download : std::enable_shared_from_this<Download> {
+    Download(std::weak_ptr<MapTileNode> asking, TileKey tile, std::uint64_t asked, URL address)
+        : layer(std::move(asking)), key(tile), generation(asked), url(std::move(address)) {}
+    Download(const Download&) = delete;
+    Download& operator=(const Download&) = delete;
 
-    void answer(std::shared_ptr<const UIImage> image) const {
-        DispatchQueue::main().async([weak = layer, tile = key, asked = generation, image = std::move(image)] {
-            if (const auto strong = weak.lock()) {
-                strong->acceptDownload(tile, asked, image);
+    ~Download() {
+        if (!isAnswered) {
+            try {
+                end(std::nullopt);
+            } catch (const std::bad_alloc&) {
+                // The tile stays unanswered.
             }
-        });
+        }
     }
 
-    void take(URLSession::Answer answered) const {
+    void answer(TileAnswer tileAnswer) {
+        isAnswered = true;
+        end(std::move(tileAnswer));
+    }
+
+    void end(std::optional<TileAnswer> tileAnswer) const {
+        DispatchQueue::main().async(
+            [weak = layer, tile = key, asked = generation, ended = std::move(tileAnswer)]() mutable {
+                if (const auto strong = weak.lock()) {
+                    strong->acceptDownload(tile, asked, std::move(ended));
+                }
+            });
+    }
+
+    void take(URLSession::Answer answered) {
         if (!answered) {
-            answer(nullptr);
+            answer({nullptr, !answered.isAbsent, answered.reason()});
             return;
         }
         auto body = std::make_shared<const std::vector<std::byte>>(std::move(*answered));
-        WorkerPool::decoders().run([download = *this, body = std::move(body)] {
-            const auto image = decoded(download.url, *body);
-            download.answer(image);
+        WorkerPool::decoders().run([self = shared_from_this(), body = std::move(body)] {
+            TileAnswer tileAnswer = decoded(self->url, *body);
+            const bool isImage = tileAnswer.image != nullptr;
+            self->answer(std::move(tileAnswer));
             // Only what can be shown is worth remembering: an outage must leave no holes behind.
-            if (const auto cache = SharedNetwork::get().cache; image && cache) {
-                cache->store(download.url, body);
+            if (const auto cache = SharedNetwork::get().cache; isImage && cache) {
+                cache->store(self->url, body);
             }
         });
     }
 
     /// On a decoder.
-    void start() const {
+    void start() {
         const SharedNetwork network = SharedNetwork::get();
         if (layer.expired() || !network.session) {
             return;
@@ -75,10 +100,16 @@ struct MapTileNode::Download {
             answer(decoded(url, *body));
             return;
         }
-        network.session->load({url, kTileTimeout}, [download = *this](URLSession::Answer answered) {
-            download.take(std::move(answered));
+        network.session->load({url, kTileTimeout}, [self = shared_from_this()](URLSession::Answer answered) {
+            self->take(std::move(answered));
         });
     }
+
+    std::weak_ptr<MapTileNode> layer;
+    TileKey key;
+    std::uint64_t generation;
+    URL url;
+    bool isAnswered = false;
 };
 
 std::optional<URL> MapTileNode::addressOf(const TileKey& key) const {
@@ -93,9 +124,10 @@ std::optional<URL> MapTileNode::addressOf(const TileKey& key) const {
 
 void MapTileNode::createMapUrlTileDownloadTask(const TileKey& key) {
     if (!isInWorld(key)) {
-        provideOnMainThread(key, nullptr, true);
+        provideOnMainThread(key, {}, true);
         return;
     }
+    _lostTiles.erase(key);
     // A tile that went and came back while its image is on the way is not asked for again.
     if (!_downloads.insert(key).second) {
         return;
@@ -111,16 +143,24 @@ void MapTileNode::createMapUrlTileDownloadTask(const TileKey& key) {
     }
     // Before the pool, so that at the end of the process the pool's work is done before these go.
     SharedNetwork::get();
-    WorkerPool::decoders().run([download = Download{self(), key, generation, *url}] { download.start(); });
+    WorkerPool::decoders().run(
+        [download = std::make_shared<Download>(self(), key, generation, *url)] { download->start(); });
 }
 
 void MapTileNode::acceptDownload(const TileKey& key, std::uint64_t generation,
-                                 std::shared_ptr<const UIImage> image) {
+                                 std::optional<TileAnswer> answer) {
     const SceneLock lock;
     // Answers to what was asked before the layer was cleared belong to nothing.
-    if (generation == _generation) {
-        _downloads.erase(key);
-        acceptTile(key, std::move(image), true);
+    if (generation != _generation) {
+        return;
+    }
+    _downloads.erase(key);
+    if (answer) {
+        acceptTile(key, std::move(*answer), true);
+    } else if (shownTile(key)) {
+        _lostTiles.insert(key);
+        // The next check does not wait for the camera to move.
+        _lastTileCheckTarget.reset();
     }
 }
 

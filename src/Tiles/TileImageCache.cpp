@@ -14,21 +14,21 @@ std::size_t bytesOf(const UIImage* image) {
 
 } // namespace
 
-const std::shared_ptr<const UIImage>* TileImageCache::find(const TileKey& key) {
+const TileAnswer* TileImageCache::find(const TileKey& key) {
     const auto found = _index.find(key);
     if (found == _index.end()) {
         return nullptr;
     }
     touch(key);
-    return &found->second->image;
+    return &found->second->answer;
 }
 
-void TileImageCache::insert(const TileKey& key, std::shared_ptr<const UIImage> image) {
+void TileImageCache::insert(const TileKey& key, TileAnswer answer) {
     if (const auto found = _index.find(key); found != _index.end()) {
         erase(found->second);
     }
-    const std::size_t bytes = bytesOf(image.get());
-    _entries.push_back({key, std::move(image), bytes});
+    const std::size_t bytes = bytesOf(answer.image.get());
+    _entries.push_back({key, std::move(answer), bytes});
     _index.emplace(key, std::prev(_entries.end()));
     _byteCount += bytes;
 }

@@ -8,18 +8,28 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <string>
 #include <unordered_map>
 #include <utility>
 
 namespace trelmix {
 
-/// A layer's answers by tile; an empty image records that the source had none. Guarded by the scene lock.
+/// What came of the question for a tile's image.
+struct TileAnswer {
+    std::shared_ptr<const UIImage> image;
+    /// Without an image: that it could not be had, rather than that there is none.
+    bool isFailed = false;
+    /// Without an image: why, in words; empty when nobody said.
+    std::string reason;
+};
+
+/// A layer's answers by tile. Guarded by the scene lock.
 class TileImageCache {
 public:
     /// What was answered; null when nothing was.
-    const std::shared_ptr<const UIImage>* find(const TileKey& key);
+    const TileAnswer* find(const TileKey& key);
     /// Replaces an earlier answer.
-    void insert(const TileKey& key, std::shared_ptr<const UIImage> image);
+    void insert(const TileKey& key, TileAnswer answer);
     void clear();
 
     std::optional<std::size_t> limit() const { return _limit; }
@@ -36,7 +46,7 @@ public:
 private:
     struct Entry {
         TileKey key;
-        std::shared_ptr<const UIImage> image;
+        TileAnswer answer;
         std::size_t byteCount;
     };
     using Entries = std::list<Entry>;

@@ -52,23 +52,23 @@ void MapTileNode::askDelegateAtOnce(const TileKey& key) {
     if (const auto delegate = delegateOfEngine()) {
         image = callOut([&] { return delegate->tileForX(key.x, key.y, key.zoom); });
     }
-    provideOnMainThread(key, std::move(image), true);
+    provideOnMainThread(key, {std::move(image), false, {}}, true);
 }
 
 void MapTileNode::provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                                   std::shared_ptr<const UIImage> image) {
-    provideOnMainThread({x, y, zoom}, std::move(image), false);
+    provideOnMainThread({x, y, zoom}, {std::move(image), false, {}}, false);
 }
 
-void MapTileNode::provideOnMainThread(TileKey key, std::shared_ptr<const UIImage> image, bool internally) {
+void MapTileNode::provideOnMainThread(TileKey key, TileAnswer answer, bool internally) {
     if (Thread::isMainThread()) {
-        acceptTile(key, std::move(image), internally);
+        acceptTile(key, std::move(answer), internally);
         return;
     }
     DispatchQueue::main().async(
-        [weak = std::weak_ptr(self()), key, internally, image = std::move(image)]() mutable {
+        [weak = std::weak_ptr(self()), key, internally, answer = std::move(answer)]() mutable {
             if (const auto layer = weak.lock()) {
-                layer->acceptTile(key, std::move(image), internally);
+                layer->acceptTile(key, std::move(answer), internally);
             }
         });
 }
@@ -86,7 +86,7 @@ std::shared_ptr<SingleMapTileNode> MapTileNode::shownTile(const TileKey& key) co
     return nullptr;
 }
 
-void MapTileNode::acceptTile(TileKey key, std::shared_ptr<const UIImage> image, bool internally) {
+void MapTileNode::acceptTile(TileKey key, TileAnswer answer, bool internally) {
     const SceneLock lock;
     if (loadsFromUrls() && !internally) {
         return;
@@ -95,16 +95,12 @@ void MapTileNode::acceptTile(TileKey key, std::shared_ptr<const UIImage> image, 
     if (!tile) {
         return;
     }
-    insertCachedTile(key, image);
-    if (image) {
+    _mapTileImages.insert(key, answer);
+    if (answer.image) {
         restartTileCleanupTimer();
     }
-    tile->finishLoading(std::move(image));
+    tile->finishLoading(std::move(answer));
     trimImageCache();
-}
-
-void MapTileNode::insertCachedTile(const TileKey& key, const std::shared_ptr<const UIImage>& image) {
-    _mapTileImages.insert(key, image);
 }
 
 void MapTileNode::trimImageCache() {

@@ -301,7 +301,8 @@ void addOverlayCalls(Calls& calls) {
     calls["layer cache"] = [](World& w) { w.layer->setImageCacheLimit(0); };
     calls["layer answer"] = [](World& w) { w.layer->provideTileForX(1, 2, 3, icon()); };
     calls["layer counts"] = [](World& w) {
-        EXPECT_GE(w.layer->wantedTileCount(), w.layer->answeredTileCount());
+        const TileCounts counts = w.layer->tileCounts();
+        EXPECT_GE(counts.wanted, counts.answered);
     };
     calls["second layer"] = [](World& w) { Factory::createMapTilesNode()->setMap(w.engine); };
 }

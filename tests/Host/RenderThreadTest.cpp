@@ -195,7 +195,7 @@ TEST_F(RenderThreadTest, drawsWhileEverythingMovesComesAndGoes) {
         }
     }
     rest(*thread);
-    EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
+    EXPECT_EQ(layer->tileCounts().answered, layer->tileCounts().wanted);
     thread.reset();
     for (const auto& overlay : overlays) {
         overlay->setMap(nullptr);

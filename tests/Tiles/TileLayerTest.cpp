@@ -72,12 +72,12 @@ protected:
 TEST_F(TileLayer, asksForEachWantedTileOnceAndDrawsWhatIsAnswered) {
     show();
     step();
-    EXPECT_EQ(delegate->asked.size(), layer->wantedTileCount());
-    EXPECT_EQ(layer->answeredTileCount(), 0U);
+    EXPECT_EQ(delegate->asked.size(), layer->tileCounts().wanted);
+    EXPECT_EQ(layer->tileCounts().answered, 0U);
     EXPECT_TRUE(lastFrame.list->items.empty());
     const std::size_t wanted = delegate->asked.size();
     answerAll(picture());
-    EXPECT_EQ(layer->answeredTileCount(), wanted);
+    EXPECT_EQ(layer->tileCounts().answered, wanted);
     step(2);
     EXPECT_EQ(lastFrame.list->items.size(), wanted);
     EXPECT_TRUE(delegate->asked.empty());
@@ -123,7 +123,7 @@ TEST_F(TileLayer, aSynchronousLayerWithoutImagesAsksOnceAndShowsNothing) {
     show();
     step();
     const std::size_t asked = delegate->asked.size();
-    EXPECT_EQ(layer->answeredTileCount(), asked);
+    EXPECT_EQ(layer->tileCounts().answered, asked);
     engine->setCameraWithRotation(0, 0, 18, false);
     step(1.5);
     engine->setCameraWithRotation(0, 0, 17, false);
@@ -186,9 +186,9 @@ TEST_F(TileLayer, answersFromAnotherThreadArriveWithTheMainQueue) {
     step();
     const TileKey key = delegate->asked.front();
     std::thread([&] { layer->provideTileForX(key.x, key.y, key.zoom, picture()); }).join();
-    EXPECT_EQ(layer->answeredTileCount(), 0U);
+    EXPECT_EQ(layer->tileCounts().answered, 0U);
     RunLoop::main().pump();
-    EXPECT_EQ(layer->answeredTileCount(), 1U);
+    EXPECT_EQ(layer->tileCounts().answered, 1U);
     std::thread([&] { layer->provideTileForX(key.x, key.y, key.zoom, nullptr); }).join();
     layer->setMap(nullptr);
     layer.reset();
@@ -201,9 +201,9 @@ TEST_F(TileLayer, answeredInsideTheQuestionItWorks) {
     };
     show();
     step();
-    EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
+    EXPECT_EQ(layer->tileCounts().answered, layer->tileCounts().wanted);
     step();
-    EXPECT_EQ(lastFrame.list->items.size(), layer->wantedTileCount());
+    EXPECT_EQ(lastFrame.list->items.size(), layer->tileCounts().wanted);
 }
 
 TEST_F(TileLayer, aDelegateThatThrowsLeavesGapsAndNoMore) {
@@ -213,8 +213,8 @@ TEST_F(TileLayer, aDelegateThatThrowsLeavesGapsAndNoMore) {
     layer->setSynchronousLayer(true);
     show();
     step();
-    EXPECT_EQ(layer->answeredTileCount(), layer->wantedTileCount());
-    EXPECT_EQ(takeFaults().size(), layer->wantedTileCount() - lastFrame.list->items.size());
+    EXPECT_EQ(layer->tileCounts().answered, layer->tileCounts().wanted);
+    EXPECT_EQ(takeFaults().size(), layer->tileCounts().wanted - lastFrame.list->items.size());
 }
 
 TEST_F(TileLayer, aDelegateMayTakeTheLayerAwayOrDestroyTheEngineWhileItIsAsked) {

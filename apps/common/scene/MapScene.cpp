@@ -77,11 +77,40 @@ MapScene buildMapScene(const SceneFile& scene, const SceneContent& content, cons
         } else {
             loadFromUrls(*layer, scene.tiles[i].url);
         }
+        const std::string& url = scene.tiles[i].url;
+        map.addresses.push_back(url.substr(0, url.find('?')));
         layer->setMap(map.engine);
         map.layers.push_back(std::move(layer));
     }
     map.overlays = addSceneOverlays(map.engine, scene, content);
     return map;
+}
+
+TileCounts countOf(const MapScene& map) {
+    TileCounts counts;
+    for (const auto& layer : map.layers) {
+        counts += layer->tileCounts();
+    }
+    return counts;
+}
+
+std::vector<std::string> tileFailures(const MapScene& map) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < map.addresses.size(); ++i) {
+        if (map.addresses[i].empty()) {
+            continue;
+        }
+        const TileCounts counts = map.layers[i]->tileCounts();
+        // Tiles beyond the world are absent too, and nobody has a reason for them.
+        const bool isNothingThere =
+            counts.wanted > 0 && counts.absent + counts.failed == counts.wanted && !counts.reason.empty();
+        const std::size_t failed = isNothingThere ? counts.wanted : counts.failed;
+        if (failed > 0) {
+            lines.push_back(std::to_string(failed) + " of " + std::to_string(counts.wanted) + " tiles of " +
+                            map.addresses[i] + " failed: " + counts.reason);
+        }
+    }
+    return lines;
 }
 
 } // namespace trelmix::apps

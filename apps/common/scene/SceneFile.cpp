@@ -91,6 +91,18 @@ void expectTemplate(const JsonCursor& at) {
     }
 }
 
+void expectAddress(const JsonCursor& at) {
+    const std::string filled = filledTemplate(at.text(), {});
+    if (const std::size_t brace = filled.find_first_of("{}"); brace != std::string::npos) {
+        at.fail("has the unknown placeholder " +
+                quotedJson(filled.substr(brace, filled.find('}', brace) - brace + 1)) +
+                "; known are {z}, {x} and {y}");
+    }
+    if (!URL::fromString(filled)) {
+        at.fail("must be an address like \"https://host/{z}/{x}/{y}.png\"");
+    }
+}
+
 SceneTiles readTiles(const JsonCursor& at, const std::string& folder) {
     at.expectObject({"mbtiles", "directory", "url", "attribution", "zIndex", "visible", "id"});
     SceneTiles tiles;
@@ -109,9 +121,7 @@ SceneTiles readTiles(const JsonCursor& at, const std::string& folder) {
     } else {
         tiles.url = url->text();
         expectTemplate(*url);
-        if (!URL::fromString(filledTemplate(tiles.url, {}))) {
-            url->fail("must be an address like \"https://host/{z}/{x}/{y}.png\"");
-        }
+        expectAddress(*url);
     }
     if (const auto attribution = at.member("attribution")) {
         tiles.attribution = attribution->text();

@@ -5,7 +5,9 @@
 #include <Trelmix/Platform/Result.h>
 #include <Trelmix/Platform/UIImage.h>
 #include <Trelmix/TrelmixMapEngine.h>
+#include <Trelmix/TrelmixMapTileLayer.h>
 
+#include <functional>
 #include <memory>
 
 namespace trelmix {
@@ -48,6 +50,14 @@ public:
     virtual bool pump() = 0;
     /// Sleeps until something is queued for the main thread, at most `seconds`. For waiting for tiles.
     virtual void wait(double seconds) = 0;
+    /// Steps, pumps and waits until every tile in view of every layer is answered, or until `seconds` of real
+    /// time are over. The map's own clock goes some seconds on, so that animations end; the next picture
+    /// shows what there is.
+    /// @returns how the tiles stand: all are answered, or the time was too short; some may have failed.
+    TileCounts settle(double seconds) { return settle(seconds, {}); }
+    /// @param progress hears how the tiles stand before each wait, at least every 0.05 s; when it gives
+    /// false, the waiting ends. What it throws comes out of `settle`.
+    virtual TileCounts settle(double seconds, const std::function<bool(const TileCounts&)>& progress) = 0;
     /// Draws the frame of the last step and gives its pixels; fails before the first step, and when the
     /// driver cannot draw the frame or give it back.
     virtual Result<std::shared_ptr<const UIImage>> image() = 0;

@@ -41,7 +41,8 @@ TRELMIX_API NetworkSettings networkSettings();
 TRELMIX_API void setNetworkSettings(const NetworkSettings& settings);
 
 /// Drops all requests, those under way too, and closes the cache's file; waits until that is done. Their
-/// tiles stay unanswered. The next request begins anew. Any thread. What is open when the process ends is
+/// tiles are asked for again by their layers' next checks, where they are in view. The next request begins
+/// anew. Any thread. What is open when the process ends is
 /// shut down by itself.
 TRELMIX_API void shutDownNetwork();
 

@@ -17,9 +17,9 @@ public:
     /// Longer texts are no addresses.
     static constexpr std::size_t kMaximumLength = 8192;
 
-    /// Empty unless the text begins with "http://" or "https://" and a host, or is "file:///" (or
-    /// "file://localhost/") and a path; and when it is too long or has spaces or control characters in it,
-    /// which have to be percent-encoded.
+    /// Empty unless the text begins with "http://" or "https://" and a host (and a port from 1 to 65535,
+    /// if any), or is "file:///" (or "file://localhost/") and a path; and when it is too long or has spaces
+    /// or control characters in it, which have to be percent-encoded.
     static std::optional<URL> fromString(std::string_view text);
 
     /// The text, with the scheme in lower case.

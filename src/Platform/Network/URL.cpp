@@ -1,6 +1,8 @@
 #include <Trelmix/Platform/URL.h>
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 
 namespace trelmix {
 namespace {
@@ -48,6 +50,22 @@ std::string_view writtenAuthority(std::string_view url) {
     return rest.substr(0, rest.find_first_of("/?#"));
 }
 
+/// A host, and behind it nothing or a port that exists.
+bool isHostAndPort(std::string_view authority) {
+    // An address of the sixth version has colons of its own, in brackets.
+    const std::size_t bracket = authority.rfind(']');
+    const std::size_t colon = authority.find(':', bracket == std::string_view::npos ? 0 : bracket);
+    const std::string_view host = authority.substr(0, colon);
+    if (host.empty() || colon == std::string_view::npos) {
+        return !host.empty();
+    }
+    const std::string_view digits = authority.substr(colon + 1);
+    unsigned port = 0;
+    const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
+    return digits.empty() ||
+           (error == std::errc() && stop == digits.data() + digits.size() && port >= 1 && port <= 65535);
+}
+
 } // namespace
 
 std::optional<URL> URL::fromString(std::string_view text) {
@@ -64,7 +82,7 @@ std::optional<URL> URL::fromString(std::string_view text) {
     const std::string authority = url.authority();
     const bool isLocal = authority.empty() || authority == "localhost";
     const bool isFile = scheme == "file";
-    if (isFile ? !isLocal || url.filePath().empty() : authority.empty() || authority.front() == ':') {
+    if (isFile ? !isLocal || url.filePath().empty() : !isHostAndPort(authority)) {
         return std::nullopt;
     }
     return url;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <curl/curl.h>
+#include <filesystem>
 #include <mutex>
 #include <random>
 #include <system_error>
@@ -229,8 +230,12 @@ void URLSession::load(URLRequest request, Completion completion) {
         completion(Answer::failure("there is no connection to the network"));
         return;
     }
-    WorkerPool::decoders().run([path = request.url.filePath(), largest = settings->largestBody,
-                                completion = std::move(completion)] { completion(readFile(path, largest)); });
+    WorkerPool::decoders().run(
+        [path = request.url.filePath(), largest = settings->largestBody, completion = std::move(completion)] {
+            std::error_code error;
+            const bool isThere = std::filesystem::exists(path, error) || error;
+            completion(isThere ? Answer(readFile(path, largest)) : Answer::absence("no such file"));
+        });
 }
 
 } // namespace trelmix

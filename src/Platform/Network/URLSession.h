@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace trelmix {
@@ -40,8 +41,19 @@ public:
         RetryPolicy retries;
     };
 
-    /// The body of an answer with status 200 to 299, or of a file; else why there is none.
-    using Answer = Result<std::vector<std::byte>>;
+    /// The body of an answer with status 200 to 299, or of a file; else why there is none, as words to put
+    /// behind "failed: ".
+    struct Answer : Result<std::vector<std::byte>> {
+        Answer(Result<std::vector<std::byte>> body) : Result(std::move(body)) {}
+        static Answer failure(std::string reason) { return Result::failure(std::move(reason)); }
+        /// What was asked for does not exist (status 204, 404 and 410, no such file): the server is well.
+        static Answer absence(std::string reason) {
+            Answer answer = failure(std::move(reason));
+            answer.isAbsent = true;
+            return answer;
+        }
+        bool isAbsent = false;
+    };
     /// Called once, on the session's thread or the decoders' pool; must be quick.
     using Completion = std::function<void(Answer)>;
 

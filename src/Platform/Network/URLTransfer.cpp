@@ -1,6 +1,7 @@
 #include "Platform/Network/URLTransfer.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <new>
 #include <span>
 #include <utility>
@@ -23,6 +24,29 @@ bool isPassingFault(CURLcode code) {
         return true;
     default:
         return false;
+    }
+}
+
+/// Whether the server says that it has nothing there, which is an answer and no fault.
+bool isAbsence(long status) {
+    return status == 204 || status == 404 || status == 410;
+}
+
+std::string wordsFor(CURL* easy, CURLcode code) {
+    long systemError = 0;
+    switch (code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return "unknown host";
+    case CURLE_OPERATION_TIMEDOUT:
+        return "no answer in time";
+    case CURLE_COULDNT_CONNECT:
+        curl_easy_getinfo(easy, CURLINFO_OS_ERRNO, &systemError);
+        if (systemError == ECONNREFUSED) {
+            return "connection refused";
+        }
+        [[fallthrough]];
+    default:
+        return curl_easy_strerror(code);
     }
 }
 
@@ -102,13 +126,17 @@ bool URLTransfer::prepareAttempt(Clock::time_point now) {
 bool URLTransfer::finishAttempt(CURLcode code, double chance) {
     long status = 0;
     curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
-    if (code == CURLE_OK && status >= 200 && status <= 299) {
-        answer(std::move(_body));
+    if (code == CURLE_OK && status >= 200 && status <= 299 && !isAbsence(status)) {
+        answer(URLSession::Answer(std::move(_body)));
         return true;
     }
-    lastFault = _isTooLarge        ? "is larger than " + std::to_string(settings->largestBody) + " bytes"
-                : code == CURLE_OK ? "is answered with status " + std::to_string(status)
-                                   : curl_easy_strerror(code);
+    lastFault = _isTooLarge ? "an answer of more than " + std::to_string(settings->largestBody) + " bytes"
+                : code == CURLE_OK ? "status " + std::to_string(status)
+                                   : wordsFor(easy.get(), code);
+    if (code == CURLE_OK && isAbsence(status)) {
+        answer(URLSession::Answer::absence(lastFault));
+        return true;
+    }
     const bool isPassing = code == CURLE_OK ? isPassingStatus(status) : isPassingFault(code);
     if (isPassing && planRetry(code == CURLE_OK, chance)) {
         return false;

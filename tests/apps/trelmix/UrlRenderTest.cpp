@@ -7,7 +7,9 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace trelmix {
 namespace {
@@ -19,7 +21,7 @@ protected:
                      R"({"view": {"width": 300, "height": 200, "background": "#00ff00"},
                          "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17},
                          "tiles": [{"url": ")" +
-                         server.address() + R"(/{z}/{x}/{y}@2x.png"}]})");
+                         server.address() + R"(/{z}/{x}/{y}@2x.png?key=secret"}]})");
         const std::string command = "cd '" + folder.path("") +
                                     "' && '" TRELMIX_PROGRAM "' render scene.json -o a.png " + options +
                                     " 2>err";
@@ -39,17 +41,18 @@ protected:
 
     apps::ScratchFolder folder;
     std::atomic<bool> isHeld = false;
+    std::function<std::optional<TileReply>(const TileRequest&)> refusal;
     TileServer server{[this](const TileRequest& request) {
         const bool knowsWhoAsks = request.text.find("User-Agent: Somebody/1\r\n") != std::string::npos;
-        return !knowsWhoAsks ? TileReply::of("403 Forbidden", "who are you?")
-               : isHeld      ? tile().ending(TileReply::End::hold)
-                             : tile();
+        const auto refused = refusal ? refusal(request) : std::nullopt;
+        return refused         ? *refused
+               : !knowsWhoAsks ? TileReply::of("403 Forbidden", "who are you?")
+               : isHeld        ? tile().ending(TileReply::End::hold)
+                               : tile();
     }};
 };
 
 TEST_F(UrlRender, waitsForTheTilesAndTakesThemFromTheCacheTheNextTime) {
-    EXPECT_EQ(render("--cache off --user-agent Nobody/1"), 0) << "gaps are no failure";
-    EXPECT_EQ(red(), 0);
     EXPECT_EQ(render("--cache kept --user-agent Somebody/1"), 0);
     EXPECT_EQ(red(), 255);
     const std::size_t asked = server.paths().size();
@@ -57,6 +60,35 @@ TEST_F(UrlRender, waitsForTheTilesAndTakesThemFromTheCacheTheNextTime) {
     EXPECT_EQ(render("--cache kept --user-agent Somebody/1"), 0);
     EXPECT_EQ(red(), 255);
     EXPECT_EQ(server.paths().size(), asked);
+}
+
+TEST_F(UrlRender, tellsOfALayerThatFailsOrGivesNothingButNotOfSingleGaps) {
+    const struct {
+        const char* option;
+        const char* status;
+        bool isEverywhere;
+        int code;
+    } cases[] = {
+        {"", "401 Who are you", true, 4},
+        {"", "404 Not Found", true, 4},
+        {" --allow-missing-tiles", "404 Not Found", true, 0},
+        {"", "403 Forbidden", false, 4},
+        {"", "404 Not Found", false, 0},
+    };
+    for (const auto& [option, status, isEverywhere, code] : cases) {
+        refusal = [&, isEverywhere = isEverywhere, status = status](const TileRequest& request) {
+            return isEverywhere || request.path[request.path.find('@') - 1] % 2 == 0
+                       ? std::optional(TileReply::of(status, ""))
+                       : std::nullopt;
+        };
+        EXPECT_EQ(render(std::string("--cache off --user-agent Somebody/1") + option), code) << status;
+        const std::string said = bytesOf(folder.path("err"));
+        const std::string line = " tiles of " + server.address() + "/{z}/{x}/{y}@2x.png failed: status " +
+                                 std::string(status).substr(0, 3) + "\n";
+        const bool isToldOf = isEverywhere || code != 0;
+        EXPECT_EQ(said.find(line) != std::string::npos, isToldOf) << status << ": " << said;
+        EXPECT_EQ(said.empty(), !isToldOf) << said;
+    }
 }
 
 TEST_F(UrlRender, tilesThatDoNotComeInTimeAreReported) {
