@@ -63,13 +63,14 @@ TEST_F(HostedSideview, isComposedAnewOnlyWhenItLooksDifferent) {
         {"hidden", [&] { sideview->sideviewPositionRectangle()->setHidden(true); }},
         {"set-up", [&] { setUp(); }},
         {"size", [&] { EXPECT_TRUE(host->resize(200, 100, 2)); }},
+        {"scale", [&] { EXPECT_TRUE(host->resize(200, 100, 3)); }},
     };
     for (const auto& [name, change] : changes) {
         change();
         EXPECT_TRUE(host->needsDisplay()) << name;
         show();
     }
-    EXPECT_EQ(show()->pixelWidth(), 400);
+    EXPECT_EQ(show()->pixelWidth(), 600);
 }
 
 TEST_F(HostedSideview, touchesReachItAndMoveTheCamera) {

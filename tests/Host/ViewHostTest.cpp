@@ -3,7 +3,9 @@
 
 #include <Trelmix/Host/OffscreenHost.h>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace trelmix {
 namespace {
@@ -132,6 +134,7 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
     glEnable(GL_CULL_FACE);
     glBlendFunc(GL_ZERO, GL_SRC_COLOR);
     glViewport(5, 6, 7, 8);
+    glClearColor(0.25F, 0.5F, 0.75F, 0.125F);
     glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, GL_TRUE);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
     const auto state = [] {
@@ -145,6 +148,10 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
             glGetIntegerv(static_cast<GLenum>(name), value);
             values.insert(values.end(), std::begin(value), std::end(value));
         }
+        GLfloat color[4] = {};
+        glGetFloatv(GL_COLOR_CLEAR_VALUE, color);
+        std::transform(std::begin(color), std::end(color), std::back_inserter(values),
+                       [](GLfloat part) { return static_cast<GLint>(std::lround(part * 1000)); });
         return values;
     };
     const auto before = state();
