@@ -45,7 +45,8 @@ protected:
 
     static void pin(UIView& view, const char* format, const LayoutConstraint::Metrics& metrics,
                     const LayoutConstraint::Views& views) {
-        view.addConstraints(*LayoutConstraint::constraintsWithVisualFormat(format, metrics, views));
+        ViewNode::of(view).addConstraints(
+            *LayoutConstraint::constraintsWithVisualFormat(format, metrics, views));
     }
     std::shared_ptr<UIView> viewForZoomingInScrollView(UIScrollView&) override { return picture; }
     void scrollViewDidZoom(UIScrollView& sender) override {
