@@ -83,6 +83,14 @@ TEST_F(RunLoopTest, timersFireInTheOrderOfTheirTimesAndNotBefore) {
     EXPECT_EQ(story, "abcd");
     EXPECT_FALSE(timers[0]->isValid());
     EXPECT_TRUE(timers[4]->isValid());
+    // Enough of one time for a sort to mix them up.
+    std::vector<std::shared_ptr<Timer>> many;
+    for (char letter = 'A'; letter <= 'Z'; ++letter) {
+        many.push_back(timer(1, letter));
+    }
+    Clock::set(2004);
+    RunLoop::main().pump();
+    EXPECT_EQ(story, "abcdABCDEFGHIJKLMNOPQRSTUVWXYZ");
 }
 
 TEST_F(RunLoopTest, aTimerInvalidatedByAnotherInTheSamePassDoesNotFire) {

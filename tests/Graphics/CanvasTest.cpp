@@ -47,6 +47,9 @@ TEST(Canvas, coloursArriveInTheImagesOrderAndPremultiplied) {
     EXPECT_EQ(pixelAt(*image, 3, 0), kNothing);
     canvas.clear(UIColor::clearColor());
     EXPECT_EQ(inkCount(*canvas.image(), kNothing), 0);
+    canvas.clear(UIColor::whiteColor());
+    canvas.fillRect({{0, 0}, {1, 1}}, {1, 0, 0, 0.6});
+    EXPECT_EQ(pixelAt(*canvas.image(), 0, 0), (Pixel{255, 102, 102, 255})) << "clearing alone replaces";
     EXPECT_EQ(pixelAt(*image, 0, 0), kRed);
 }
 

@@ -104,8 +104,9 @@ TEST_F(HostedSideview, theWheelZoomsAboutItsPlaceWithinTheLimits) {
 
 TEST_F(HostedSideview, badSizesAndForeignViewsAreRefused) {
     const double infinity = std::numeric_limits<double>::infinity();
-    const std::array<double, 3> sizes[] = {{0, 10, 1},     {10, -1, 1},       {20000, 10, 1},     {10, 10, 0},
-                                           {10, 10, 2000}, {infinity, 10, 1}, {10, 10, -infinity}};
+    const std::array<double, 3> sizes[] = {{0, 10, 1},        {10, -1, 1},        {20000, 10, 1},
+                                           {10, 10, 0},       {10, 1, 2000},      {1, 10, 2000},
+                                           {infinity, 10, 1}, {10, 10, -infinity}};
     for (const auto& [width, height, scale] : sizes) {
         EXPECT_FALSE(host->resize(width, height, scale));
         EXPECT_FALSE(SideviewHost::make(sideview, width, height, scale));

@@ -13,6 +13,7 @@ constexpr double kHalfTheEarth = std::numbers::pi * 6371008.8;
 
 TEST(CLLocation, distancesOnTheSphereIncludingAntipodesAndTheDateLine) {
     EXPECT_NEAR(CLLocation(0, 0).distanceFromLocation(CLLocation(0, 1)), kHalfTheEarth / 180, 1e-6);
+    EXPECT_NEAR(CLLocation(0, 0).distanceFromLocation(CLLocation(60, 90)), kHalfTheEarth / 2, 1e-6);
     EXPECT_NEAR(CLLocation(10, 179.5).distanceFromLocation(CLLocation(10, -179.5)),
                 CLLocation(10, 0).distanceFromLocation(CLLocation(10, 1)), 1e-6);
     for (double latitude = -90; latitude <= 90; latitude += 0.37) {
