@@ -65,14 +65,6 @@ bool fragmentsHaveHighPrecision() {
 }
 
 void findMultisampling(GLCapabilities& c, std::string_view extensions) {
-    if (hasWord(extensions, "GL_EXT_multisampled_render_to_texture")) {
-        c.framebufferTexture2DMultisample =
-            function<PFNGLFRAMEBUFFERTEXTURE2DMULTISAMPLEEXTPROC>("glFramebufferTexture2DMultisampleEXT");
-    }
-    if (c.framebufferTexture2DMultisample) {
-        c.maximumSamples = std::max(1, number(kMaximumSamples));
-        return;
-    }
     const char* storage = nullptr;
     const char* blit = nullptr;
     if (c.majorVersion >= 3) {
@@ -86,6 +78,11 @@ void findMultisampling(GLCapabilities& c, std::string_view extensions) {
                hasWord(extensions, "GL_NV_framebuffer_blit")) {
         storage = "glRenderbufferStorageMultisampleNV";
         blit = "glBlitFramebufferNV";
+    } else if (hasWord(extensions, "GL_EXT_multisampled_render_to_texture")) {
+        c.framebufferTexture2DMultisample =
+            function<PFNGLFRAMEBUFFERTEXTURE2DMULTISAMPLEEXTPROC>("glFramebufferTexture2DMultisampleEXT");
+        c.maximumSamples = c.framebufferTexture2DMultisample ? std::max(1, number(kMaximumSamples)) : 1;
+        return;
     } else {
         return;
     }

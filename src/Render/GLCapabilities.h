@@ -32,7 +32,8 @@ struct GLCapabilities {
     /// 1 when there is no way to draw with several samples a pixel.
     int maximumSamples = 1;
 
-    /// Either this one draws with samples, straight into a texture, or the next two do.
+    /// The way to draw with samples straight into a texture: only where the next two are missing, because a
+    /// driver that has both may do this one badly.
     PFNGLFRAMEBUFFERTEXTURE2DMULTISAMPLEEXTPROC framebufferTexture2DMultisample = nullptr;
     PFNGLRENDERBUFFERSTORAGEMULTISAMPLEANGLEPROC renderbufferStorageMultisample = nullptr;
     PFNGLBLITFRAMEBUFFERANGLEPROC blitFramebuffer = nullptr;

@@ -34,13 +34,28 @@ TEST_F(RenderTest, slantedEdgesHaveGreysWithSamplesAndNoneWithout) {
         GTEST_SKIP() << "the driver has no multisampling";
     }
     EXPECT_EQ(greys(most).size(), static_cast<std::size_t>(most) + 1);
-    // The other way to have samples, which a driver may have beside the first, and none at all.
-    capabilities.framebufferTexture2DMultisample = nullptr;
-    if (capabilities.blitFramebuffer) {
-        EXPECT_EQ(greys(most).size(), static_cast<std::size_t>(most) + 1);
-    }
     capabilities.maximumSamples = 1;
     EXPECT_EQ(greys(4), (std::set<int>{0, 255}));
+}
+
+GLsizei samplesAsked = 0;
+
+TEST_F(RenderTest, samplesGoStraightIntoTheTextureWhereThereIsNoOtherWay) {
+    // Drivers that have this way alone are for telephones: here it draws with one sample.
+    samplesAsked = 0;
+    capabilities.renderbufferStorageMultisample = nullptr;
+    capabilities.blitFramebuffer = nullptr;
+    capabilities.maximumSamples = 4;
+    capabilities.framebufferTexture2DMultisample = [](GLenum target, GLenum attachment, GLenum kind,
+                                                      GLuint texture, GLint level, GLsizei samples) {
+        samplesAsked = samples;
+        glFramebufferTexture2D(target, attachment, kind, texture, level);
+    };
+    makeRenderer({});
+    const DrawFrame frame = frameOf({discItem({}, 9, {0, 0, 1, 1})}, cameraAt({}, 8));
+    EXPECT_EQ(draw(frame, 8, 8).samples, 4);
+    EXPECT_EQ(samplesAsked, 4);
+    EXPECT_EQ(pixelAt(*picture(frame, 8, 8), 4, 4), (Rgba{0, 0, 255, 255}));
 }
 
 /// Four by four tiles of three sizes that share edges, as layers of several zooms do.
