@@ -167,6 +167,10 @@ TEST(URLCache, remembersInMemoryWithinItsLimitWhenThereIsNoDisk) {
     }
     EXPECT_TRUE(cache.cachedBody(url(9)));
     EXPECT_FALSE(cache.cachedBody(url(1)));
+    // 256 bytes are counted for what an entry costs besides.
+    URLCache full({"", sampleAddress(0).size() + body->size() + 256, 0});
+    full.store(url(0), body);
+    EXPECT_TRUE(full.cachedBody(url(0))) << "the limit itself is within it";
     URLCache off({"", 0, 0});
     off.store(url(0), body);
     EXPECT_FALSE(off.cachedBody(url(0)));
