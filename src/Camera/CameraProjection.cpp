@@ -128,8 +128,9 @@ float CameraProjection::unlimitedZoomToFit(Coordinate bounds1, Coordinate bounds
 }
 
 void CameraProjection::setCameraTarget(WorldMapPoint mapPoint, Coordinate coordinate) {
-    if (!isFinite(mapPoint.x, mapPoint.y) || !isFinite(coordinate.lat, coordinate.lon))
+    if (!isFinite(mapPoint.x, mapPoint.y) || !isFinite(coordinate.lat, coordinate.lon)) {
         return;
+    }
     _cameraTarget = coordinate;
     _pose.target = mapPoint;
     _pose.latitude = coordinate.lat;
@@ -137,23 +138,33 @@ void CameraProjection::setCameraTarget(WorldMapPoint mapPoint, Coordinate coordi
 }
 
 void CameraProjection::setMapRotation(double rotation) {
-    if (!std::isfinite(rotation))
+    if (!std::isfinite(rotation)) {
         return;
+    }
     _pose.rotation = rotation;
     cameraChanged();
 }
 
 void CameraProjection::setMapViewingAngle(double angle) {
-    if (!std::isfinite(angle))
+    if (!std::isfinite(angle)) {
         return;
+    }
     _pose.viewingAngle = angle;
     cameraChanged();
 }
 
 void CameraProjection::setInternalZoom(float zoom) {
-    if (!std::isfinite(zoom))
+    if (!std::isfinite(zoom)) {
         return;
+    }
     _pose.zoom = zoom;
+    cameraChanged();
+}
+
+void CameraProjection::setPose(double rotation, double viewingAngle, float mapZoom) {
+    _pose.rotation = rotation;
+    _pose.viewingAngle = viewingAngle;
+    _pose.zoom = mapZoom - 1.0F;
     cameraChanged();
 }
 
@@ -161,8 +172,9 @@ void CameraProjection::setMapDimensions(ScreenPoint dimensions) {
     const bool widthChanged = dimensions.x != _stage.mapDimensions.x;
     _stage.mapDimensions = dimensions;
     cameraChanged();
-    if (widthChanged || !std::isfinite(_mapPointScreenPointRatio))
+    if (widthChanged || !std::isfinite(_mapPointScreenPointRatio)) {
         _mapPointScreenPointRatio = currentRatio();
+    }
 }
 
 double CameraProjection::currentRatio() const {

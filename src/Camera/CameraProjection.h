@@ -89,6 +89,9 @@ public:
     float internalZoom() const { return _pose.zoom; }
     void setInternalZoom(float zoom);
 
+    /// Both angles and the public zoom in one write; finite.
+    void setPose(double rotation, double viewingAngle, float mapZoom);
+
     /// Size of the view in screen points.
     ScreenPoint mapDimensions() const { return _stage.mapDimensions; }
     /// Recomputes the ratio when the width changed, or when the ratio stored is not finite: a height of zero

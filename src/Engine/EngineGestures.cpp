@@ -1,8 +1,6 @@
-// From the fingers' movements to camera changes. Every step is one whole change; the recogniser is set back
-// after it, so that the next one measures only what is new.
+#include "Engine/EngineGestures.h"
 
 #include "Engine/TrelmixMapEngineSceneView.h"
-#include "Geo/GeoUtils.h"
 #include "Platform/Foundation/SceneLock.h"
 #include "Platform/View/UILongPressGestureRecognizer.h"
 #include "Platform/View/UIPanGestureRecognizer.h"
@@ -31,141 +29,134 @@ bool isMostlySideways(CGPoint p) {
 
 } // namespace
 
-void TrelmixMapEngineSceneView::setupGestureRecognisers() {
-    const auto pinch = std::make_shared<UIPinchGestureRecognizer>();
-    const auto rotation = std::make_shared<UIRotationGestureRecognizer>();
-    const auto pan = std::make_shared<UIPanGestureRecognizer>();
-    const auto tap = std::make_shared<UITapGestureRecognizer>();
-    const auto doubleTap = std::make_shared<UITapGestureRecognizer>();
-    const auto longPress = std::make_shared<UILongPressGestureRecognizer>();
-    doubleTap->setNumberOfTapsRequired(2);
-    tap->requireGestureRecognizerToFail(doubleTap);
-    tap->requireGestureRecognizerToFail(longPress);
+void EngineGestures::setup() {
+    const auto pinching = std::make_shared<UIPinchGestureRecognizer>();
+    const auto turning = std::make_shared<UIRotationGestureRecognizer>();
+    const auto panning = std::make_shared<UIPanGestureRecognizer>();
+    const auto tapping = std::make_shared<UITapGestureRecognizer>();
+    const auto doubleTapping = std::make_shared<UITapGestureRecognizer>();
+    const auto pressing = std::make_shared<UILongPressGestureRecognizer>();
+    doubleTapping->setNumberOfTapsRequired(2);
+    tapping->requireGestureRecognizerToFail(doubleTapping);
+    tapping->requireGestureRecognizerToFail(pressing);
 
-    using Handler = void (*)(TrelmixMapEngineSceneView&, UIGestureRecognizer&);
-    const auto add = [this](const std::shared_ptr<UIGestureRecognizer>& recognizer, Handler handler) {
-        recognizer->setDelegate(self());
-        recognizer->addTarget([weak = std::weak_ptr(self()), handler](UIGestureRecognizer& sender) {
-            if (const auto engine = weak.lock()) {
-                const SceneLock lock;
-                handler(*engine, sender);
-            }
-        });
-        addGestureRecognizer(recognizer);
-    };
-    add(pinch, [](TrelmixMapEngineSceneView& engine, UIGestureRecognizer& r) { engine.pinchGesture(r); });
-    add(rotation,
-        [](TrelmixMapEngineSceneView& engine, UIGestureRecognizer& r) { engine.rotationGesture(r); });
-    add(pan, [](TrelmixMapEngineSceneView& engine, UIGestureRecognizer& r) { engine.panGesture(r); });
-    add(tap, [](TrelmixMapEngineSceneView& engine, UIGestureRecognizer& r) { engine.tappingGesture(r); });
-    add(doubleTap,
-        [](TrelmixMapEngineSceneView& engine, UIGestureRecognizer&) { engine.doubleTapGesture(); });
-    add(longPress,
-        [](TrelmixMapEngineSceneView& engine, UIGestureRecognizer& r) { engine.longPressGesture(r); });
+    using Engine = TrelmixMapEngineSceneView;
+    add(pinching, [](Engine& engine, UIGestureRecognizer& r) { engine.gestures().pinch(r); });
+    add(turning, [](Engine& engine, UIGestureRecognizer& r) { engine.gestures().rotate(r); });
+    add(panning, [](Engine& engine, UIGestureRecognizer& r) { engine.gestures().pan(r); });
+    add(tapping, [](Engine& engine, UIGestureRecognizer& r) {
+        if (!engine.drag().isDragging()) {
+            engine.taps().tap(r.locationInView(engine.shared_from_this()));
+        }
+    });
+    add(doubleTapping, [](Engine& engine, UIGestureRecognizer&) { engine.gestures().doubleTap(); });
+    add(pressing, [](Engine& engine, UIGestureRecognizer& r) {
+        engine.drag().press(r.locationInView(engine.shared_from_this()), r.state());
+    });
 }
 
-bool TrelmixMapEngineSceneView::gestureRecognizerShouldRecognizeSimultaneouslyWith(
-    UIGestureRecognizer& asked, UIGestureRecognizer& other) {
-    if (isDragging()) {
+void EngineGestures::add(const std::shared_ptr<UIGestureRecognizer>& recognizer, Handler handler) {
+    recognizer->setDelegate(_engine.weakSelf());
+    recognizer->addTarget([weak = _engine.weakSelf(), handler](UIGestureRecognizer& sender) {
+        if (const auto engine = weak.lock()) {
+            const SceneLock lock;
+            handler(*engine, sender);
+        }
+    });
+    _engine.addGestureRecognizer(recognizer);
+}
+
+bool EngineGestures::canMove() const {
+    return _engine.cameraProjection() && !_engine.drag().isDragging();
+}
+
+bool EngineGestures::recognizesTogether(const UIGestureRecognizer& asked,
+                                        const UIGestureRecognizer& other) const {
+    if (_engine.drag().isDragging()) {
         return true;
     }
-    const bool hasPan = dynamic_cast<UIPanGestureRecognizer*>(&asked) != nullptr ||
-                        dynamic_cast<UIPanGestureRecognizer*>(&other) != nullptr;
-    return !hasPan || !_enableScrollGesture;
+    const bool hasPan = dynamic_cast<const UIPanGestureRecognizer*>(&asked) != nullptr ||
+                        dynamic_cast<const UIPanGestureRecognizer*>(&other) != nullptr;
+    return !hasPan || !flags.scroll;
 }
 
-void TrelmixMapEngineSceneView::pinchGesture(UIGestureRecognizer& recognizer) {
-    if (!canMoveByGesture()) {
+void EngineGestures::pinch(UIGestureRecognizer& recognizer) {
+    if (!canMove()) {
         return;
     }
-    auto& pinch = static_cast<UIPinchGestureRecognizer&>(recognizer);
-    const double steps = std::log2(pinch.scale());
-    pinch.setScale(1.0);
-    if (_enableZoomGesture && !std::isnan(steps)) {
-        CameraChange change = currentCamera();
+    auto& fingers = static_cast<UIPinchGestureRecognizer&>(recognizer);
+    const double steps = std::log2(fingers.scale());
+    fingers.setScale(1.0);
+    if (flags.zoom && !std::isnan(steps)) {
+        CameraChange change = _engine.currentCamera();
         change.zoom = CameraProjection::zoomLevelSanitised(static_cast<float>(steps) + change.zoom);
         change.fromGesture = true;
-        internalSetCamera(change);
+        _engine.internalSetCamera(change);
     }
 }
 
-void TrelmixMapEngineSceneView::rotationGesture(UIGestureRecognizer& recognizer) {
-    if (!canMoveByGesture()) {
+void EngineGestures::rotate(UIGestureRecognizer& recognizer) {
+    if (!canMove()) {
         return;
     }
     auto& rotation = static_cast<UIRotationGestureRecognizer&>(recognizer);
     const double turned = rotation.rotation();
     rotation.setRotation(0);
-    if (_enableRotationGesture) {
-        CameraChange change = currentCamera();
-        change.rotation = static_cast<float>(turned + _cameraProjection->mapRotation());
+    if (flags.rotation) {
+        CameraChange change = _engine.currentCamera();
+        change.rotation = static_cast<float>(turned + _engine.cameraProjection()->mapRotation());
         change.fromGesture = true;
-        internalSetCamera(change);
+        _engine.internalSetCamera(change);
     }
 }
 
-void TrelmixMapEngineSceneView::panGesture(UIGestureRecognizer& recognizer) {
-    if (!canMoveByGesture()) {
+void EngineGestures::pan(UIGestureRecognizer& recognizer) {
+    if (!canMove()) {
         return;
     }
-    auto& pan = static_cast<UIPanGestureRecognizer&>(recognizer);
-    const CGPoint translation = pan.translation(pan.view());
-    const CGPoint velocity = pan.velocity(pan.view());
-    pan.setTranslation({0, 0}, pan.view());
-    const std::size_t touches = pan.numberOfTouches();
+    auto& fingers = static_cast<UIPanGestureRecognizer&>(recognizer);
+    const CGPoint translation = fingers.translation(fingers.view());
+    const CGPoint velocity = fingers.velocity(fingers.view());
+    fingers.setTranslation({0, 0}, fingers.view());
+    const std::size_t touches = fingers.numberOfTouches();
     if (translation == CGPoint{} || touches == 0 || !isFinite(translation) || !isFinite(velocity)) {
         return;
     }
     if (touches == 1 || (isMostlySideways(translation) && isMostlySideways(velocity))) {
-        if (_enableScrollGesture) {
+        if (flags.scroll) {
             performMapScroll(translation.x, translation.y);
         }
-    } else if (_enableTiltGesture) {
-        CameraChange change = currentCamera();
+    } else if (flags.tilt) {
+        CameraChange change = _engine.currentCamera();
         change.viewingAngle =
-            static_cast<float>(translation.y * kTiltPerPoint + _cameraProjection->mapViewingAngle());
+            static_cast<float>(translation.y * kTiltPerPoint + _engine.cameraProjection()->mapViewingAngle());
         change.fromGesture = true;
-        internalSetCamera(change);
+        _engine.internalSetCamera(change);
     }
 }
 
-void TrelmixMapEngineSceneView::doubleTapGesture() {
-    if (!canMoveByGesture()) {
+void EngineGestures::doubleTap() {
+    if (!canMove()) {
         return;
     }
-    CameraChange change = currentCamera();
+    CameraChange change = _engine.currentCamera();
     change.zoom += 1.0F;
     change.fromGesture = true;
     change.animated = true;
-    internalSetCamera(change);
+    _engine.internalSetCamera(change);
 }
 
-void TrelmixMapEngineSceneView::performMapScroll(double scrollX, double scrollY) {
-    if (scrollX == 0 || scrollY == 0 || !_cameraProjection) {
+void EngineGestures::performMapScroll(double scrollX, double scrollY) {
+    if (scrollX == 0 || scrollY == 0 || !_engine.cameraProjection()) {
         return;
     }
-    const OpenGlPoint moved = normalisedOpenGlPoint({scrollX, scrollY});
-    CameraChange change = currentCamera();
+    const OpenGlPoint moved = _engine.cameraPath().normalisedOpenGlPoint({scrollX, scrollY});
+    CameraChange change = _engine.currentCamera();
     change.target.x += moved.x;
     change.target.y += moved.y;
     change.fromGesture = true;
     // An empty view has no ratio: what comes out is not finite, and the camera path ignores it.
-    internalSetCamera(change);
-}
-
-OpenGlPoint TrelmixMapEngineSceneView::normalisedOpenGlPoint(ScreenPoint displacement) const {
-    if (!_cameraProjection) {
-        return {0, 0};
-    }
-    const double rotation = _cameraProjection->mapRotation();
-    const double metresPerPoint =
-        GeoUtils::metersPerMapPoint(_cameraProjection->cameraTarget().lat, _cameraProjection->internalZoom());
-    const double mapPoints = _cameraProjection->mapPointsPerMeterMax() / (1.0 / metresPerPoint) *
-                             _cameraProjection->mapPointScreenPointRatio() /
-                             std::cos(_cameraProjection->mapViewingAngle());
-    const double a = std::cos(rotation) * displacement.x + std::sin(rotation) * displacement.y;
-    const double b = std::sin(rotation) * displacement.x - std::cos(rotation) * displacement.y;
-    return {-a * mapPoints, b * mapPoints};
+    _engine.internalSetCamera(change);
 }
 
 } // namespace trelmix

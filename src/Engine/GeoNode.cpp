@@ -36,9 +36,9 @@ void GeoNode::attachTo(const std::shared_ptr<TrelmixMapEngine>& map) {
 
 void GeoNode::setUpFor(TrelmixMapEngineSceneView& mapSceneView) {
     if (!mapSceneView.cameraProjection()) {
-        mapSceneView.initialiseCameraProjection(initialTargetCoordinateForProjection());
-        mapSceneView.setupCameraProjection();
-        if (!mapSceneView.hasInitialMapZoom()) {
+        mapSceneView.cameraPath().initialiseProjection(initialTargetCoordinateForProjection());
+        mapSceneView.cameraPath().setupProjection();
+        if (!mapSceneView.cameraPath().hasInitialZoom()) {
             setupInitialCameraZoom(mapSceneView);
         }
     }
@@ -65,7 +65,7 @@ void GeoNode::clearEverything() {
 }
 
 void GeoNode::setupInitialCameraZoom(TrelmixMapEngineSceneView& mapSceneView) {
-    mapSceneView.applyInitialZoom(TrelmixMapEngineSceneView::kDefaultInitialZoom);
+    mapSceneView.cameraPath().applyInitialZoom(TrelmixMapEngineSceneView::kDefaultInitialZoom);
 }
 
 void GeoNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {

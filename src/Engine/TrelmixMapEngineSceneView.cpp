@@ -40,9 +40,6 @@ TrelmixMapEngineSceneView::TrelmixMapEngineSceneView(CGRect frame) : ViewNode(fr
 
 TrelmixMapEngineSceneView::~TrelmixMapEngineSceneView() {
     const SceneLock lock;
-    if (_cameraIdleTimer) {
-        _cameraIdleTimer->invalidate();
-    }
     clearNodes(*_defaultScene);
 }
 
@@ -81,7 +78,7 @@ void TrelmixMapEngineSceneView::setupSceneKit() {
     _defaultScene = std::make_shared<SCNScene>();
     _sceneView->setScene(_defaultScene);
     setupCamera();
-    setupGestureRecognisers();
+    _gestures.setup();
     _sceneView->setSceneDelegate(self());
     _sceneView->setAllowsCameraControl(false);
     _sceneView->setIsPlaying(true);
@@ -104,7 +101,7 @@ std::optional<UIColor> TrelmixMapEngineSceneView::backgroundColor() const {
 
 std::shared_ptr<TrelmixMapProjection> TrelmixMapEngineSceneView::projection() const {
     const MainEntry entry{"projection"};
-    return entry ? _cameraProjection : nullptr;
+    return entry ? cameraProjection() : nullptr;
 }
 
 void TrelmixMapEngineSceneView::setBackgroundColor(std::optional<UIColor> color) {
@@ -115,41 +112,31 @@ void TrelmixMapEngineSceneView::setBackgroundColor(std::optional<UIColor> color)
 }
 
 void TrelmixMapEngineSceneView::setDelegate(std::weak_ptr<TrelmixMapEngineDelegate> delegate) {
-    if (const MainEntry entry{"setDelegate"}) {
-        _delegate = std::move(delegate);
-    }
+    writeOnMain("setDelegate", _delegate, std::move(delegate));
 }
 
 std::shared_ptr<TrelmixMapEngineCamera> TrelmixMapEngineSceneView::camera() const {
     const MainEntry entry{"camera"};
-    if (!entry || !_cameraProjection) {
+    if (!entry || !cameraProjection()) {
         return nullptr;
     }
-    return std::make_shared<TrelmixMapEngineCamera>(_cameraProjection->cameraRecord());
+    return std::make_shared<TrelmixMapEngineCamera>(cameraProjection()->cameraRecord());
 }
 
 void TrelmixMapEngineSceneView::setEnableRotationGesture(bool enable) {
-    if (const MainEntry entry{"setEnableRotationGesture"}) {
-        _enableRotationGesture = enable;
-    }
+    writeOnMain("setEnableRotationGesture", _gestures.flags.rotation, enable);
 }
 
 void TrelmixMapEngineSceneView::setEnableTiltGesture(bool enable) {
-    if (const MainEntry entry{"setEnableTiltGesture"}) {
-        _enableTiltGesture = enable;
-    }
+    writeOnMain("setEnableTiltGesture", _gestures.flags.tilt, enable);
 }
 
 void TrelmixMapEngineSceneView::setEnableZoomGesture(bool enable) {
-    if (const MainEntry entry{"setEnableZoomGesture"}) {
-        _enableZoomGesture = enable;
-    }
+    writeOnMain("setEnableZoomGesture", _gestures.flags.zoom, enable);
 }
 
 void TrelmixMapEngineSceneView::setEnableScrollGesture(bool enable) {
-    if (const MainEntry entry{"setEnableScrollGesture"}) {
-        _enableScrollGesture = enable;
-    }
+    writeOnMain("setEnableScrollGesture", _gestures.flags.scroll, enable);
 }
 
 void TrelmixMapEngineSceneView::setMaxZoom(float zoom) {
@@ -170,45 +157,18 @@ void TrelmixMapEngineSceneView::setMinZoom(float zoom) {
 
 void TrelmixMapEngineSceneView::setCameraTargetBoundsNorthEast(CLLocationCoordinate2D corner) {
     if (const MainEntry entry{"setCameraTargetBoundsNorthEast"}) {
-        _boundsNorthEast = corner;
+        _cameraPath.setBoundsNorthEast(corner);
     }
 }
 
 void TrelmixMapEngineSceneView::setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) {
     if (const MainEntry entry{"setCameraTargetBoundsSouthWest"}) {
-        _boundsSouthWest = corner;
+        _cameraPath.setBoundsSouthWest(corner);
     }
 }
 
 void TrelmixMapEngineSceneView::setHitTestBoundingBoxOnly(bool boxOnly) {
-    if (const MainEntry entry{"setHitTestBoundingBoxOnly"}) {
-        _hitTestBoundingBoxOnly = boxOnly;
-    }
-}
-
-void TrelmixMapEngineSceneView::initialiseCameraProjection(Coordinate coordinate) {
-    if (_cameraProjection) {
-        return;
-    }
-    _cameraProjection =
-        std::make_shared<CameraProjection>(coordinate, ScreenPoint{frame().size.width, frame().size.height});
-    layoutIfNeeded();
-    _sceneView->setSceneTime(_sceneView->sceneTime() + 1.0);
-}
-
-void TrelmixMapEngineSceneView::setupCameraProjection() {
-    _cameraProjection->setCameraNode(_cameraNode);
-    _cameraProjection->setSceneView(_sceneView);
-    internalSetCamera(currentCamera());
-}
-
-void TrelmixMapEngineSceneView::applyInitialZoom(float zoom) {
-    _initialMapZoom = zoom;
-    if (_cameraProjection) {
-        CameraChange change = currentCamera();
-        change.zoom = zoom;
-        internalSetCamera(change);
-    }
+    writeOnMain("setHitTestBoundingBoxOnly", _taps.hitTestBoundingBoxOnly, boxOnly);
 }
 
 void TrelmixMapEngineSceneView::initialiseWithTarget(CLLocationCoordinate2D target, float zoom) {
@@ -218,15 +178,7 @@ void TrelmixMapEngineSceneView::initialiseWithTarget(CLLocationCoordinate2D targ
         return;
     }
     const auto keep = self();
-    _initialMapZoom = zoom;
-    _initialCameraTarget = Coordinate{target.latitude, target.longitude};
-    if (_cameraProjection) {
-        return;
-    }
-    initialiseCameraProjection(*_initialCameraTarget);
-    // The delegate may look at the camera when it hears of it, before the camera path has limited it.
-    _cameraProjection->setMapZoom(CameraProjection::zoomLevelSanitised(zoom));
-    setupCameraProjection();
+    _cameraPath.initialise({target.latitude, target.longitude}, zoom);
 }
 
 void TrelmixMapEngineSceneView::setCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera,
@@ -248,7 +200,7 @@ void TrelmixMapEngineSceneView::setCamera(const std::shared_ptr<TrelmixMapEngine
 void TrelmixMapEngineSceneView::setCameraWithRotation(double rotation, double viewingAngle, float zoom,
                                                       bool animated) {
     const MainEntry entry{"setCamera"};
-    if (!entry || !_cameraProjection) {
+    if (!entry || !cameraProjection()) {
         return;
     }
     CameraChange change = currentCamera();
@@ -259,15 +211,37 @@ void TrelmixMapEngineSceneView::setCameraWithRotation(double rotation, double vi
     internalSetCamera(change);
 }
 
+void TrelmixMapEngineSceneView::internalSetCamera(const CameraChange& change) {
+    const SceneLock lock;
+    const auto keep = self();
+    _cameraPath.set(change);
+}
+
+void TrelmixMapEngineSceneView::informDelegateAboutIdle() {
+    const SceneLock lock;
+    const auto keep = self();
+    _cameraPath.informDelegateAboutIdle();
+}
+
+void TrelmixMapEngineSceneView::reportIdleToDelegate() {
+    const auto record = camera();
+    if (const auto delegate = _delegate.lock(); delegate && record) {
+        callOut([&] { delegate->mapViewDidChangeCamera(record); });
+    }
+    if (const auto delegate = _delegate.lock(); delegate && record) {
+        callOut([&] { delegate->mapViewIdleAtCamera(record); });
+    }
+}
+
 void TrelmixMapEngineSceneView::updateOverlays() {
-    updatePossibleGeoNodes(*_defaultScene, _cameraProjection->internalZoom(),
-                           static_cast<float>(_cameraProjection->mapRotation()),
-                           static_cast<float>(_cameraProjection->mapViewingAngle()));
+    updatePossibleGeoNodes(*_defaultScene, cameraProjection()->internalZoom(),
+                           static_cast<float>(cameraProjection()->mapRotation()),
+                           static_cast<float>(cameraProjection()->mapViewingAngle()));
 }
 
 void TrelmixMapEngineSceneView::rendererUpdateAtTime(SCNView& view, double) {
     const SceneLock lock;
-    if (_cameraProjection) {
+    if (cameraProjection()) {
         updateOverlays();
     }
     if (_renderedFirstTime) {
@@ -288,8 +262,8 @@ void TrelmixMapEngineSceneView::rendererUpdateAtTime(SCNView& view, double) {
 
 void TrelmixMapEngineSceneView::layoutSubviews() {
     ViewNode::layoutSubviews();
-    if (_cameraProjection) {
-        _cameraProjection->setMapDimensions({frame().size.width, frame().size.height});
+    if (cameraProjection()) {
+        cameraProjection()->setMapDimensions({frame().size.width, frame().size.height});
     }
 }
 

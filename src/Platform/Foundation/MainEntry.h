@@ -4,6 +4,7 @@
 #include "Platform/Foundation/SceneLock.h"
 
 #include <optional>
+#include <utility>
 
 namespace trelmix {
 
@@ -28,6 +29,14 @@ template <class T>
 T readOnMain(const char* what, const T& value, T otherwise = T()) {
     const MainEntry entry(what);
     return entry ? value : otherwise;
+}
+
+/// What a public setter does that only stores a value.
+template <class T>
+void writeOnMain(const char* what, T& place, T value) {
+    if (const MainEntry entry{what}) {
+        place = std::move(value);
+    }
 }
 
 } // namespace trelmix

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Camera/CameraProjection.h"
+#include "Geo/GeoTypes.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Scene/SCNAction.h"
+
+#include <Trelmix/Platform/CLLocation.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace trelmix {
+
+class TrelmixMapEngineSceneView;
+
+/// A camera as the one camera path takes it. Angles in radians, the rotation counter-clockwise; public zoom.
+struct CameraChange {
+    WorldMapPoint target;
+    float rotation = 0;
+    float viewingAngle = 0;
+    float zoom = 0;
+    bool fromGesture = false;
+    bool animated = false;
+};
+
+/// The one path by which an engine's camera changes, from the clamped target to the report that it has come
+/// to rest.
+///
+/// A part of its engine, which whoever calls keeps alive: the delegate, called on the way, may drop it. Needs
+/// the scene lock.
+///
+/// The order that the delegate sees: the target is written first, then the change is announced, then
+/// rotation, viewing angle and zoom are written. A camera that it sets from inside the announcement ends the
+/// outer change.
+class CameraPath {
+public:
+    /// Seconds of every animated camera change.
+    static constexpr double kDuration = 0.2;
+    /// 55 degrees in radians.
+    static constexpr float kHighestViewingAngle = 0.9599311F;
+
+    explicit CameraPath(TrelmixMapEngineSceneView& engine) : _engine(engine) {}
+    ~CameraPath();
+    CameraPath(const CameraPath&) = delete;
+    CameraPath& operator=(const CameraPath&) = delete;
+
+    /// Empty before the first camera.
+    const std::shared_ptr<CameraProjection>& projection() const { return _projection; }
+    bool hasInitialZoom() const { return _initialZoom.has_value(); }
+
+    /// Makes the projection when there is none. An invalid or polar coordinate puts the scene's origin at (0,
+    /// 0).
+    void initialiseProjection(Coordinate coordinate);
+    void setupProjection();
+    /// The first camera; afterwards only the zoom is recorded. The zoom is finite.
+    void initialise(Coordinate target, float zoom);
+    /// The first overlay's choice: the current camera at this zoom.
+    void applyInitialZoom(float zoom);
+
+    /// The projection's camera as a change that changes nothing; needs a projection.
+    CameraChange current() const;
+    /// Numbers that are not finite (but for the viewing angle) change nothing.
+    void set(const CameraChange& change);
+    /// Updates the overlays, and tells the delegate from the main queue.
+    void informDelegateAboutIdle();
+
+    CLLocationCoordinate2D boundsNorthEast() const { return _boundsNorthEast; }
+    void setBoundsNorthEast(CLLocationCoordinate2D corner) { _boundsNorthEast = corner; }
+    CLLocationCoordinate2D boundsSouthWest() const { return _boundsSouthWest; }
+    void setBoundsSouthWest(CLLocationCoordinate2D corner) { _boundsSouthWest = corner; }
+
+    /// A displacement on screen, points, as a displacement of the target in zoom-22 map points.
+    OpenGlPoint normalisedOpenGlPoint(ScreenPoint displacement) const;
+
+private:
+    void connectProjection();
+    /// False when the delegate has made another camera meanwhile, and this one stops.
+    bool announce(bool fromGesture);
+    bool apply(const CameraChange& change);
+    /// The same rotation, within half a turn of the camera's.
+    double rotationShortWay(float rotation) const;
+    /// Turns the camera node; animated, answers the action that does.
+    std::shared_ptr<const SCNAction> performMapEulerRotate(double viewingAngle, double rotation,
+                                                           bool animated);
+    void runAnimation(float startZoom, float goalZoom, std::shared_ptr<const SCNAction> turn);
+    WorldMapPoint canSetCameraToTarget(WorldMapPoint target) const;
+    void reportWhenAtRest(const CameraChange& change);
+
+    TrelmixMapEngineSceneView& _engine;
+    std::shared_ptr<CameraProjection> _projection;
+    std::optional<float> _initialZoom;
+    std::shared_ptr<Timer> _idleTimer;
+    CLLocationCoordinate2D _boundsNorthEast = kCLLocationCoordinate2DInvalid;
+    CLLocationCoordinate2D _boundsSouthWest = kCLLocationCoordinate2DInvalid;
+    /// Whether a camera has been placed; until then the projection's zoom is a placeholder.
+    bool _hasCamera = false;
+    std::uint64_t _changeNumber = 0;
+    int _changeDepth = 0;
+};
+
+} // namespace trelmix
