@@ -112,7 +112,8 @@ void LevelPlanNode::setupInitialCameraZoom(TrelmixMapEngineSceneView& mapSceneVi
     const double height = projection.mapDimensions().y;
     const double enlargement = height > kFittingHeight ? std::log2(height / kFittingHeight) : 0.0;
     const auto zoom = static_cast<float>(static_cast<double>(fit) - enlargement);
-    mapSceneView.cameraPath().applyInitialZoom(std::isnan(zoom) ? kLowest : std::clamp(zoom, kLowest, kHighest));
+    mapSceneView.cameraPath().applyInitialZoom(std::isnan(zoom) ? kLowest
+                                                                : std::clamp(zoom, kLowest, kHighest));
 }
 
 std::string LevelPlanNode::description() const {
