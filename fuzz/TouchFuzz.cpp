@@ -66,7 +66,7 @@ public:
         scroll->setMinimumZoomScale(0.1);
         scroll->setMaximumZoomScale(4);
         scroll->setDelegate(weak_from_this());
-        for (const auto& view : {root, std::static_pointer_cast<UIView>(scroll), content}) {
+        for (const auto& view : {root, std::static_pointer_cast<ViewNode>(scroll), content}) {
             addRecognizers(*view);
         }
     }
@@ -74,7 +74,7 @@ public:
                                                             UIGestureRecognizer&) override {
         return (answers = answers * 5 + 3) & 4;
     }
-    std::shared_ptr<ViewNode> viewForZoomingInScrollView(UIScrollView&) override { return content; }
+    std::shared_ptr<UIView> viewForZoomingInScrollView(UIScrollView&) override { return content; }
 
     std::vector<std::shared_ptr<UIGestureRecognizer>> recognizers;
     std::shared_ptr<ViewNode> root = ViewNode::make({{0, 0}, {425, 425}});
@@ -136,7 +136,7 @@ private:
             break;
         case 255:
             if (const auto view = sender.view()) {
-                view->removeGestureRecognizer(sender.shared_from_this());
+                ViewNode::of(*view).removeGestureRecognizer(sender.shared_from_this());
             }
             break;
         default:

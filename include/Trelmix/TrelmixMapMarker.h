@@ -43,6 +43,7 @@ public:
     /// the whole. Opaque white, which changes nothing, unless set. Markers of one icon share its memory,
     /// whatever their tints. Components are limited to 0 to 1.
     virtual UIColor tint() const = 0;
+    /// Takes effect with the next frame.
     virtual void setTint(UIColor tint) = 0;
     /// The point of the icon that sits on the coordinate, in fractions of its width and height from the top
     /// left; (0.5, 0.5) unless set.

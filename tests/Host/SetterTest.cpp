@@ -176,6 +176,7 @@ TEST_F(SetterTest, ofMarkers) {
                   "coordinate slowly", [](M& m) { m.setCoordinate(kEast, true, 0.3); }, place),
               setter<M>("markerIcon", [wide](M& m) { m.setMarkerIcon(wide); }),
               setter<M>("no markerIcon", [](M& m) { m.setMarkerIcon(nullptr); }),
+              setter<M>("tint", [](M& m) { m.setTint(kGreen); }),
               setter<M>("groundAnchor",
                         [](M& m) {
                             m.setGroundAnchor({1, 0.2});
