@@ -107,6 +107,19 @@ TEST_F(RenderTest, aTranslucentDiscBlendsOnceAndItsEdgeHasManyGreys) {
     EXPECT_GT(greys.size(), 16U);
 }
 
+TEST_F(RenderTest, discsBeyondWhatNarrowIndicesReachStandInTheirPlaces) {
+    capabilities.has32BitIndices = false;
+    makeRenderer({});
+    Items discs;
+    for (std::uint64_t i = 0; i < 20000; ++i) {
+        discs.push_back(discItem({i < 19999 ? -20.0 : 20.0, 0, 0}, 5, {0, 0, 0, 1}, i));
+    }
+    const auto shown = picture(frameOf(discs, cameraAt({}, 100)), 100, 100);
+    EXPECT_EQ(pixelAt(*shown, 30, 50)[0], 0);
+    EXPECT_EQ(pixelAt(*shown, 70, 50)[0], 0);
+    EXPECT_EQ(pixelAt(*shown, 50, 50)[0], 255);
+}
+
 TEST_F(RenderTest, discsStaySmoothWithoutDerivatives) {
     capabilities.hasDerivatives = false;
     makeRenderer({});

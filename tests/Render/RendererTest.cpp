@@ -103,7 +103,10 @@ TEST_F(RenderTest, sizesThatCannotBeAreRefusedAndLeaveThePictureBefore) {
     for (const auto& [width, height] : {std::pair{0, 8}, {8, 0}, {-3, 8}, {beyond, 8}, {8, 100000}}) {
         const auto report = renderer->draw(frameOf({}, cameraAt({}, 8)), width, height);
         EXPECT_FALSE(report);
-        EXPECT_FALSE(report.reason().empty());
+        const bool isTooLarge = std::max(width, height) > 8;
+        EXPECT_NE(report.reason().find(isTooLarge ? "larger than the driver's" : "one pixel"),
+                  std::string::npos)
+            << report.reason();
     }
     const auto kept = renderer->readBack(1);
     ASSERT_TRUE(kept);
