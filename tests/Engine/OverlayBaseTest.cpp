@@ -39,19 +39,6 @@ TEST_F(OverlayBase, drawingOrderFollowsTheIndexWithTheNextFrameAndSaturates) {
     EXPECT_EQ(overlay->renderingOrder(), std::numeric_limits<std::int64_t>::min());
 }
 
-TEST_F(OverlayBase, takenOffTheMapItLosesItsSetUpAndUserDataAndCanComeBack) {
-    engine->initialiseWithTarget({54, 11}, 16);
-    overlay->setUserInfo(42);
-    overlay->setMap(engine);
-    EXPECT_EQ(std::any_cast<int>(overlay->userInfo()), 42);
-    overlay->setMap(nullptr);
-    EXPECT_FALSE(overlay->cameraProjection());
-    EXPECT_FALSE(overlay->scene());
-    EXPECT_FALSE(overlay->userInfo().has_value());
-    overlay->setMap(engine);
-    EXPECT_TRUE(overlay->scene());
-}
-
 TEST_F(OverlayBase, theSceneKeepsAnOverlayThatTheApplicationLetsGo) {
     engine->initialiseWithTarget({54, 11}, 16);
     const std::weak_ptr<MapTileNode> weak = overlay;

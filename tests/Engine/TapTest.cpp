@@ -1,5 +1,6 @@
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
+#include "support/PlainImage.h"
 #include "support/TouchStory.h"
 
 #include <Trelmix/TrelmixMapCircle.h>
@@ -63,32 +64,32 @@ protected:
         log->calls.clear();
     }
     std::shared_ptr<TrelmixMapMarker> marker(CLLocationCoordinate2D at = kPlace) {
-        auto made = TrelmixMapEngineFactory::createMapMarkerWith(
-            UIImage::withPixels(20, 20, std::vector<std::uint8_t>(1600, 255)), at);
+        auto made = TrelmixMapEngineFactory::createMapMarkerWith(plainImage(20, 20), at);
         made->setMap(engine);
         step();
         return made;
     }
-    void tap(CGPoint at) { TouchStory(engine->view()).tap(at).wait(0.5); }
-    /// A long press in the middle that moves twice.
-    void dragMarker() {
-        TouchStory(engine->view())
-            .down(1, kMiddle)
-            .wait(0.6)
-            .move(1, {430, 310})
-            .move(1, {450, 320})
-            .up(1)
-            .wait(0.5);
+    std::shared_ptr<TrelmixMapCircle> tappableCircle() {
+        auto made = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kPlace, 30);
+        made->setColor(UIColor::redColor());
+        made->setTappable(true);
+        made->setMap(engine);
+        return made;
     }
+    void tap(CGPoint at) { TouchStory(engine->view()).tap(at).wait(0.5); }
     std::shared_ptr<TapLog> log = std::make_shared<TapLog>();
 };
 
-TEST_F(Tap, onEmptyMapReportsTheCoordinateUnderTheFinger) {
+TEST_F(Tap, onEmptyMapReportsTheCoordinateUnderTheFingerAndALongPressWhereItEnds) {
     tap({500, 200});
     EXPECT_EQ(log->calls, std::vector<std::string>{"tap"});
     const CGPoint back = engine->projection()->screenCoordinateFor(log->tapped.value());
     EXPECT_NEAR(back.x, 500, 0.01);
     EXPECT_NEAR(back.y, 200, 0.01);
+    log->calls.clear();
+    TouchStory(engine->view()).down(1, {300, 300}).wait(0.6).move(1, {320, 310}).up(1).wait(0.5);
+    EXPECT_EQ(log->calls, std::vector<std::string>{"longPress"});
+    EXPECT_NEAR(engine->projection()->screenCoordinateFor(log->tapped.value()).x, 320, 0.01);
 }
 
 TEST_F(Tap, onAMarkerAsksTheDelegateAndCentresOnlyWhenItIsNotHandled) {
@@ -127,13 +128,8 @@ TEST_F(Tap, centringOnAMarkerWithAnInvalidCoordinateUsesThePlaceWhereItStands) {
 }
 
 TEST_F(Tap, ofOverlaysAtOneDistanceTheTopmostTappableOneAnswers) {
-    const auto below = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kPlace, 30);
-    const auto above = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kPlace, 30);
-    for (const auto& circle : {below, above}) {
-        circle->setColor(UIColor::redColor());
-        circle->setTappable(true);
-        circle->setMap(engine);
-    }
+    const auto below = tappableCircle();
+    const auto above = tappableCircle();
     step();
     tap(kMiddle);
     EXPECT_EQ(log->calls, std::vector<std::string>{"overlay"});
@@ -144,10 +140,7 @@ TEST_F(Tap, ofOverlaysAtOneDistanceTheTopmostTappableOneAnswers) {
 }
 
 TEST_F(Tap, boxesOrWhatIsDrawnDecide) {
-    const auto circle = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kPlace, 30);
-    circle->setColor(UIColor::redColor());
-    circle->setTappable(true);
-    circle->setMap(engine);
+    const auto circle = tappableCircle();
     const auto line = TrelmixMapEngineFactory::createMapPolylineWithVertices(
         {CLLocation(engine->projection()->worldCoordinateFor({50, 50})),
          CLLocation(engine->projection()->worldCoordinateFor({150, 150}))});
@@ -178,12 +171,6 @@ TEST_F(Tap, boxesOrWhatIsDrawnDecide) {
     }
 }
 
-TEST_F(Tap, aLongPressOnTheMapReportsWhereItEnds) {
-    TouchStory(engine->view()).down(1, {300, 300}).wait(0.6).move(1, {320, 310}).up(1).wait(0.5);
-    EXPECT_EQ(log->calls, std::vector<std::string>{"longPress"});
-    EXPECT_NEAR(engine->projection()->screenCoordinateFor(log->tapped.value()).x, 320, 0.01);
-}
-
 TEST_F(Tap, aDraggedMarkersAnchorStaysUnderTheFingerAndTheCameraStaysStill) {
     engine->setCameraWithRotation(35, 0, 17.5F, false);
     const auto pin = marker();
@@ -205,23 +192,15 @@ TEST_F(Tap, aDragEndsWhenItsMarkerLeavesTheMapOrTheTouchIsCancelled) {
     const auto pin = marker();
     pin->setIsDraggable(true);
     log->onDrag = [&] { pin->setMap(nullptr); };
-    dragMarker();
+    TouchStory told(engine->view());
+    told.down(1, kMiddle).wait(0.6).move(1, {430, 310}).move(1, {450, 320}).up(1).wait(0.5);
     EXPECT_EQ(log->calls, (std::vector<std::string>{"begin", "drag", "end"}));
     log->onDrag = nullptr;
     log->calls.clear();
     pin->setMap(engine);
     step();
-    TouchStory(engine->view()).down(1, kMiddle).wait(0.6).move(1, {430, 310}).cancel(1).wait(0.5);
+    told.down(1, kMiddle).wait(0.6).move(1, {430, 310}).cancel(1).wait(0.5);
     EXPECT_EQ(log->calls, (std::vector<std::string>{"begin", "drag", "end"}));
-}
-
-TEST_F(Tap, anEngineDestroyedInsideADragIsGoneQuietly) {
-    const auto pin = marker();
-    pin->setIsDraggable(true);
-    log->onDrag = [this] { engine.reset(); };
-    dragMarker();
-    EXPECT_FALSE(pin->map());
-    engine = makeEngine();
 }
 
 } // namespace

@@ -150,6 +150,7 @@ const std::vector<Callback>& callbacks() {
     static const auto dragMarker = [](World& w) { press(w, kMarkerAt, {230, 170}, 0.7); };
     static const std::vector<Callback> list{
         {"willMove", moveCamera},
+        {"willMove", [](World& w) { press(w, kNothingAt, {140, 200}, 0); }},
         {"didChange", moveCamera},
         {"idle", moveCamera},
         {"tap", [](World& w) { press(w, kNothingAt, kNothingAt, 0); }},

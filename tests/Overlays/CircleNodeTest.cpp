@@ -16,19 +16,14 @@ protected:
     void SetUp() override {
         EngineFixture::SetUp();
         engine->initialiseWithTarget(kHere, 16);
-        circle = CircleNode::make();
         circle->setColor(UIColor{1, 0, 0, 0.5});
         circle->setCoordinate(kHere);
-    }
-    void TearDown() override {
-        circle.reset();
-        EngineFixture::TearDown();
     }
     double diameterOf(double radius) const {
         return 2 * radius / GeoUtils::metersPerMapPoint(kHere.latitude, ZOOMLEVEL_MAX);
     }
 
-    std::shared_ptr<CircleNode> circle;
+    std::shared_ptr<CircleNode> circle = CircleNode::make();
 };
 
 TEST_F(CircleNodeTest, isARoundDiscOfItsDiameterOnTheGround) {
@@ -44,7 +39,7 @@ TEST_F(CircleNodeTest, isARoundDiscOfItsDiameterOnTheGround) {
     EXPECT_EQ(item.renderingOrder, -73);
 }
 
-TEST_F(CircleNodeTest, movesAndGrowsTogether) {
+TEST_F(CircleNodeTest, movesAndGrowsTogetherAndCutShortEndsWhereItWasGoing) {
     circle->setRadius(10);
     circle->setMap(engine);
     circle->updateCircleWithCoordinate(kThere, 30, true, 1.0);
@@ -56,34 +51,25 @@ TEST_F(CircleNodeTest, movesAndGrowsTogether) {
     EXPECT_NEAR(circle->presentedScale().x, diameterOf(30), 0.01);
     EXPECT_NEAR(circle->presentedCoordinate().latitude, kThere.latitude, 1e-9);
     EXPECT_EQ(circle->position().z, 0);
-}
-
-TEST_F(CircleNodeTest, aMoveThatIsCutShortEndsWhereItWasGoing) {
-    circle->setMap(engine);
-    circle->updateCircleWithCoordinate(kThere, 30, true, 1.0);
+    circle->updateCircleWithCoordinate(kHere, 10, true, 1.0);
     step(0.5);
     circle->setMap(engine);
     step();
-    EXPECT_NEAR(circle->presentedCoordinate().latitude, kThere.latitude, 1e-9);
-    EXPECT_NEAR(circle->presentedScale().x, diameterOf(30), 0.01);
+    EXPECT_NEAR(circle->presentedCoordinate().latitude, kHere.latitude, 1e-9);
+    EXPECT_NEAR(circle->presentedScale().x, diameterOf(10), 0.01);
 }
 
-TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStore) {
+TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStoreAndWithoutAPlaceItGrowsOnceItHasOne) {
     circle->setRadius(7);
     circle->updateCircleWithCoordinate(kThere, 30, false, 0);
     EXPECT_EQ(circle->coordinate(), kHere);
     EXPECT_EQ(circle->radius(), 7);
     EXPECT_FALSE(CLLocationCoordinate2DIsValid(circle->presentedCoordinate()));
-}
-
-TEST_F(CircleNodeTest, withoutAPlaceItShowsNothingUntilItHasOne) {
     circle->setCoordinate(kCLLocationCoordinate2DInvalid);
     circle->setMap(engine);
-    circle->setRadius(7);
     circle->updateCircleWithCoordinate(kCLLocationCoordinate2DInvalid, 30, true, 0);
     step();
     EXPECT_EQ(circle->scale(), (SCNVector3{0, 0, 0}));
-    EXPECT_TRUE(engine->sceneView()->hitTest({400, 300}, true).empty());
     circle->setCoordinate(kHere);
     EXPECT_NEAR(circle->scale().x, diameterOf(30), 0.01);
 }

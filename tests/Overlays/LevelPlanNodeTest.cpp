@@ -2,6 +2,7 @@
 #include "Overlays/ScenePlace.h"
 #include "Platform/Scene/DrawItemBuilder.h"
 #include "support/EngineFixture.h"
+#include "support/PlainImage.h"
 
 #include <algorithm>
 #include <fstream>
@@ -13,10 +14,6 @@ namespace {
 
 constexpr Coordinate kSouthWest{54.3, 10.1};
 constexpr Coordinate kNorthEast{54.3012, 10.1025};
-
-std::shared_ptr<const UIImage> image() {
-    return UIImage::withPixels(2, 2, std::vector<std::uint8_t>(16, 255));
-}
 
 /// The numbers of every row of the table of examples.
 std::vector<std::vector<double>> documentedExamples() {
@@ -51,7 +48,7 @@ TEST_F(LevelPlanNodeTest, liesWhereTheDocumentedExamplesSay) {
         ASSERT_EQ(row.size(), 15U);
         auto node = LevelPlanNode::make({row[0], row[1]}, {row[2], row[3]});
         node->setLevelPlanRotation(row[4]);
-        node->setLevelPlanImage(image());
+        node->setLevelPlanImage(plainImage(2, 2));
         engine = makeEngine();
         node->setMap(engine);
         EXPECT_NEAR(plane(*node)->width(), row[5], 0.001);
@@ -70,7 +67,7 @@ TEST_F(LevelPlanNodeTest, aFirstPlanIsInViewWholeAtEveryViewSize) {
     for (const CGSize size : {CGSize{320, 480}, {800, 600}, {1920, 1080}, {600, 1600}}) {
         engine = makeEngine(size.width, size.height);
         auto node = LevelPlanNode::make(kSouthWest, kNorthEast);
-        node->setLevelPlanImage(image());
+        node->setLevelPlanImage(plainImage(2, 2));
         node->setMap(engine);
         step();
         const auto& projection = *engine->cameraProjection();
@@ -104,7 +101,7 @@ TEST_F(LevelPlanNodeTest, changesRebuildItAtOnceAndBadOnesTakeThePictureAway) {
     step();
     EXPECT_TRUE(lastFrame.list->items.empty()) << "without an image";
     EXPECT_NE(plane(*node), nullptr) << "but it takes its place";
-    node->setLevelPlanImage(image());
+    node->setLevelPlanImage(plainImage(2, 2));
     node->setLevelPlanRotation(90);
     node->setLevelPlanRotation(std::numeric_limits<double>::infinity());
     EXPECT_FLOAT_EQ(node->eulerAngles().z, 1.5707964F);

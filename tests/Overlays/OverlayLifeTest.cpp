@@ -1,6 +1,7 @@
 // What every kind of overlay has in common: coming, going, and staying behind.
 
 #include "support/EngineFixture.h"
+#include "support/PlainImage.h"
 
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
@@ -12,19 +13,15 @@ namespace {
 constexpr CLLocationCoordinate2D kHere{54.32, 10.14};
 constexpr CLLocationCoordinate2D kNear{54.321, 10.142};
 
-std::shared_ptr<const UIImage> image() {
-    return UIImage::withPixels(2, 2, std::vector<std::uint8_t>(16, 255));
-}
-
 std::vector<std::shared_ptr<TrelmixMapOverlay>> oneOfEach() {
     const std::vector<CLLocation> places{CLLocation{kHere}, CLLocation{kNear}, CLLocation{54.32, 10.15}};
     auto circle = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kHere, 20);
     circle->setColor(UIColor::redColor());
     auto polygon = TrelmixMapEngineFactory::createMapPolygonWithCorners(places);
     polygon->setColor(UIColor::blueColor());
-    return {TrelmixMapEngineFactory::createMapMarkerWith(image(), kHere), circle, polygon,
+    return {TrelmixMapEngineFactory::createMapMarkerWith(plainImage(2, 2), kHere), circle, polygon,
             TrelmixMapEngineFactory::createMapPolylineWithVertices(places),
-            TrelmixMapEngineFactory::createLevelPlanNodeWith(image(), kHere, kNear)};
+            TrelmixMapEngineFactory::createLevelPlanNodeWith(plainImage(2, 2), kHere, kNear)};
 }
 
 using OverlayLifeTest = EngineFixture;
@@ -50,7 +47,9 @@ TEST_F(OverlayLifeTest, eachComesBackAfterItWasTakenOffAndMovesToAnotherMap) {
         step();
         ASSERT_EQ(lastFrame.list->items.size(), 1U) << overlay->description();
         const auto before = lastFrame.list->items[0];
+        overlay->setUserInfo(42);
         overlay->setMap(nullptr);
+        EXPECT_FALSE(overlay->userInfo().has_value());
         step();
         EXPECT_TRUE(lastFrame.list->items.empty()) << overlay->description();
         overlay->setMap(engine);
@@ -71,7 +70,7 @@ TEST_F(OverlayLifeTest, eachComesBackAfterItWasTakenOffAndMovesToAnotherMap) {
 
 TEST_F(OverlayLifeTest, anOverlayDestroyedWhileAnimatedLeavesNothingBehind) {
     engine->initialiseWithTarget(kHere, 18);
-    auto marker = TrelmixMapEngineFactory::createMapMarkerWith(image(), kHere);
+    auto marker = TrelmixMapEngineFactory::createMapMarkerWith(plainImage(2, 2), kHere);
     auto circle = TrelmixMapEngineFactory::createMapCircleWithCoordinate(kHere, 20);
     marker->setIsFlat(true);
     marker->setMap(engine);
@@ -104,17 +103,17 @@ TEST_F(OverlayLifeTest, outlivesItsEngineAsAnOverlayWithoutAMap) {
     EXPECT_EQ(lastFrame.list->items.size(), overlays.size());
 }
 
-TEST_F(OverlayLifeTest, coordinatesThatAreNowhereNeverMakeTheFirstCameraUnusable) {
+TEST_F(OverlayLifeTest, whatIsNowhereShowsNothingAndTheFirstCameraIsUsableAllTheSame) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     for (const CLLocationCoordinate2D bad :
          {kCLLocationCoordinate2DInvalid, CLLocationCoordinate2D{kNan, kNan}, {-90, 0}, {90, 0}}) {
         const std::vector<CLLocation> places{CLLocation{bad}, CLLocation{bad}, CLLocation{bad}};
         const std::vector<std::shared_ptr<TrelmixMapOverlay>> overlays{
-            TrelmixMapEngineFactory::createMapMarkerWith(image(), bad),
+            TrelmixMapEngineFactory::createMapMarkerWith(plainImage(2, 2), bad),
             TrelmixMapEngineFactory::createMapCircleWithCoordinate(bad, 20),
             TrelmixMapEngineFactory::createMapPolygonWithCorners(places),
             TrelmixMapEngineFactory::createMapPolylineWithVertices(places),
-            TrelmixMapEngineFactory::createLevelPlanNodeWith(image(), bad, bad)};
+            TrelmixMapEngineFactory::createLevelPlanNodeWith(plainImage(2, 2), bad, bad)};
         for (const auto& overlay : overlays) {
             engine = makeEngine();
             overlay->setMap(engine);
@@ -122,6 +121,10 @@ TEST_F(OverlayLifeTest, coordinatesThatAreNowhereNeverMakeTheFirstCameraUnusable
             const auto record = engine->camera();
             ASSERT_TRUE(record);
             EXPECT_TRUE(CLLocationCoordinate2DIsValid(record->target())) << overlay->description();
+            EXPECT_TRUE(engine->sceneView()->hitTest({400, 300}, true).empty()) << overlay->description();
+            for (const auto& item : lastFrame.list->items) {
+                EXPECT_NEAR(item->corners[0].x, item->corners[3].x, 1e-6) << overlay->description();
+            }
         }
     }
 }

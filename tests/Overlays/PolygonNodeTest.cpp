@@ -12,18 +12,13 @@ protected:
     void SetUp() override {
         EngineFixture::SetUp();
         engine->initialiseWithTarget({54.32, 10.14}, 18);
-        polygon = PolygonNode::make();
         polygon->setColor(UIColor{0, 1, 0, 0.5});
         polygon->setPolygonCorners(triangle);
-    }
-    void TearDown() override {
-        polygon.reset();
-        EngineFixture::TearDown();
     }
     const SCNShape* shape() const { return dynamic_cast<const SCNShape*>(polygon->geometry().get()); }
 
     const std::vector<CLLocation> triangle{{54.32, 10.14}, {54.33, 10.14}, {54.33, 10.16}};
-    std::shared_ptr<PolygonNode> polygon;
+    std::shared_ptr<PolygonNode> polygon = PolygonNode::make();
 };
 
 TEST_F(PolygonNodeTest, fillsItsCornersWhereTheProjectionPutsThem) {

@@ -27,11 +27,6 @@ protected:
     void SetUp() override {
         EngineFixture::SetUp();
         engine->initialiseWithTarget(kA.coordinate(), 18);
-        line = PolylineNode::make();
-    }
-    void TearDown() override {
-        line.reset();
-        EngineFixture::TearDown();
     }
     std::vector<float> uniform(const char* name) const {
         RecordingWriter writer;
@@ -39,7 +34,7 @@ protected:
         return writer.values;
     }
 
-    std::shared_ptr<PolylineNode> line;
+    std::shared_ptr<PolylineNode> line = PolylineNode::make();
 };
 
 std::size_t lineCount(const std::string& text) {
