@@ -1,6 +1,7 @@
 // Inside every callback an application may make every call, and destroy what it likes.
 #include "Platform/Foundation/SceneLock.h"
 #include "support/EngineFixture.h"
+#include "support/PlainImage.h"
 
 #include <Trelmix/Host/OffscreenHost.h>
 #include <Trelmix/Host/ViewHost.h>
@@ -23,7 +24,7 @@ constexpr CGPoint kCircleAt{320, 60};
 constexpr CGPoint kNothingAt{40, 240};
 
 std::shared_ptr<const UIImage> icon() {
-    static const auto image = UIImage::withPixels(20, 20, std::vector<std::uint8_t>(1600, 255));
+    static const auto image = plainImage(20, 20);
     return image;
 }
 
@@ -150,7 +151,10 @@ const std::vector<Callback>& callbacks() {
     static const auto dragMarker = [](World& w) { press(w, kMarkerAt, {230, 170}, 0.7); };
     static const std::vector<Callback> list{
         {"willMove", moveCamera},
-        {"willMove", [](World& w) { press(w, kNothingAt, {140, 200}, 0); }},
+        {"willMove",
+         [](World& w) {
+             press(w, kNothingAt, {140, 200}, 0);
+         }},
         {"didChange", moveCamera},
         {"idle", moveCamera},
         {"tap", [](World& w) { press(w, kNothingAt, kNothingAt, 0); }},

@@ -93,9 +93,9 @@ TEST_F(RenderThreadTest, presentsWhatChangesAndNothingElse) {
     auto thread = start();
     rest(*thread);
     EXPECT_GE(thread->presentCount(), 1U);
-    std::array<int, 3> color{};
+    std::array<int, 4> color{};
     ASSERT_TRUE(thread->runBetweenFrames([&] { color = screen.window().pixel(30, 20); }));
-    EXPECT_EQ(color, (std::array{255, 0, 0}));
+    EXPECT_EQ(color, (std::array{255, 0, 0, 255}));
 
     const auto still = thread->presentCount();
     ASSERT_TRUE(thread->waitForUpdates(thread->updateCount() + 20));
@@ -156,13 +156,13 @@ TEST_F(RenderThreadTest, drawsWhileEverythingMovesComesAndGoes) {
         void tileRequestedForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
                                const std::shared_ptr<TrelmixMapTileLayer>& layer) override {
             // From another thread still, as a decoder would.
-            const auto image = plainImage(8, {0, 200, 0});
+            const auto image = plainImage(8, 8, {0, 200, 0, 255});
             std::thread([=] { layer->provideTileForX(x, y, zoom, image); }).join();
         }
     };
     const auto tiles = std::make_shared<Tiles>();
     engine->setDelegate(tiles);
-    const auto icon = plainImage(6, {0, 0, 255});
+    const auto icon = plainImage(6, 6, {0, 0, 255, 255});
     auto thread = start();
     const auto layer = TrelmixMapEngineFactory::createMapTilesNode();
     layer->setMap(engine);
@@ -206,7 +206,7 @@ TEST_F(RenderThreadTest, drawsWhileEverythingMovesComesAndGoes) {
 
 TEST_F(RenderThreadTest, enginesComeAndGoWithTheirThreads) {
     dropHost();
-    const auto icon = plainImage(6, {0, 0, 255});
+    const auto icon = plainImage(6, 6, {0, 0, 255, 255});
     const int count = countFromEnvironment("TRELMIX_ENGINE_COUNT", 50);
     for (int i = 0; i < count; ++i) {
         auto map = TrelmixMapEngineFactory::createMap();

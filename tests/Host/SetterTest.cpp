@@ -31,7 +31,7 @@ std::shared_ptr<const UIImage> twoColours(int width, int height) {
 
 struct Tiles : TrelmixMapEngineDelegate {
     std::shared_ptr<const UIImage> tileForX(std::int64_t, std::int64_t, std::int64_t) override {
-        return plainImage(16, {255, 255, 0});
+        return plainImage(16, 16, {255, 255, 0, 255});
     }
 };
 
@@ -236,7 +236,7 @@ TEST_F(SetterTest, ofPolylines) {
 
 TEST_F(SetterTest, ofLevelPlans) {
     using N = TrelmixLevelPlanNode;
-    const auto plain = plainImage(8, {9, 99, 9});
+    const auto plain = plainImage(8, 8, {9, 99, 9, 255});
     expectEachShows(
         [] {
             return Factory::createLevelPlanNodeWith(twoColours(40, 40), kPlaces[2].coordinate(), kNorthEast);

@@ -10,12 +10,12 @@
 namespace trelmix {
 namespace {
 
-using Color = std::array<int, 3>;
+using Color = std::array<int, 4>;
 using Drawing = ViewHost::Drawing;
 
-constexpr Color kRed{255, 0, 0};
-constexpr Color kGreen{0, 255, 0};
-constexpr Color kBlue{0, 0, 255};
+constexpr Color kRed{255, 0, 0, 255};
+constexpr Color kGreen{0, 255, 0, 255};
+constexpr Color kBlue{0, 0, 255, 255};
 
 class ViewHostTest : public EngineFixture {
 protected:
@@ -62,7 +62,7 @@ protected:
 
 TEST_F(ViewHostTest, mapAndImagesLieInTheirPlacesAndTheRestOfTheWindowStays) {
     window->fill(0, 1, 0);
-    host->setOverlayImages({{plainImage(10, {0, 0, 255}), {{110, 80}, {30, 20}}}});
+    host->setOverlayImages({{plainImage(10, 10, {0, 0, 255, 255}), {{110, 80}, {30, 20}}}});
     ASSERT_TRUE(comesToRest());
     for (const auto& [x, y, color] : std::vector<std::tuple<int, int, Color>>{{20, 10, kRed},
                                                                               {119, 10, kRed},
@@ -85,7 +85,7 @@ TEST_F(ViewHostTest, mapAndImagesLieInTheirPlacesAndTheRestOfTheWindowStays) {
 
 TEST_F(ViewHostTest, everythingIsLargerWithTwoPixelsAPoint) {
     ASSERT_TRUE(host->setLayout({{100, 75}, {{10, 5}, {50, 40}}, 2}));
-    host->setOverlayImages({{plainImage(10, {0, 0, 255}), {{55, 40}, {15, 10}}}});
+    host->setOverlayImages({{plainImage(10, 10, {0, 0, 255, 255}), {{55, 40}, {15, 10}}}});
     window->fill(0, 1, 0);
     ASSERT_TRUE(comesToRest());
     EXPECT_EQ(window->pixel(20, 10), kRed);
@@ -106,7 +106,7 @@ TEST_F(ViewHostTest, aFrameWithoutChangesLeavesTheWindowAlone) {
         EXPECT_TRUE(comesToRest());
         return isDrawn;
     };
-    const auto image = plainImage(4, {0, 0, 255});
+    const auto image = plainImage(4, 4, {0, 0, 255, 255});
     EXPECT_FALSE(isDrawnAfter([] {}));
     EXPECT_TRUE(isDrawnAfter([&] { engine->setCameraWithRotation(0, 0, 18, false); }));
     EXPECT_FALSE(isDrawnAfter([&] { engine->setCameraWithRotation(0, 0, 18, false); }));
@@ -131,7 +131,10 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
     glEnable(GL_SCISSOR_TEST);
     glScissor(1, 2, 3, 4);
     glEnable(GL_BLEND);
+    glEnable(GL_DEPTH_TEST);
     glEnable(GL_CULL_FACE);
+    glVertexAttribPointer(1, 2, GL_SHORT, GL_TRUE, 12, nullptr);
+    glEnableVertexAttribArray(1);
     glBlendFunc(GL_ZERO, GL_SRC_COLOR);
     glViewport(5, 6, 7, 8);
     glClearColor(0.25F, 0.5F, 0.75F, 0.125F);
@@ -141,12 +144,15 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
         std::vector<GLint> values;
         for (const int name :
              {GL_ACTIVE_TEXTURE, GL_TEXTURE_BINDING_2D, GL_ARRAY_BUFFER_BINDING, GL_SCISSOR_TEST,
-              GL_SCISSOR_BOX, GL_BLEND, GL_CULL_FACE, GL_BLEND_SRC_RGB, GL_BLEND_DST_ALPHA, GL_VIEWPORT,
-              GL_COLOR_WRITEMASK, GL_UNPACK_ALIGNMENT, GL_FRAMEBUFFER_BINDING, GL_CURRENT_PROGRAM,
-              GL_ELEMENT_ARRAY_BUFFER_BINDING, GL_RENDERBUFFER_BINDING}) {
+              GL_SCISSOR_BOX, GL_BLEND, GL_DEPTH_TEST, GL_CULL_FACE, GL_BLEND_SRC_RGB, GL_BLEND_DST_ALPHA,
+              GL_VIEWPORT, GL_COLOR_WRITEMASK, GL_UNPACK_ALIGNMENT, GL_FRAMEBUFFER_BINDING,
+              GL_CURRENT_PROGRAM, GL_ELEMENT_ARRAY_BUFFER_BINDING, GL_RENDERBUFFER_BINDING}) {
             GLint value[4] = {};
             glGetIntegerv(static_cast<GLenum>(name), value);
             values.insert(values.end(), std::begin(value), std::end(value));
+        }
+        for (const int name : {GL_VERTEX_ATTRIB_ARRAY_STRIDE, GL_VERTEX_ATTRIB_ARRAY_ENABLED}) {
+            glGetVertexAttribiv(1, static_cast<GLenum>(name), &values.emplace_back());
         }
         GLfloat color[4] = {};
         glGetFloatv(GL_COLOR_CLEAR_VALUE, color);
@@ -155,7 +161,7 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
         return values;
     };
     const auto before = state();
-    host->setOverlayImages({{plainImage(4, {0, 0, 255}), {{0, 0}, {4, 4}}}});
+    host->setOverlayImages({{plainImage(4, 4, {0, 0, 255, 255}), {{0, 0}, {4, 4}}}});
     EXPECT_EQ(frame(), Drawing::drawn);
     EXPECT_TRUE(host->image());
     EXPECT_EQ(state(), before);
@@ -202,7 +208,7 @@ TEST_F(ViewHostTest, drawingWithoutAContextFailsAndGoesOnWithOne) {
 }
 
 TEST_F(ViewHostTest, aLostContextIsReplacedByTheNextOne) {
-    host->setOverlayImages({{plainImage(4, {0, 0, 255}), {{0, 0}, {4, 4}}}});
+    host->setOverlayImages({{plainImage(4, 4, {0, 0, 255, 255}), {{0, 0}, {4, 4}}}});
     ASSERT_TRUE(comesToRest());
     host->contextWasLost();
     window.reset();

@@ -48,13 +48,7 @@ TEST_F(RenderTest, objectsDroppedOnAnotherThreadAreDeletedOnTheContextsOwn) {
     graveyard->deleteObjects();
     EXPECT_FALSE(glIsTexture(name));
     // A whole renderer, too, which has drawn something of each kind.
-    auto fill = std::make_shared<DrawItem>();
-    auto mesh = std::make_shared<SCNMesh>();
-    mesh->vertices = {-9, -9, 0, 9, -9, 0, 0, 9, 0};
-    mesh->indices = std::vector<std::uint8_t>{0, 1, 2};
-    fill->kind = DrawKind::fill;
-    fill->mesh = mesh;
-    fill->sequence = 2;
+    const auto fill = fillItem(triangle({-9, -9, 0, 9, -9, 0, 0, 9, 0}), {1, 1, 1, 1}, 2);
     const auto all = ground(-9, -9, 9, 9);
     const auto image = plainImage(40, 40, {0, 99, 0, 255});
     draw(frameOf(

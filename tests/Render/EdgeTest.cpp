@@ -1,7 +1,6 @@
 #include "Render/RenderFixture.h"
 
 #include <algorithm>
-#include <set>
 
 namespace trelmix::render_test {
 namespace {
@@ -16,17 +15,10 @@ TEST_F(RenderTest, slantedEdgesHaveGreysWithSamplesAndNoneWithout) {
         return item;
     }();
     const auto greys = [&](int samples) {
-        Renderer::Options options;
-        options.samples = samples;
-        makeRenderer(options);
+        makeRenderer(withOption(&Renderer::Options::samples, samples));
         const DrawFrame frame = frameOf({quad}, cameraAt({}, 100));
         EXPECT_EQ(draw(frame, 100, 100).samples, std::min(samples, capabilities.maximumSamples));
-        const auto shown = picture(frame, 100, 100);
-        std::set<int> levels;
-        for (int i = 0; i < 100 * 100; ++i) {
-            levels.insert(pixelAt(*shown, i % 100, i / 100)[0]);
-        }
-        return levels;
+        return levelsIn(*picture(frame, 100, 100));
     };
     EXPECT_EQ(greys(1), (std::set<int>{0, 255}));
     const int most = capabilities.maximumSamples;
@@ -51,7 +43,7 @@ TEST_F(RenderTest, samplesGoStraightIntoTheTextureWhereThereIsNoOtherWay) {
         samplesAsked = samples;
         glFramebufferTexture2D(target, attachment, kind, texture, level);
     };
-    makeRenderer({});
+    makeRenderer();
     const DrawFrame frame = frameOf({discItem({}, 9, {0, 0, 1, 1})}, cameraAt({}, 8));
     EXPECT_EQ(draw(frame, 8, 8).samples, 4);
     EXPECT_EQ(samplesAsked, 4);
@@ -82,31 +74,31 @@ TEST_F(RenderTest, noSeamOpensBetweenTilesAtAnyRotationAndTilt) {
     const int allowed = capabilities.renderer == "softpipe" ? kSize : 0;
     for (const Vector3d at : {Vector3d{}, Vector3d{123456.789, -98765.4321, 0}}) {
         for (const int samples : {1, 4}) {
-            Renderer::Options options;
-            options.samples = samples;
-            makeRenderer(options);
+            makeRenderer(withOption(&Renderer::Options::samples, samples));
             for (int turn = 0; turn < 36; ++turn) {
                 const double tilt = (turn % 4) * 18.0 * kDegree;
                 const DrawCamera camera = cameraAt(at, kSize, tilt, turn * 10.37 * kDegree, 0.5);
                 const auto shown =
                     picture(frameOf(whiteTiles(at, 700), camera, UIColor::blackColor()), kSize, kSize);
-                int gaps = 0;
-                for (int i = 0; i < kSize * kSize; ++i) {
-                    gaps += pixelAt(*shown, i % kSize, i / kSize) != Rgba{255, 255, 255, 255};
-                }
-                ASSERT_LE(gaps, allowed) << "turn " << turn;
+                ASSERT_LE(pixelsOtherThan({255, 255, 255, 255}, *shown), allowed) << "turn " << turn;
             }
         }
     }
 }
 
-TEST_F(RenderTest, aTiltedFineTextureIsMinifiedFromItsLevelsWithoutShimmer) {
+/// Black and white pixels as a function of their place says.
+template <class F>
+std::shared_ptr<const UIImage> pattern(F isWhite) {
     std::vector<std::uint8_t> pixels;
     for (int i = 0; i < 256 * 256; ++i) {
-        const std::uint8_t v = (i % 256 + i / 256) % 2 == 0 ? 0 : 255;
+        const std::uint8_t v = isWhite(i % 256, i / 256) ? 255 : 0;
         pixels.insert(pixels.end(), {v, v, v, 255});
     }
-    const auto checker = UIImage::withPixels(256, 256, std::move(pixels));
+    return UIImage::withPixels(256, 256, std::move(pixels));
+}
+
+TEST_F(RenderTest, aTiltedFineTextureIsMinifiedFromItsLevelsWithoutShimmer) {
+    const auto checker = pattern([](int x, int y) { return (x + y) % 2 != 0; });
     const auto shown = picture(
         frameOf({imageItem(checker, ground(-200, -200, 200, 200), 1, true)}, cameraAt({}, 64, 0.9, 0.1, 3)),
         64, 64);
@@ -121,16 +113,9 @@ TEST_F(RenderTest, stripesThatRunIntoAFlatViewAreSharperWithAnisotropy) {
     if (capabilities.maximumAnisotropy < 4) {
         GTEST_SKIP() << "the driver has no anisotropic filter";
     }
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < 256 * 256; ++i) {
-        const std::uint8_t v = i / 2 % 2 == 0 ? 0 : 255;
-        pixels.insert(pixels.end(), {v, v, v, 255});
-    }
-    const auto stripes = UIImage::withPixels(256, 256, std::move(pixels));
+    const auto stripes = pattern([](int x, int) { return x / 2 % 2 != 0; });
     const auto contrast = [&](float anisotropy) {
-        Renderer::Options options;
-        options.anisotropy = anisotropy;
-        makeRenderer(options);
+        makeRenderer(withOption(&Renderer::Options::anisotropy, anisotropy));
         const auto shown = picture(
             frameOf({imageItem(stripes, ground(-128, -128, 128, 128), 1, true)}, cameraAt({}, 64, 1.3)), 64,
             64);

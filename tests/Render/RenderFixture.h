@@ -3,13 +3,17 @@
 #include "Platform/Scene/DrawList.h"
 #include "Render/GLContext.h"
 #include "Render/Renderer.h"
+#include "support/PlainImage.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
 #include <numbers>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace trelmix::render_test {
@@ -18,15 +22,6 @@ using Rgba = std::array<int, 4>;
 using Items = std::vector<std::shared_ptr<const DrawItem>>;
 
 inline constexpr double kDegree = std::numbers::pi / 180;
-
-/// A picture of one colour, premultiplied.
-inline std::shared_ptr<const UIImage> plainImage(int width, int height, std::array<std::uint8_t, 4> color) {
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < width * height; ++i) {
-        pixels.insert(pixels.end(), color.begin(), color.end());
-    }
-    return UIImage::withPixels(width, height, std::move(pixels));
-}
 
 /// A rectangle that lies on the ground.
 inline std::array<Vector3d, 4> ground(double west, double south, double east, double north) {
@@ -55,6 +50,31 @@ inline std::shared_ptr<DrawItem> discItem(Vector3d centre, double radius, std::a
     return item;
 }
 
+inline std::shared_ptr<DrawItem> fillItem(std::shared_ptr<const SCNMesh> mesh, std::array<float, 4> color,
+                                          std::uint64_t sequence) {
+    auto item = std::make_shared<DrawItem>();
+    item->kind = DrawKind::fill;
+    item->mesh = std::move(mesh);
+    item->meshPosition = item->mesh->origin;
+    item->color = color;
+    item->sequence = sequence;
+    return item;
+}
+
+inline std::shared_ptr<const SCNMesh> triangle(std::vector<float> vertices) {
+    auto mesh = std::make_shared<SCNMesh>();
+    mesh->vertices = std::move(vertices);
+    mesh->indices = std::vector<std::uint8_t>{0, 1, 2};
+    return mesh;
+}
+
+template <class T>
+Renderer::Options withOption(T Renderer::Options::*option, T value) {
+    Renderer::Options options;
+    options.*option = value;
+    return options;
+}
+
 /// A camera that looks at a place on the ground so that, straight below it, a scene unit is as large as a
 /// pixel of a view of this height.
 inline DrawCamera cameraAt(Vector3d target, double pixelHeight, double tilt = 0, double rotation = 0,
@@ -73,11 +93,11 @@ protected:
         ASSERT_TRUE(made) << made.reason();
         context = std::move(*made);
         capabilities = context->capabilities();
-        makeRenderer({});
+        makeRenderer();
     }
     void TearDown() override { renderer.reset(); }
 
-    void makeRenderer(Renderer::Options options) {
+    void makeRenderer(const Renderer::Options& options = {}) {
         renderer = std::make_unique<Renderer>(capabilities, context->graveyard(), options);
     }
 
@@ -114,6 +134,32 @@ inline Rgba pixelAt(const UIImage& image, int x, int y) {
     const auto at = static_cast<std::size_t>((y * image.pixelWidth() + x) * 4);
     const auto pixels = image.pixels();
     return {pixels[at], pixels[at + 1], pixels[at + 2], pixels[at + 3]};
+}
+
+/// All values of the red channel.
+inline std::set<int> levelsIn(const UIImage& image) {
+    std::set<int> levels;
+    for (std::size_t i = 0; i < image.pixels().size(); i += 4) {
+        levels.insert(image.pixels()[i]);
+    }
+    return levels;
+}
+
+inline int pixelsOtherThan(Rgba color, const UIImage& image) {
+    int count = 0;
+    for (int i = 0; i < image.pixelWidth() * image.pixelHeight(); ++i) {
+        count += pixelAt(image, i % image.pixelWidth(), i / image.pixelWidth()) != color;
+    }
+    return count;
+}
+
+/// The largest difference of two values at one place.
+inline int largestDifference(const UIImage& a, const UIImage& b) {
+    int worst = 0;
+    for (std::size_t i = 0; i < a.pixels().size(); ++i) {
+        worst = std::max(worst, std::abs(int{a.pixels()[i]} - int{b.pixels()[i]}));
+    }
+    return worst;
 }
 
 /// Where the camera shows a place of the scene, in pixels from the top left.

@@ -59,14 +59,7 @@ TEST_F(RenderTest, laterItemsCoverEarlierOnesWhateverTheirKindAndHeight) {
     for (Vector3d& corner : raised->corners) {
         corner.z = 5;
     }
-    auto mesh = std::make_shared<SCNMesh>();
-    mesh->vertices = {-20, -20, 0, 20, -20, 0, 0, 20, 0};
-    mesh->indices = std::vector<std::uint8_t>{0, 1, 2};
-    auto fill = std::make_shared<DrawItem>();
-    fill->kind = DrawKind::fill;
-    fill->mesh = mesh;
-    fill->color = {0, 1, 0, 1};
-    fill->sequence = 2;
+    const auto fill = fillItem(triangle({-20, -20, 0, 20, -20, 0, 0, 20, 0}), {0, 1, 0, 1}, 2);
     const auto disc = discItem({}, 10, {0, 0, 1, 1}, 3);
     const auto top = imageItem(plainImage(4, 4, {9, 9, 9, 255}), ground(-3, -3, 3, 3), 4);
     const DrawCamera camera = cameraAt({}, 40);

@@ -29,21 +29,17 @@ TEST_F(RenderTest, anImageBeyondTheLimitLooksAsItDoesInOnePiece) {
             const DrawFrame frame =
                 frameOf({imageItem(image, ground(-352, -160, 352, 160), 1, usesLevels)},
                         cameraAt({}, 200, 0.6, 0.3, unitsPerPixel), UIColor::blackColor());
-            makeRenderer({});
+            makeRenderer();
             const auto whole = picture(frame, 300, 200);
-            Renderer::Options options;
-            options.maximumTextureSize = 128;
-            makeRenderer(options);
+            makeRenderer(withOption(&Renderer::Options::maximumTextureSize, 128));
             const auto parts = picture(frame, 300, 200);
             EXPECT_GT(draw(frame, 300, 200).drawCalls, 1);
-            int worst = 0;
             double sum = 0;
             for (std::size_t i = 0; i < whole->pixels().size(); ++i) {
-                const int difference = std::abs(int{whole->pixels()[i]} - int{parts->pixels()[i]});
-                worst = std::max(worst, difference);
-                sum += difference;
+                sum += std::abs(int{whole->pixels()[i]} - int{parts->pixels()[i]});
             }
-            EXPECT_LE(worst, unitsPerPixel > 5 ? 24 : 6) << unitsPerPixel << " levels " << usesLevels;
+            EXPECT_LE(largestDifference(*whole, *parts), unitsPerPixel > 5 ? 24 : 6)
+                << unitsPerPixel << " levels " << usesLevels;
             EXPECT_LT(sum / static_cast<double>(whole->pixels().size()), 0.3) << unitsPerPixel;
         }
     }
@@ -51,9 +47,9 @@ TEST_F(RenderTest, anImageBeyondTheLimitLooksAsItDoesInOnePiece) {
 
 TEST_F(RenderTest, imagesOfAnySizeWorkWithoutTheExtensionForIt) {
     capabilities.hasLevelsOfAnySize = false;
-    makeRenderer({});
-    const auto shown = picture(
-        frameOf({imageItem(waves(97, 41), ground(-50, -50, 50, 50), 1, true)}, cameraAt({}, 32)), 32, 32);
+    makeRenderer();
+    const auto image = imageItem(waves(97, 41), ground(-50, -50, 50, 50), 1, true);
+    const auto shown = picture(frameOf({image}, cameraAt({}, 32)), 32, 32);
     EXPECT_NE(pixelAt(*shown, 16, 16), (Rgba{255, 255, 255, 255}));
 }
 
@@ -82,9 +78,7 @@ TEST_F(RenderTest, texturesGoWithTheNodesThatShowThem) {
 }
 
 TEST_F(RenderTest, uploadsAreSpreadOverFramesAndTheRestIsDrawnMeanwhile) {
-    Renderer::Options options;
-    options.uploadSecondsPerFrame = 0;
-    makeRenderer(options);
+    makeRenderer(withOption(&Renderer::Options::uploadSecondsPerFrame, 0.0));
     const auto all = ground(-9, -9, 9, 9);
     const DrawFrame frame = frameOf({imageItem(plainImage(300, 300, {255, 0, 0, 255}), all, 1, true),
                                      imageItem(plainImage(1000, 1000, {0, 0, 255, 255}), all, 2, true)},
@@ -104,9 +98,7 @@ TEST_F(RenderTest, uploadsAreSpreadOverFramesAndTheRestIsDrawnMeanwhile) {
 }
 
 TEST_F(RenderTest, whatIsInViewIsUploadedFirst) {
-    Renderer::Options options;
-    options.uploadSecondsPerFrame = 0;
-    makeRenderer(options);
+    makeRenderer(withOption(&Renderer::Options::uploadSecondsPerFrame, 0.0));
     const auto red = plainImage(300, 300, {255, 0, 0, 255});
     const auto blue = plainImage(300, 300, {0, 0, 255, 255});
     const Items items{imageItem(red, ground(500, 500, 510, 510), 1, true),
