@@ -2,6 +2,7 @@
 
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
+#include "support/PlainImage.h"
 
 #include <algorithm>
 #include <functional>
@@ -16,7 +17,7 @@ namespace {
 constexpr CLLocationCoordinate2D kPlace{43.7362, 7.4245};
 
 std::shared_ptr<const UIImage> picture() {
-    static const auto image = UIImage::withPixels(2, 2, std::vector<std::uint8_t>(16, 255));
+    static const auto image = plainImage(2, 2);
     return image;
 }
 
@@ -172,7 +173,7 @@ TEST_F(TileLayer, answersForTilesThatWentAreDroppedAndASecondAnswerReplacesTheFi
     step();
     const TileKey key = delegate->asked.front();
     layer->provideTileForX(key.x, key.y, key.zoom, picture());
-    const auto other = UIImage::withPixels(1, 1, {1, 2, 3, 255});
+    const auto other = plainImage(1, 1, {1, 2, 3, 255});
     layer->provideTileForX(key.x, key.y, key.zoom, other);
     layer->provideTileForX(key.x + 1000, key.y, key.zoom, other);
     layer->provideTileForX(key.x, key.y, key.zoom + 1, other);
@@ -217,16 +218,12 @@ TEST_F(TileLayer, aDelegateThatThrowsLeavesGapsAndNoMore) {
     EXPECT_EQ(takeFaults().size(), layer->tileCounts().wanted - lastFrame.list->items.size());
 }
 
-TEST_F(TileLayer, aDelegateMayTakeTheLayerAwayOrDestroyTheEngineWhileItIsAsked) {
+TEST_F(TileLayer, aLayerThatIsTakenAwayWhileItAsksAsksNoMore) {
     delegate->onRequest = [](TileKey, const auto& asking) { asking->setMap(nullptr); };
     show();
     step();
     EXPECT_EQ(delegate->asked.size(), 1U);
     EXPECT_TRUE(lastFrame.list->items.empty());
-    delegate->onRequest = [this](TileKey, const auto&) { engine.reset(); };
-    layer->setMap(engine);
-    stepThatEndsTheEngine();
-    EXPECT_FALSE(layer->map());
 }
 
 TEST_F(TileLayer, clearedWhileACleanUpIsPendingItCleansUpAgainLater) {
@@ -247,20 +244,6 @@ TEST_F(TileLayer, clearedWhileACleanUpIsPendingItCleansUpAgainLater) {
     step(1.5);
     step();
     EXPECT_LT(coarseCount(), before);
-}
-
-TEST_F(TileLayer, aHiddenLayerDrawsNoTile) {
-    delegate->answerAtOnce = [](TileKey) { return picture(); };
-    layer->setSynchronousLayer(true);
-    show();
-    step();
-    layer->setVisible(false);
-    step();
-    EXPECT_TRUE(lastFrame.list->items.empty());
-    layer->setVisible(true);
-    layer->setOpacity(0.5);
-    step();
-    EXPECT_FLOAT_EQ(lastFrame.list->items.front()->opacity, 0.5F);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Tiles/MapTileNode.h"
 
 #include "support/EngineFixture.h"
+#include "support/PlainImage.h"
 #include "support/ScratchFolder.h"
 #include "support/TileServer.h"
 
@@ -22,22 +23,10 @@ constexpr CLLocationCoordinate2D kPlace{43.7362, 7.4245};
 
 std::string tileFile() {
     static const std::string file = [] {
-        const auto png = UIImage::withPixels(16, 16, std::vector<std::uint8_t>(1024, 255))->pngData();
+        const auto png = plainImage(16, 16)->pngData();
         return std::string(reinterpret_cast<const char*>(png.data()), png.size());
     }();
     return file;
-}
-
-/// A different fault for each tile, told by its address.
-TileReply faultFor(const TileRequest& request) {
-    const std::vector<TileReply> faults = {
-        {"", End::reset},
-        {"", End::close},
-        TileReply::truncated(tileFile()),
-        TileReply::of("503 Busy", "<html>busy</html>"),
-        TileReply::of("429 Slow down", "", "Retry-After: 0\r\n"),
-    };
-    return faults[std::hash<std::string>{}(request.path) % faults.size()];
 }
 
 class UrlTileLayer : public EngineFixture {
@@ -72,6 +61,11 @@ protected:
     void show() {
         layer->setMap(engine);
         step(2);
+    }
+    /// Until the server is released.
+    void showWithHeldReplies() {
+        reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
+        show();
     }
     /// Pumps until the condition holds; false after a minute.
     static bool pumpUntil(const std::function<bool()>& condition) {
@@ -120,17 +114,6 @@ protected:
     std::shared_ptr<MapTileNode> layer = MapTileNode::make();
 };
 
-TEST_F(UrlTileLayer, whereFaultsPassTheMapEndsComplete) {
-    reply = [](const TileRequest& request) {
-        return request.count <= 2 ? faultFor(request) : TileReply::ok(tileFile());
-    };
-    show();
-    ASSERT_TRUE(answered());
-    EXPECT_EQ(drawnCount(), layer->tileCounts().wanted);
-    EXPECT_EQ(asked.size(), layer->tileCounts().wanted);
-    expectEachAskedOnce();
-}
-
 TEST_F(UrlTileLayer, whereFaultsLastThereAreGapsThatGoWithTheOutage) {
     const std::vector<TileReply> faults = {
         TileReply::of("404 Not Found", tileFile()),
@@ -177,8 +160,7 @@ TEST_F(UrlTileLayer, whatWasLoadedOnceComesFromTheDiskWithoutTheServer) {
 }
 
 TEST_F(UrlTileLayer, aTileThatComesBackWhileItIsLoadedIsNotAskedForAgain) {
-    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
-    show();
+    showWithHeldReplies();
     ASSERT_TRUE(server.waitForRequests(6));
     moveBy(1e6);
     moveBy(-1e6);
@@ -189,8 +171,7 @@ TEST_F(UrlTileLayer, aTileThatComesBackWhileItIsLoadedIsNotAskedForAgain) {
 }
 
 TEST_F(UrlTileLayer, tilesThatAShutDownDroppedAreAskedForAgainWhereTheyAreInView) {
-    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
-    show();
+    showWithHeldReplies();
     ASSERT_TRUE(decodersAreIdle());
     moveBy(1e6);
     ASSERT_TRUE(decodersAreIdle());
@@ -251,7 +232,7 @@ TEST_F(UrlTileLayer, beyondTheWorldNothingIsAskedFor) {
 
 TEST_F(UrlTileLayer, aConstructorMayThrowOrKnowNothing) {
     int calls = 0;
-    layer->setImageUrlConstructor([&](std::uint64_t, std::uint64_t, std::uint64_t) -> std::optional<URL> {
+    layer->setImageUrlConstructor([&](auto, auto, auto) -> std::optional<URL> {
         if (++calls % 2 == 0) {
             throw std::runtime_error("no");
         }
@@ -266,31 +247,28 @@ TEST_F(UrlTileLayer, aConstructorMayThrowOrKnowNothing) {
 
 TEST_F(UrlTileLayer, aConstructorMayReplaceItselfOrTakeTheLayerAwayOrEndTheEngine) {
     const auto url = URL::fromString(server.address() + "/a.png");
-    layer->setImageUrlConstructor([this, url](std::uint64_t, std::uint64_t, std::uint64_t) {
-        layer->setImageUrlConstructor([url](std::uint64_t, std::uint64_t, std::uint64_t) { return url; });
-        return url;
-    });
-    show();
-    ASSERT_TRUE(answered());
-    layer->setImageUrlConstructor([this, url](std::uint64_t, std::uint64_t, std::uint64_t) {
+    const auto showWithConstructorThat = [&](const std::function<void()>& action) {
+        layer->setImageUrlConstructor([url, action](auto, auto, auto) {
+            action();
+            return url;
+        });
         layer->setMap(nullptr);
-        return url;
-    });
-    layer->setMap(nullptr);
-    show();
+        layer->setMap(engine);
+    };
+    showWithConstructorThat(
+        [this, url] { layer->setImageUrlConstructor([url](auto, auto, auto) { return url; }); });
+    step(2);
+    ASSERT_TRUE(answered());
+    showWithConstructorThat([this] { layer->setMap(nullptr); });
+    step(2);
     EXPECT_EQ(layer->tileCounts().wanted, 0U);
-    layer->setImageUrlConstructor([this, url](std::uint64_t, std::uint64_t, std::uint64_t) {
-        engine.reset();
-        return url;
-    });
-    layer->setMap(engine);
+    showWithConstructorThat([this] { engine.reset(); });
     stepThatEndsTheEngine();
     EXPECT_FALSE(layer->map());
 }
 
 TEST_F(UrlTileLayer, answersThatComeAfterTheEndOfLayerAndEngineAreDropped) {
-    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
-    show();
+    showWithHeldReplies();
     // Every request has left the decoders: what waits there does not outlive its layer.
     ASSERT_TRUE(decodersAreIdle());
     const std::size_t tiles = asked.size();
@@ -306,11 +284,10 @@ TEST_F(UrlTileLayer, answersThatComeAfterTheEndOfLayerAndEngineAreDropped) {
 }
 
 TEST_F(UrlTileLayer, answersFromBeforeItWasClearedDoNotReachTheLayer) {
-    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
-    show();
+    showWithHeldReplies();
     ASSERT_TRUE(server.waitForRequests(6));
     layer->setMap(nullptr);
-    layer->setImageUrlConstructor([](std::uint64_t, std::uint64_t, std::uint64_t) { return std::nullopt; });
+    layer->setImageUrlConstructor([](auto, auto, auto) { return std::nullopt; });
     show();
     server.release();
     ASSERT_TRUE(server.waitForRequests(asked.size()));
@@ -321,10 +298,9 @@ TEST_F(UrlTileLayer, answersFromBeforeItWasClearedDoNotReachTheLayer) {
 }
 
 TEST_F(UrlTileLayer, theApplicationsOwnAnswersAreIgnored) {
-    reply = [](const TileRequest&) { return TileReply::ok(tileFile()).ending(End::hold); };
-    show();
+    showWithHeldReplies();
     const auto [x, y, zoom] = asked.begin()->first;
-    layer->provideTileForX(x, y, zoom, UIImage::withPixels(1, 1, {1, 2, 3, 255}));
+    layer->provideTileForX(x, y, zoom, plainImage(1, 1, {1, 2, 3, 255}));
     RunLoop::main().drain();
     EXPECT_EQ(layer->tileCounts().answered, 0U);
     server.release();
