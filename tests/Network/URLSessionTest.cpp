@@ -103,7 +103,8 @@ TEST(URLSession, aServerThatStopsAndComesBackIsAskedAgain) {
     EXPECT_EQ(text(late.get()), kBody);
 }
 
-TEST(URLSession, asksAHostForSixAtATimeInTheOrderOfTheCalls) {
+TEST(URLSession, asksAHostForSixAtATimeInTheOrderOfTheCallsAndOthersMeanwhile) {
+    TileServer other([](const TileRequest&) { return TileReply::ok(kBody); });
     Talk talk([](const TileRequest&) { return TileReply::ok(kBody).ending(End::hold); });
     std::vector<std::future<URLSession::Answer>> answers;
     for (int i = 10; i < 40; ++i) {
@@ -113,6 +114,8 @@ TEST(URLSession, asksAHostForSixAtATimeInTheOrderOfTheCalls) {
     auto first = talk.server.paths();
     std::sort(first.begin(), first.end());
     EXPECT_EQ(first, (std::vector<std::string>{"/10", "/11", "/12", "/13", "/14", "/15"}));
+    answers.push_back(talk.begin(other.address() + "/1"));
+    EXPECT_TRUE(other.waitForRequests(1)) << "it waits for a host that is slow";
     talk.server.release();
     for (auto& answer : answers) {
         EXPECT_EQ(text(answer.get()), kBody);
