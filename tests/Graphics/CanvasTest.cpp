@@ -1,7 +1,6 @@
 #include "Platform/Graphics/Canvas.h"
 #include "Platform/Graphics/UIBezierPath.h"
-
-#include <Trelmix/Platform/UIImage.h>
+#include "support/Pixels.h"
 
 #include <gtest/gtest.h>
 
@@ -16,11 +15,6 @@ namespace trelmix {
 namespace {
 
 using Pixel = std::array<int, 4>;
-
-Pixel pixelAt(const UIImage& image, int x, int y) {
-    const auto p = image.pixels().subspan(static_cast<std::size_t>(y * image.pixelWidth() + x) * 4, 4);
-    return {p[0], p[1], p[2], p[3]};
-}
 
 constexpr Pixel kRed{255, 0, 0, 255};
 constexpr Pixel kBlue{0, 0, 255, 255};
@@ -94,12 +88,10 @@ TEST(Canvas, pathsAreFilledAndStroked) {
 }
 
 TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
-    std::vector<std::uint8_t> checks;
-    for (int i = 0; i < 64 * 64; ++i) {
-        const auto value = static_cast<std::uint8_t>((i + i / 64) % 2 * 255);
-        checks.insert(checks.end(), {value, value, value, 255});
-    }
-    const auto board = UIImage::withPixels(64, 64, checks);
+    const auto board = painted(64, 64, [](int x, int y) {
+        const int value = (x + y) % 2 * 255;
+        return std::array{value, value, value};
+    });
     Canvas canvas(10, 10);
     canvas.drawImage(*board, {{1, 1}, {8, 8}});
     const auto shrunk = canvas.image();
@@ -110,8 +102,8 @@ TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
     }
     EXPECT_EQ(inkCount(*shrunk, kNothing), 64);
 
-    const auto dot = UIImage::withPixels(1, 1, {255, 0, 0, 255});
-    Canvas grown(*UIImage::withPixels(8, 8, std::vector<std::uint8_t>(8 * 8 * 4, 255)));
+    const auto dot = plain(1, 1, std::array{255, 0, 0});
+    Canvas grown(*plain(8, 8, std::array{255, 255, 255}));
     grown.clipRect({{0, 0}, {8, 4}});
     grown.drawImage(*dot, {{0, 0}, {8, 8}}, 0.6);
     EXPECT_EQ(pixelAt(*grown.image(), 0, 0), (Pixel{255, 102, 102, 255}));
@@ -188,12 +180,9 @@ TEST(Canvas, sizesThatNoBitmapCanHaveGiveNoImage) {
 
 TEST(Canvas, anImageLongerThanCairoReadsIsDrawnFromASmallerLevel) {
     constexpr int kLength = 40000;
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < kLength; ++i) {
-        const bool isRed = i >= kLength / 2;
-        pixels.insert(pixels.end(), {static_cast<std::uint8_t>(isRed ? 255 : 0), 0, 0, 255});
-    }
-    const auto image = UIImage::withPixels(kLength, 1, std::move(pixels));
+    const auto image = painted(kLength, 1, [](int x, int) {
+        return std::array{x < kLength / 2 ? 0 : 255, 0, 0};
+    });
     Canvas canvas(100, 2);
     canvas.drawImage(*image, {{0, 0}, {100, 2}});
     // Far too small to see, and no reason to wait.

@@ -7,10 +7,6 @@
 
 namespace trelmix::pictures {
 
-Rgb rgb(UIColor color) {
-    return {color.red * 255, color.green * 255, color.blue * 255};
-}
-
 double Picture::coverage(int x, int y, Rgb color, Rgb background) const {
     const Rgb pixel = at(x, y);
     double along = 0;
@@ -26,24 +22,6 @@ void Picture::save(const std::string& name) const {
     const auto png = image->pngData();
     std::ofstream(name, std::ios::binary)
         .write(reinterpret_cast<const char*>(png.data()), static_cast<std::streamsize>(png.size()));
-}
-
-std::shared_ptr<const UIImage> painted(int width, int height, const std::function<Rgb(int x, int y)>& color) {
-    std::vector<std::uint8_t> pixels;
-    pixels.reserve(4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            for (const double channel : color(x, y)) {
-                pixels.push_back(static_cast<std::uint8_t>(channel));
-            }
-            pixels.push_back(255);
-        }
-    }
-    return UIImage::withPixels(width, height, std::move(pixels));
-}
-
-std::shared_ptr<const UIImage> plain(int width, int height, Rgb color) {
-    return painted(width, height, [&](int, int) { return color; });
 }
 
 Blob blobIn(const Picture& picture, const Window& window, Rgb color, Rgb background) {

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "support/Pixels.h"
+
 #include <Trelmix/Platform/CGGeometry.h>
-#include <Trelmix/Platform/UIColor.h>
-#include <Trelmix/Platform/UIImage.h>
 
 #include <array>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,8 +13,6 @@ namespace trelmix::pictures {
 
 /// 0 to 255 each.
 using Rgb = std::array<double, 3>;
-
-Rgb rgb(UIColor color);
 
 /// A finished picture; pixel (x, y) has its centre at (x + 0.5, y + 0.5).
 class Picture {
@@ -26,8 +23,8 @@ public:
     int width() const { return image ? image->pixelWidth() : 0; }
     int height() const { return image ? image->pixelHeight() : 0; }
     Rgb at(int x, int y) const {
-        const auto* p = image->pixels().data() + 4 * (static_cast<std::ptrdiff_t>(y) * width() + x);
-        return {static_cast<double>(p[0]), static_cast<double>(p[1]), static_cast<double>(p[2])};
+        const auto pixel = pixelAt(*image, x, y);
+        return {1.0 * pixel[0], 1.0 * pixel[1], 1.0 * pixel[2]};
     }
     /// How much of the pixel the colour covers, when nothing but it and the background is there.
     double coverage(int x, int y, Rgb color, Rgb background) const;
@@ -36,10 +33,6 @@ public:
 
     std::shared_ptr<const UIImage> image;
 };
-
-/// An opaque picture whose pixel (x, y) has the colour that the function gives.
-std::shared_ptr<const UIImage> painted(int width, int height, const std::function<Rgb(int x, int y)>& color);
-std::shared_ptr<const UIImage> plain(int width, int height, Rgb color);
 
 /// What one colour covers inside a rectangle of pixels.
 struct Blob {

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <Trelmix/Platform/UIImage.h>
-
 #include <cstdint>
 #include <sqlite3.h>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace trelmix::apps {
@@ -42,20 +39,5 @@ public:
 private:
     sqlite3* database = nullptr;
 };
-
-/// A picture whose pixel (x, y) has the colour that `color(x, y)` gives: {red, green, blue}, opaque.
-template <class Color>
-std::shared_ptr<const UIImage> paintedTile(int size, Color color) {
-    std::vector<std::uint8_t> pixels;
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            for (const int channel : color(x, y)) {
-                pixels.push_back(static_cast<std::uint8_t>(channel));
-            }
-            pixels.push_back(255);
-        }
-    }
-    return UIImage::withPixels(size, size, std::move(pixels));
-}
 
 } // namespace trelmix::apps

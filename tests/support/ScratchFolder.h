@@ -3,6 +3,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <span>
 #include <string>
 #include <unistd.h>
@@ -35,6 +36,12 @@ public:
     }
     std::string write(const std::string& name, const std::string& text) const {
         return write(name, std::as_bytes(std::span(text)));
+    }
+
+    /// All that stands in the file.
+    std::string text(const std::string& name) const {
+        std::ifstream file(folder / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
 private:

@@ -1,8 +1,9 @@
 #include "common/picture/Drawing.h"
 
+#include "support/Pixels.h"
+
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 
 using namespace trelmix;
@@ -22,9 +23,8 @@ TEST(Attribution, staysInsideThePictureHoweverSmallThatIs) {
     EXPECT_FALSE(attributionImage("", 1, 100));
     EXPECT_FALSE(attributionImage(text, 1, -7));
     for (const int side : {1, 9, 60, 500}) {
-        const auto blank = UIImage::withPixels(
-            side, side, std::vector<std::uint8_t>(static_cast<std::size_t>(side * side) * 4, 255));
-        const auto marked = withAttribution(blank, attributionImage(text, 1, side - 8));
+        const auto marked = withAttribution(plain(side, side, std::array{255, 255, 255}),
+                                            attributionImage(text, 1, side - 8));
         ASSERT_TRUE(marked);
         EXPECT_EQ(marked->pixelWidth(), side);
         EXPECT_TRUE(marked->isOpaque());
@@ -34,11 +34,8 @@ TEST(Attribution, staysInsideThePictureHoweverSmallThatIs) {
 TEST(Pin, isCutOutWithAnOpenEyeAndStandsOnItsTip) {
     const auto pin = pinImage();
     ASSERT_EQ(pin->size(), (CGSize{24, 32}));
-    const auto pixel = [&](int x, int y) {
-        return pin->pixels().subspan(static_cast<std::size_t>(y * 48 + x) * 4, 4);
-    };
-    EXPECT_EQ(pixel(0, 0)[3], 0);
-    EXPECT_EQ(pixel(24, 24)[3], 0);
-    EXPECT_TRUE(std::ranges::equal(pixel(9, 24), std::array{255, 255, 255, 255}));
-    EXPECT_GT(pixel(23, 62)[3] + pixel(24, 62)[3], 0);
+    EXPECT_EQ(pixelAt(*pin, 0, 0)[3], 0);
+    EXPECT_EQ(pixelAt(*pin, 24, 24)[3], 0);
+    EXPECT_EQ(pixelAt(*pin, 9, 24), (std::array{255, 255, 255, 255}));
+    EXPECT_GT(pixelAt(*pin, 23, 62)[3] + pixelAt(*pin, 24, 62)[3], 0);
 }

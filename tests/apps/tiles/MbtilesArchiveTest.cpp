@@ -16,11 +16,6 @@ std::vector<std::byte> bytesOf(const std::string& text) {
     return {view.begin(), view.end()};
 }
 
-std::string fileText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 } // namespace
 
 TEST(MbtilesArchive, rowsCountFromTheSouthAndBoundsFollowFromTheTiles) {
@@ -60,7 +55,7 @@ TEST(MbtilesArchive, whatIsNoArchiveIsRefusedWithAReasonThatNamesTheFile) {
             writer.tile(10, i, 0, bytesOf(std::string(200, 'x')));
         }
     }
-    const std::string whole = fileText(folder.path("whole"));
+    const std::string whole = folder.text("whole");
     folder.write("truncated", whole.substr(0, whole.size() / 2));
     folder.write("head", whole.substr(0, 100));
     folder.write("text", std::string(5000, 'z'));

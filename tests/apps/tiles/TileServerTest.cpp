@@ -1,5 +1,7 @@
 #include "common/tiles/TileServer.h"
 
+#include "apps/tiles/FakeStore.h"
+
 #include <atomic>
 #include <gtest/gtest.h>
 
@@ -40,28 +42,9 @@ public:
     std::string description() const override { return {}; }
 };
 
-class GreedyStore final : public TileStore {
+class GreedyStore final : public FakeStore {
 public:
     Result<std::optional<TileBytes>> tile(const TileIndex&) const override { throw std::bad_alloc(); }
-    std::optional<TileBounds> bounds() const override { return std::nullopt; }
-    std::string attribution() const override { return {}; }
-    const std::string& name() const override { return storeName; }
-
-private:
-    std::string storeName = "greedy";
-};
-
-class EmptyStore final : public TileStore {
-public:
-    Result<std::optional<TileBytes>> tile(const TileIndex&) const override {
-        return std::optional<TileBytes>();
-    }
-    std::optional<TileBounds> bounds() const override { return std::nullopt; }
-    std::string attribution() const override { return {}; }
-    const std::string& name() const override { return storeName; }
-
-private:
-    std::string storeName = "empty";
 };
 
 } // namespace
@@ -70,7 +53,7 @@ TEST(TileServer, answersEveryRequestOnceAlsoOfLayersItDoesNotKnow) {
     const auto known = std::make_shared<CountingLayer>();
     const auto unknown = std::make_shared<CountingLayer>();
     TileServer server(3);
-    server.serve(known, std::make_shared<TileSource>(std::make_unique<EmptyStore>()));
+    server.serve(known, std::make_shared<TileSource>(std::make_unique<FakeStore>()));
     std::vector<std::jthread> askers;
     for (int asker = 0; asker < 2; ++asker) {
         askers.emplace_back([&] {
@@ -90,7 +73,7 @@ TEST(TileServer, endsWhileRequestsWait) {
     const auto layer = std::make_shared<CountingLayer>();
     for (int round = 0; round < 50; ++round) {
         TileServer server(2);
-        server.serve(layer, std::make_shared<TileSource>(std::make_unique<EmptyStore>()));
+        server.serve(layer, std::make_shared<TileSource>(std::make_unique<FakeStore>()));
         for (int i = 0; i < 200; ++i) {
             server.tileRequestedForX(i, i, 20, layer);
         }

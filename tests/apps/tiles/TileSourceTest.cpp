@@ -1,48 +1,19 @@
 #include "common/tiles/TileSource.h"
 
+#include "apps/tiles/FakeStore.h"
 #include "common/tiles/EnlargedTile.h"
-#include "common/tiles/MbtilesArchive.h"
 #include "common/tiles/TileDirectory.h"
-#include "support/ArchiveWriter.h"
+#include "support/Pixels.h"
 #include "support/ScratchFolder.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace trelmix;
 using namespace trelmix::apps;
 
-namespace {
-
-/// Holds the pictures it was given.
-class FakeStore final : public TileStore {
-public:
-    void add(const TileIndex& tile, TileBytes bytes) { tiles.emplace_back(tile, std::move(bytes)); }
-    Result<std::optional<TileBytes>> tile(const TileIndex& tile) const override {
-        const auto found = std::find_if(tiles.begin(), tiles.end(), [&](auto& t) { return t.first == tile; });
-        return found == tiles.end() ? std::optional<TileBytes>() : std::optional(found->second);
-    }
-    std::optional<TileBounds> bounds() const override { return std::nullopt; }
-    std::string attribution() const override { return {}; }
-    const std::string& name() const override { return storeName; }
-
-private:
-    std::vector<std::pair<TileIndex, TileBytes>> tiles;
-    std::string storeName = "fake";
-};
-
-int red(const UIImage& image, int x, int y) {
-    return image.pixels()[static_cast<std::size_t>(y * image.pixelWidth() + x) * 4];
-}
-int green(const UIImage& image, int x, int y) {
-    return image.pixels()[static_cast<std::size_t>(y * image.pixelWidth() + x) * 4 + 1];
-}
-
-} // namespace
-
 TEST(TileSource, enlargedPartsKeepEveryPointOfTheGroundAtItsPlace) {
     // Red grows along x and green along y, so a pixel's colour tells which ground it shows.
-    const auto ancestor = paintedTile(128, [](int x, int y) { return std::array{x * 2, y * 2, 0}; });
+    const auto ancestor = painted(128, 128, [](int x, int y) { return std::array{x * 2, y * 2, 0}; });
     const auto noneBeside = [](std::int64_t, std::int64_t) { return nullptr; };
     for (const std::int64_t levels : {1, 2, 4}) {
         const double zoomed = static_cast<double>(std::int64_t{1} << levels);
@@ -54,8 +25,8 @@ TEST(TileSource, enlargedPartsKeepEveryPointOfTheGroundAtItsPlace) {
                     const double place = (static_cast<double>(index) * 128 + i + 0.5) / zoomed - 0.5;
                     return std::clamp(place, 0.0, 127.0) * 2;
                 };
-                EXPECT_NEAR(red(*image, i, 64), ground(part.x), 0.51);
-                EXPECT_NEAR(green(*image, 5, i), ground(part.y), 0.51);
+                EXPECT_NEAR(pixelAt(*image, i, 64)[0], ground(part.x), 0.51);
+                EXPECT_NEAR(pixelAt(*image, 5, i)[1], ground(part.y), 0.51);
             }
         }
     }
@@ -65,7 +36,7 @@ TEST(TileSource, whatCrossesTheEdgeOfTwoAncestorsRunsOnWithoutAStep) {
     auto store = std::make_unique<FakeStore>();
     for (const int column : {0, 1}) {
         for (const int row : {0, 1}) {
-            const auto ground = paintedTile(16, [=](int x, int y) {
+            const auto ground = painted(16, 16, [=](int x, int y) {
                 return std::array{(column * 16 + x) * 8, (row * 16 + y) * 8, 0};
             });
             store->add({column, row, 1}, ground->pngData());
@@ -83,17 +54,15 @@ TEST(TileSource, whatCrossesTheEdgeOfTwoAncestorsRunsOnWithoutAStep) {
                     return ((static_cast<double>(index) * 16 + i + 0.5) / static_cast<double>(middle) - 0.5) *
                            8;
                 };
-                EXPECT_NEAR(red(*image, i, 3), ground(tile.x), 0.51);
-                EXPECT_NEAR(green(*image, 3, i), ground(tile.y), 0.51);
+                EXPECT_NEAR(pixelAt(*image, i, 3)[0], ground(tile.x), 0.51);
+                EXPECT_NEAR(pixelAt(*image, 3, i)[1], ground(tile.y), 0.51);
             }
         }
     }
 }
 
 TEST(TileSource, theNearestAncestorStandsInAndABrokenTileLeavesAGap) {
-    const auto flat = [](int shade) {
-        return paintedTile(16, [=](int, int) { return std::array{shade, 0, 0}; });
-    };
+    const auto flat = [](int shade) { return plain(16, 16, std::array{shade, 0, 0}); };
     auto store = std::make_unique<FakeStore>();
     store->add({0, 0, 0}, flat(10)->pngData());
     store->add({1, 1, 1}, flat(20)->pngData());
@@ -104,7 +73,7 @@ TEST(TileSource, theNearestAncestorStandsInAndABrokenTileLeavesAGap) {
     for (const auto& [tile, shade] : shades) {
         const auto image = source.imageFor(tile);
         ASSERT_TRUE(image);
-        EXPECT_EQ(red(*image, 8, 8), shade);
+        EXPECT_EQ(pixelAt(*image, 8, 8)[0], shade);
     }
     EXPECT_FALSE(source.imageFor({0, 1, 1}));
     EXPECT_FALSE(source.imageFor({1, 7, 3})) << "below the broken tile";

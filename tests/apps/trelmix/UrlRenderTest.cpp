@@ -1,45 +1,34 @@
 // The program draws a scene whose tiles come from a server.
-#include "support/AnswerSamples.h"
-#include "support/ScratchFolder.h"
+#include "apps/trelmix/ProgramFixture.h"
 #include "support/TileServer.h"
 
-#include <Trelmix/Platform/UIImage.h>
-
 #include <atomic>
-#include <cstdlib>
 #include <functional>
-#include <gtest/gtest.h>
 #include <optional>
 
-namespace trelmix {
+namespace trelmix::apps {
 namespace {
 
-class UrlRender : public ::testing::Test {
+class UrlRender : public ProgramTest {
 protected:
-    int render(const std::string& options) const {
+    Outcome render(const std::string& options) const {
         folder.write("scene.json",
                      R"({"view": {"width": 300, "height": 200, "background": "#00ff00"},
                          "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17},
                          "tiles": [{"url": ")" +
                          server.address() + R"(/{z}/{x}/{y}@2x.png?key=secret"}]})");
-        const std::string command = "cd '" + folder.path("") +
-                                    "' && '" TRELMIX_PROGRAM "' render scene.json -o a.png " + options +
-                                    " 2>err";
-        const int status = std::system(command.c_str());
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return run("render scene.json -o a.png " + options);
     }
-    /// Red in the middle of the picture; 0 when there is none.
+    /// Red in the middle of the picture; -1 when there is none.
     int red() const {
-        const std::string bytes = bytesOf(folder.path("a.png"));
-        const auto image = UIImage::withData(std::as_bytes(std::span(bytes)));
-        return image ? image->pixels()[(50U * 300 + 50) * 4] : 0;
+        const auto image = picture("a.png");
+        return image ? colorAt(*image, 50, 50)[0] : -1;
     }
     static TileReply tile() {
-        static const auto png = UIImage::withPixels(8, 8, std::vector<std::uint8_t>(256, 255))->pngData();
+        static const auto png = plain(8, 8, std::array{255, 255, 255})->pngData();
         return TileReply::ok(std::string(reinterpret_cast<const char*>(png.data()), png.size()));
     }
 
-    apps::ScratchFolder folder;
     std::atomic<bool> isHeld = false;
     std::function<std::optional<TileReply>(const TileRequest&)> refusal;
     TileServer server{[this](const TileRequest& request) {
@@ -53,11 +42,11 @@ protected:
 };
 
 TEST_F(UrlRender, waitsForTheTilesAndTakesThemFromTheCacheTheNextTime) {
-    EXPECT_EQ(render("--cache kept --user-agent Somebody/1"), 0);
+    EXPECT_EQ(render("--cache kept --user-agent Somebody/1").exitCode, 0);
     EXPECT_EQ(red(), 255);
     const std::size_t asked = server.paths().size();
     server.stop();
-    EXPECT_EQ(render("--cache kept --user-agent Somebody/1"), 0);
+    EXPECT_EQ(render("--cache kept --user-agent Somebody/1").exitCode, 0);
     EXPECT_EQ(red(), 255);
     EXPECT_EQ(server.paths().size(), asked);
 }
@@ -81,8 +70,9 @@ TEST_F(UrlRender, tellsOfALayerThatFailsOrGivesNothingButNotOfSingleGaps) {
                        ? std::optional(TileReply::of(status, ""))
                        : std::nullopt;
         };
-        EXPECT_EQ(render(std::string("--cache off --user-agent Somebody/1") + option), code) << status;
-        const std::string said = bytesOf(folder.path("err"));
+        const auto [exitCode, output, said] =
+            render(std::string("--cache off --user-agent Somebody/1") + option);
+        EXPECT_EQ(exitCode, code) << status;
         const std::string line = " tiles of " + server.address() + "/{z}/{x}/{y}@2x.png failed: status " +
                                  std::string(status).substr(0, 3) + "\n";
         const bool isToldOf = isEverywhere || code != 0;
@@ -91,13 +81,20 @@ TEST_F(UrlRender, tellsOfALayerThatFailsOrGivesNothingButNotOfSingleGaps) {
     }
 }
 
-TEST_F(UrlRender, tilesThatDoNotComeInTimeAreReported) {
+TEST_F(UrlRender, tilesThatDoNotComeInTimeAreReportedAndThePictureIsWrittenAllTheSame) {
     isHeld = true;
-    EXPECT_EQ(render("--cache off --user-agent Somebody/1 --timeout 0.5"), 4);
-    EXPECT_EQ(red(), 0);
-    EXPECT_EQ(render("--ca-file missing.pem"), 2);
-    EXPECT_NE(bytesOf(folder.path("err")).find("--ca-file missing.pem: "), std::string::npos);
+    for (const auto& [option, code] : {std::pair{"", 4}, {" --allow-missing-tiles", 0}}) {
+        std::filesystem::remove(folder.path("a.png"));
+        const Outcome late =
+            render(std::string("--cache off --user-agent Somebody/1 --timeout 0.5") + option);
+        EXPECT_EQ(late.exitCode, code) << late.errors;
+        EXPECT_NE(late.errors.find("tiles were not answered in time"), std::string::npos) << late.errors;
+        EXPECT_EQ(red(), 0);
+    }
+    const Outcome lost = render("--ca-file missing.pem");
+    EXPECT_EQ(lost.exitCode, 2);
+    EXPECT_NE(lost.errors.find("--ca-file missing.pem: "), std::string::npos);
 }
 
 } // namespace
-} // namespace trelmix
+} // namespace trelmix::apps

@@ -91,9 +91,7 @@ TEST_F(WindowTest, sSavesWhatTheWindowShows) {
     for (const std::string& line : lines) {
         EXPECT_TRUE(line.starts_with("saved map-")) << line;
     }
-    std::ifstream file(folder.path(lines.back().substr(6)), std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    const auto saved = UIImage::withData(std::as_bytes(std::span(bytes)));
+    const auto saved = decoded(folder.text(lines.back().substr(6)));
     ASSERT_TRUE(saved);
     EXPECT_EQ(saved->pixelWidth(), 640);
     EXPECT_EQ(saved->pixelHeight(), 480);
@@ -129,8 +127,7 @@ TEST_F(WindowTest, theProgramTellsWhyItCannotStart) {
         const std::string command = "cd '" + folder.path("") + "' && " + c.environment +
                                     " '" TRELMIX_VIEW "' " + c.arguments + " >out 2>err";
         const int status = std::system(command.c_str());
-        std::ifstream file(folder.path("err"));
-        const std::string errors{std::istreambuf_iterator<char>(file), {}};
+        const std::string errors = folder.text("err");
         EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, c.exitCode) << c.arguments << errors;
         EXPECT_NE(errors.find(c.message), std::string::npos) << c.arguments << errors;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/Pixels.h"
 #include "support/ScratchFolder.h"
 #include "view/ViewApp.h"
 
@@ -150,8 +151,7 @@ protected:
         if (!image || x >= image->pixelWidth() || y >= image->pixelHeight()) {
             return {-1, -1, -1};
         }
-        const auto at = image->pixels().subspan(static_cast<std::size_t>(y * image->pixelWidth() + x) * 4, 3);
-        return {at[0], at[1], at[2]};
+        return colorAt(*image, x, y);
     }
     static SDL_Window* sdlWindow() {
         SDL_Window* window = nullptr;
@@ -167,11 +167,7 @@ protected:
 
     /// A picture of one colour, as a file.
     void writeImage(const std::string& name, int width, int height, std::array<std::uint8_t, 3> color) {
-        std::vector<std::uint8_t> pixels;
-        for (int i = 0; i < width * height; ++i) {
-            pixels.insert(pixels.end(), {color[0], color[1], color[2], 255});
-        }
-        folder.write(name, UIImage::withPixels(width, height, std::move(pixels))->pngData());
+        folder.write(name, plain(width, height, color)->pngData());
     }
 
     ScratchFolder folder;

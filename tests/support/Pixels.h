@@ -1,0 +1,55 @@
+#pragma once
+
+#include <Trelmix/Platform/UIImage.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace trelmix {
+
+/// An opaque picture whose pixel (x, y) has the colour that `color(x, y)` gives: {red, green, blue}, 0 to
+/// 255.
+template <class Color>
+std::shared_ptr<const UIImage> painted(int width, int height, const Color& color) {
+    std::vector<std::uint8_t> pixels;
+    pixels.reserve(4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            for (const auto channel : color(x, y)) {
+                pixels.push_back(static_cast<std::uint8_t>(channel));
+            }
+            pixels.push_back(255);
+        }
+    }
+    return UIImage::withPixels(width, height, std::move(pixels));
+}
+
+/// One colour everywhere.
+template <class Channel>
+std::shared_ptr<const UIImage> plain(int width, int height, const std::array<Channel, 3>& color) {
+    return painted(width, height, [&](int, int) { return color; });
+}
+
+/// Red, green, blue and alpha.
+inline std::array<int, 4> pixelAt(const UIImage& image, int x, int y) {
+    const auto at = image.pixels().subspan(static_cast<std::size_t>(y * image.pixelWidth() + x) * 4, 4);
+    return {at[0], at[1], at[2], at[3]};
+}
+
+/// Red, green and blue.
+inline std::array<int, 3> colorAt(const UIImage& image, int x, int y) {
+    const auto pixel = pixelAt(image, x, y);
+    return {pixel[0], pixel[1], pixel[2]};
+}
+
+/// Nothing when these are not a picture's bytes.
+inline std::shared_ptr<const UIImage> decoded(const std::string& bytes) {
+    return UIImage::withData(std::as_bytes(std::span(bytes)));
+}
+
+} // namespace trelmix
