@@ -1,6 +1,6 @@
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 #include "support/TouchStory.h"
 
 #include <Trelmix/TrelmixMapCircle.h>

@@ -102,8 +102,8 @@ TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
     }
     EXPECT_EQ(inkCount(*shrunk, kNothing), 64);
 
-    const auto dot = plain(1, 1, std::array{255, 0, 0});
-    Canvas grown(*plain(8, 8, std::array{255, 255, 255}));
+    const auto dot = plainImage(1, 1, std::array{255, 0, 0});
+    Canvas grown(*plainImage(8, 8));
     grown.clipRect({{0, 0}, {8, 4}});
     grown.drawImage(*dot, {{0, 0}, {8, 8}}, 0.6);
     EXPECT_EQ(pixelAt(*grown.image(), 0, 0), (Pixel{255, 102, 102, 255}));

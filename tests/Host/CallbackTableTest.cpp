@@ -1,7 +1,7 @@
 // Inside every callback an application may make every call, and destroy what it likes.
 #include "Platform/Foundation/SceneLock.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <Trelmix/Host/OffscreenHost.h>
 #include <Trelmix/Host/ViewHost.h>

@@ -2,7 +2,7 @@
 
 #include "Render/GLContext.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 #include "support/TestWindow.h"
 
 #include <Trelmix/Host/ViewHost.h>

@@ -1,7 +1,7 @@
 // Touches as a window hands them over.
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <Trelmix/Host/ViewHost.h>
 #include <Trelmix/TrelmixMapEngineFactory.h>

@@ -2,7 +2,7 @@
 #include "Overlays/ScenePlace.h"
 #include "Platform/Scene/DrawItemBuilder.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,7 +1,7 @@
 #include "Overlays/MarkerNode.h"
 #include "Geo/GeoUtils.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <cmath>
 #include <limits>

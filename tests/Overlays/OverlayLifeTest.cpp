@@ -1,7 +1,7 @@
 // What every kind of overlay has in common: coming, going, and staying behind.
 
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <Trelmix/TrelmixMapEngineFactory.h>
 

@@ -53,8 +53,8 @@ std::shared_ptr<TrelmixLevelPlanNode> plan(std::shared_ptr<const UIImage> image)
 TEST(LevelPlan, coversTheTilesInEveryPixelBetweenItsProjectedCorners) {
     Stage stage({});
     constexpr Rgb tiles{0, 255, 255};
-    stage.addTiles(
-        std::make_shared<TilePainter>([&](std::int64_t, std::int64_t) { return plain(256, 256, tiles); }));
+    stage.addTiles(std::make_shared<TilePainter>(
+        [&](std::int64_t, std::int64_t) { return plainImage(256, 256, tiles); }));
     const auto node = stage.add(plan(quarters(500, 300)));
     for (const auto& [turn, rotation, tilt] : {std::tuple{0.0, 0.0, 0.0},
                                                {30.0, 0.0, 0.0},

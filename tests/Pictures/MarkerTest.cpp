@@ -13,7 +13,8 @@ constexpr Rgb kBlue{0, 0, 255};
 constexpr Rgb kWhite{255, 255, 255};
 
 std::shared_ptr<TrelmixMapMarker> markerAt(CLLocationCoordinate2D coordinate, CGPoint anchor) {
-    auto marker = TrelmixMapEngineFactory::createMapMarkerWith(plain(kWidth, kHeight, kBlue), coordinate);
+    auto marker =
+        TrelmixMapEngineFactory::createMapMarkerWith(plainImage(kWidth, kHeight, kBlue), coordinate);
     marker->setGroundAnchor(anchor);
     return marker;
 }
@@ -55,7 +56,7 @@ TEST(Markers, standUprightOnTheirCoordinateAndKeepTheirSize) {
         const auto marker = stage.add(markerAt(kPlace, anchor));
         if (anchor.y < 1) {
             // A white icon in a blue tint is a blue one.
-            marker->setMarkerIcon(plain(kWidth, kHeight, kWhite));
+            marker->setMarkerIcon(plainImage(kWidth, kHeight, kWhite));
             stage.draw();
             marker->setTint(UIColor::blueColor());
         }

@@ -79,7 +79,7 @@ Picture Stage::draw() {
     }
     auto image = host->image();
     EXPECT_TRUE(image) << image.reason();
-    return image ? Picture(*image) : Picture(plain(800, 600, Rgb{}));
+    return image ? Picture(*image) : Picture(plainImage(800, 600, Rgb{}));
 }
 
 bool isWithinTileReach(int y, double tilt) {

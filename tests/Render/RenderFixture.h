@@ -3,7 +3,7 @@
 #include "Platform/Scene/DrawList.h"
 #include "Render/GLContext.h"
 #include "Render/Renderer.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <algorithm>
 #include <array>
@@ -129,12 +129,6 @@ protected:
     GLCapabilities capabilities;
     std::unique_ptr<Renderer> renderer;
 };
-
-inline Rgba pixelAt(const UIImage& image, int x, int y) {
-    const auto at = static_cast<std::size_t>((y * image.pixelWidth() + x) * 4);
-    const auto pixels = image.pixels();
-    return {pixels[at], pixels[at + 1], pixels[at + 2], pixels[at + 3]};
-}
 
 /// All values of the red channel.
 inline std::set<int> levelsIn(const UIImage& image) {

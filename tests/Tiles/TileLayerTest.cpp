@@ -2,7 +2,7 @@
 
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 
 #include <algorithm>
 #include <functional>

@@ -3,7 +3,7 @@
 #include "Tiles/MapTileNode.h"
 
 #include "support/EngineFixture.h"
-#include "support/PlainImage.h"
+#include "support/Pixels.h"
 #include "support/ScratchFolder.h"
 #include "support/TileServer.h"
 

@@ -29,9 +29,19 @@ std::shared_ptr<const UIImage> painted(int width, int height, const Color& color
     return UIImage::withPixels(width, height, std::move(pixels));
 }
 
-/// One colour everywhere.
+/// A picture of one colour, premultiplied.
+inline std::shared_ptr<const UIImage> plainImage(int width, int height,
+                                                 std::array<std::uint8_t, 4> color = {255, 255, 255, 255}) {
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < width * height; ++i) {
+        pixels.insert(pixels.end(), color.begin(), color.end());
+    }
+    return UIImage::withPixels(width, height, std::move(pixels));
+}
+
+/// The same, opaque.
 template <class Channel>
-std::shared_ptr<const UIImage> plain(int width, int height, const std::array<Channel, 3>& color) {
+std::shared_ptr<const UIImage> plainImage(int width, int height, const std::array<Channel, 3>& color) {
     return painted(width, height, [&](int, int) { return color; });
 }
 

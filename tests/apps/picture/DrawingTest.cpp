@@ -23,8 +23,7 @@ TEST(Attribution, staysInsideThePictureHoweverSmallThatIs) {
     EXPECT_FALSE(attributionImage("", 1, 100));
     EXPECT_FALSE(attributionImage(text, 1, -7));
     for (const int side : {1, 9, 60, 500}) {
-        const auto marked = withAttribution(plain(side, side, std::array{255, 255, 255}),
-                                            attributionImage(text, 1, side - 8));
+        const auto marked = withAttribution(plainImage(side, side), attributionImage(text, 1, side - 8));
         ASSERT_TRUE(marked);
         EXPECT_EQ(marked->pixelWidth(), side);
         EXPECT_TRUE(marked->isOpaque());

@@ -269,8 +269,8 @@ std::vector<SectionCase> sections() {
 }
 
 void writeFiles(const ScratchFolder& folder) {
-    folder.write("six.png", plain(6, 6, std::array{255, 255, 255})->pngData());
-    folder.write("nine.png", plain(9, 9, std::array{255, 255, 255})->pngData());
+    folder.write("six.png", plainImage(6, 6)->pngData());
+    folder.write("nine.png", plainImage(9, 9)->pngData());
     folder.write("dot.geojson", R"({"type": "Point", "coordinates": [0, 0], "attribution": "dots"})");
     folder.write("town.geojson", R"({"type": "FeatureCollection", "features": [
         {"type": "Feature", "properties": {"kind": "park", "rank": 1.0}, "geometry":

@@ -62,7 +62,7 @@ TEST(TileSource, whatCrossesTheEdgeOfTwoAncestorsRunsOnWithoutAStep) {
 }
 
 TEST(TileSource, theNearestAncestorStandsInAndABrokenTileLeavesAGap) {
-    const auto flat = [](int shade) { return plain(16, 16, std::array{shade, 0, 0}); };
+    const auto flat = [](int shade) { return plainImage(16, 16, std::array{shade, 0, 0}); };
     auto store = std::make_unique<FakeStore>();
     store->add({0, 0, 0}, flat(10)->pngData());
     store->add({1, 1, 1}, flat(20)->pngData());

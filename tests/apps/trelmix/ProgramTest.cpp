@@ -42,7 +42,7 @@ TEST_F(LocalProgramTest, badInputGivesOneLineAndExitCodeTwo) {
                  R"({"markers": [{"coordinate": {"lat": 0, "lon": 0}, "icon": "text.mbtiles"}]})");
     folder.write("bad.geojson", R"({"type": "Point", "coordinates": [0, 100]})");
     folder.write("geojson.json", R"({"geojson": [{"file": "bad.geojson"}]})");
-    folder.write("side.png", plain(8, 8, kGround)->pngData());
+    folder.write("side.png", plainImage(8, 8, kGround)->pngData());
     folder.write("lost.json", R"({"camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17},
         "sideView": {"image": "side.png", "levels": "none.json"}})");
     folder.write("wide.json", R"({"camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17}})");
@@ -99,7 +99,7 @@ TEST_F(LocalProgramTest, badInputGivesOneLineAndExitCodeTwo) {
 }
 
 TEST_F(LocalProgramTest, rendersTilesInTheirPlacesWithGapsAndAttribution) {
-    writeArchive(plain(64, 64, kGround)->pngData());
+    writeArchive(plainImage(64, 64, kGround)->pngData());
     ASSERT_EQ(run("render town.json -o a.png --no-attribution").exitCode, 0);
     const auto plain = picture("a.png");
     ASSERT_TRUE(plain);
@@ -215,7 +215,7 @@ TEST_F(LocalProgramTest, anOutputThatTakesNothingIsAFailure) {
 }
 
 TEST_F(LocalProgramTest, aDataFileIsASceneOfItsOwn) {
-    writeArchive(plain(64, 64, kGround)->pngData());
+    writeArchive(plainImage(64, 64, kGround)->pngData());
     folder.write("spread.geojson", R"({"type": "MultiPoint", "attribution": "others",
         "coordinates": [[0, 0], [40, 0], [0, 50], [21, 26]]})");
     EXPECT_EQ(run("render town.mbtiles -o a.png").exitCode, 0);
@@ -236,7 +236,7 @@ TEST_F(LocalProgramTest, viewSaysWhatIsMissingWhenThereIsNoWindowProgram) {
 }
 
 TEST_F(LocalProgramTest, aSideViewIsWrittenAsHighAsItsPictureOrAsAsked) {
-    folder.write("side.png", plain(400, 100, std::array{200, 200, 200})->pngData());
+    folder.write("side.png", plainImage(400, 100, std::array{200, 200, 200})->pngData());
     folder.write("levels.json", R"({"bearing": 90, "southLatitude": -0.001, "northLatitude": 0.001,
         "westLongitude": -0.002, "eastLongitude": 0.002,
         "levels": [{"levelNumber": 3, "levelbounds": [{"relativeheight": 0, "ceilingheight": 5}]}]})");

@@ -25,7 +25,7 @@ protected:
         return image ? colorAt(*image, 50, 50)[0] : -1;
     }
     static TileReply tile() {
-        static const auto png = plain(8, 8, std::array{255, 255, 255})->pngData();
+        static const auto png = plainImage(8, 8)->pngData();
         return TileReply::ok(std::string(reinterpret_cast<const char*>(png.data()), png.size()));
     }
 

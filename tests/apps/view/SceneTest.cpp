@@ -114,7 +114,7 @@ TEST_F(SceneWindowTest, theOldPictureStaysUntilTheNextOneIsThere) {
         ArchiveWriter archive(folder.path("tiles.mbtiles"));
         archive.metadata("minzoom", "13");
         archive.metadata("maxzoom", "13");
-        archive.tile(13, 4323, 2649, plain(256, 256, Color{200, 0, 0})->pngData());
+        archive.tile(13, 4323, 2649, plainImage(256, 256, Color{200, 0, 0})->pngData());
     }
     const auto scene = [](const std::string& background) {
         return R"({"view": {"width": 640, "height": 480, "background": ")" + background +

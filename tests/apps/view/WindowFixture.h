@@ -167,7 +167,7 @@ protected:
 
     /// A picture of one colour, as a file.
     void writeImage(const std::string& name, int width, int height, std::array<std::uint8_t, 3> color) {
-        folder.write(name, plain(width, height, color)->pngData());
+        folder.write(name, plainImage(width, height, color)->pngData());
     }
 
     ScratchFolder folder;
