@@ -153,7 +153,6 @@ void ImagePainter::useUpright(VertexArrays& arrays) {
     constexpr GLfloat kIdentity[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     glUseProgram(_plain.program.name());
     glUniformMatrix4fv(_plain.matrix, 1, GL_FALSE, kIdentity);
-    _plain.isCurrent = false;
     arrays.enable(0x3);
 }
 

@@ -3,6 +3,8 @@
 
 #include <Trelmix/Host/OffscreenHost.h>
 
+#include <GLES3/gl3.h>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -122,15 +124,19 @@ TEST_F(ViewHostTest, aFrameWithoutChangesLeavesTheWindowAlone) {
 }
 
 TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
-    GLuint names[2];
+    const bool isThree = context->capabilities().majorVersion >= 3;
+    GLuint names[3] = {};
     glGenTextures(1, &names[0]);
     glGenBuffers(1, &names[1]);
+    if (isThree) {
+        glGenSamplers(1, &names[2]);
+        glBindSampler(0, names[2]);
+    }
     glActiveTexture(GL_TEXTURE1);
     glBindTexture(GL_TEXTURE_2D, names[0]);
     glBindBuffer(GL_ARRAY_BUFFER, names[1]);
     glEnable(GL_SCISSOR_TEST);
     glScissor(1, 2, 3, 4);
-    glEnable(GL_BLEND);
     glEnable(GL_DEPTH_TEST);
     glEnable(GL_CULL_FACE);
     glVertexAttribPointer(1, 2, GL_SHORT, GL_TRUE, 12, nullptr);
@@ -140,7 +146,7 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
     glClearColor(0.25F, 0.5F, 0.75F, 0.125F);
     glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, GL_TRUE);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
-    const auto state = [] {
+    const auto state = [isThree] {
         std::vector<GLint> values;
         for (const int name :
              {GL_ACTIVE_TEXTURE, GL_TEXTURE_BINDING_2D, GL_ARRAY_BUFFER_BINDING, GL_SCISSOR_TEST,
@@ -154,22 +160,34 @@ TEST_F(ViewHostTest, theApplicationsStateIsAsItWas) {
         for (const int name : {GL_VERTEX_ATTRIB_ARRAY_STRIDE, GL_VERTEX_ATTRIB_ARRAY_ENABLED}) {
             glGetVertexAttribiv(1, static_cast<GLenum>(name), &values.emplace_back());
         }
+        glActiveTexture(GL_TEXTURE0);
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &values.emplace_back());
+        if (isThree) {
+            glGetIntegerv(GL_SAMPLER_BINDING, &values.emplace_back());
+        }
+        glActiveTexture(static_cast<GLenum>(values[0]));
         GLfloat color[4] = {};
         glGetFloatv(GL_COLOR_CLEAR_VALUE, color);
         std::transform(std::begin(color), std::end(color), std::back_inserter(values),
                        [](GLfloat part) { return static_cast<GLint>(std::lround(part * 1000)); });
         return values;
     };
-    const auto before = state();
     host->setOverlayImages({{plainImage(4, 4, {0, 0, 255, 255}), {{0, 0}, {4, 4}}}});
-    EXPECT_EQ(frame(), Drawing::drawn);
-    EXPECT_TRUE(host->image());
-    EXPECT_EQ(state(), before);
+    for (const auto setBlending : {glEnable, glDisable}) {
+        setBlending(GL_BLEND);
+        const auto before = state();
+        EXPECT_EQ(frame(true), Drawing::drawn);
+        EXPECT_TRUE(host->image());
+        EXPECT_EQ(state(), before);
+    }
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     glDisable(GL_SCISSOR_TEST);
     EXPECT_EQ(window->pixel(50, 50), kRed) << "drawn whole in spite of it";
     glDeleteTextures(1, &names[0]);
     glDeleteBuffers(1, &names[1]);
+    if (isThree) {
+        glDeleteSamplers(1, &names[2]);
+    }
 }
 
 TEST_F(ViewHostTest, aPictureMadeMeanwhileLeavesTheWindowsContextCurrent) {

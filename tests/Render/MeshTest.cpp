@@ -124,7 +124,8 @@ TEST_F(RenderTest, aProgramThatTheDriverRefusesFailsEachFrameThatNeedsItInTheDri
         item->program = program;
         return item;
     };
-    const auto good = discItem({}, 5, {0, 0, 1, 1}, 9);
+    // Of the same vertex shader.
+    const auto good = bandItem({{-9, 0, 0}, {9, 0, 0}}, 6, {0, 0, 1, 1});
     const DrawCamera camera = cameraAt({}, 16);
     for (const char* fragment :
          {"#version 100 \nnonsense", "",

@@ -40,10 +40,10 @@ TEST_F(RenderTest, premultipliedColoursBlendOnceByOpacityTintAndCoverage) {
             auto top = imageItem(plainImage(8, 8, c.top), ground(-20, -20, 20, 20), 2, usesLevels);
             top->opacity = c.opacity;
             top->color = c.tint;
-            const auto shown =
-                picture(frameOf({imageItem(plainImage(8, 8, below), ground(-20, -20, 20, 20), 1), top},
-                                cameraAt({}, 32)),
-                        32, 32);
+            const auto shown = picture(
+                frameOf({imageItem(plainImage(8, 8, below), ground(-20, -20, 20, 20), 1, usesLevels), top},
+                        cameraAt({}, 32)),
+                32, 32);
             for (std::size_t i = 0; i < 4; ++i) {
                 const double alpha = c.top[3] / 255.0 * c.opacity * c.tint[3];
                 EXPECT_NEAR(pixelAt(*shown, 16, 16)[i],

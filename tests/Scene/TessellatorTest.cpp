@@ -185,6 +185,13 @@ TEST(Tessellator, degenerateOutlinesEncloseNothingAndHopelessOnesAreLeftOut) {
     const Points repeated{{0, 0}, {0, 0}, {9, 0}, {9, 0}, {9, 9}, {9, 9}, {4, 9}, {0, 9}, {0, 0}, {0, 0}};
     EXPECT_NEAR(filledArea(tessellate(pathOf({repeated}))), 81, 1e-4);
     EXPECT_EQ(tessellate(pathOf({star(20001, 10000, 1e5)})), nullptr); // 2e8 crossings
+    std::vector<Points> needles;
+    for (int i = 0; i < 220; ++i) {
+        const double angle = kTurn * i / 440;
+        const CGPoint tip{1e5 * std::cos(angle), 1e5 * std::sin(angle)};
+        needles.push_back({{-tip.x, -tip.y}, {tip.x, tip.y}, {tip.x - 50 * tip.y / 1e5, tip.y + 50}});
+    }
+    EXPECT_EQ(tessellate(pathOf(needles)), nullptr); // closing edges cross as well as the others
     Points ragged;
     for (int i = 0; i < 400000; ++i) {
         const double angle = kTurn * i / 400000;
