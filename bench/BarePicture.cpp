@@ -64,10 +64,16 @@ void point(GLuint attribute, GLint size, int stride, int offset) {
 
 } // namespace
 
-BarePicture::BarePicture(const GLContext& context, const Scene& scene, int width, int height, int samples)
-    : _graveyard(context.graveyard()), _target(context.capabilities(), _graveyard) {
-    if (!_target.resize(width, height, samples).empty()) {
-        std::exit(1);
+BarePicture::BarePicture(const GLContext& context, const Scene& scene, const RenderArea& window, int samples)
+    : _graveyard(context.graveyard()), _capabilities(context.capabilities()), _window(window) {
+    if (samples > 1) {
+        _sampled = GLRenderbuffer::make(_graveyard);
+        glBindRenderbuffer(GL_RENDERBUFFER, _sampled.name());
+        _capabilities.renderbufferStorageMultisample(GL_RENDERBUFFER, samples, GL_RGBA8_OES, window.width,
+                                                     window.height);
+        _beside = GLFramebuffer::make(_graveyard);
+        glBindFramebuffer(GL_FRAMEBUFFER, _beside.name());
+        glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, _sampled.name());
     }
     _images = makeProgram(kImageVertex, kImageFragment);
     _fills = makeProgram(kFillVertex, kFillFragment);
@@ -225,8 +231,23 @@ void BarePicture::drawTiles(const Matrix4d& clip) {
     glEnable(GL_BLEND);
 }
 
+void BarePicture::bindForDrawing() const {
+    glBindFramebuffer(GL_FRAMEBUFFER, _beside ? _beside.name() : _window.framebuffer);
+    glViewport(_window.x, _window.y, _window.width, _window.height);
+}
+
+void BarePicture::resolve() const {
+    if (_beside) {
+        const GLint right = _window.width;
+        const GLint top = _window.height;
+        glBindFramebuffer(GL_READ_FRAMEBUFFER_ANGLE, _beside.name());
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER_ANGLE, _window.framebuffer);
+        _capabilities.blitFramebuffer(0, 0, right, top, 0, 0, right, top, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    }
+}
+
 void BarePicture::draw(const Matrix4d& clip) {
-    _target.bindForDrawing();
+    bindForDrawing();
     glClearColor(1, 1, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     const auto matrix = clip.narrowedValues();
@@ -272,7 +293,7 @@ void BarePicture::draw(const Matrix4d& clip) {
         point(1, 2, 5, 3);
         drawMesh(_markers);
     }
-    _target.resolve();
+    resolve();
 }
 
 } // namespace trelmix::bench

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "BareScene.h"
-#include "Render/FrameTarget.h"
 #include "Render/GLContext.h"
 #include "Render/GLShader.h"
+#include "Render/Renderer.h"
 
 #include <array>
 #include <memory>
@@ -11,14 +11,17 @@
 
 namespace trelmix::bench {
 
-/// A scene drawn with no more calls and no more thought than it takes.
+/// A scene drawn into a window with no more calls and no more thought than it takes: straight into it with
+/// one sample, with more beside it and resolved there by the driver.
 class BarePicture {
 public:
-    BarePicture(const GLContext& context, const Scene& scene, int width, int height, int samples);
+    BarePicture(const GLContext& context, const Scene& scene, const RenderArea& window, int samples);
     void writeMarkers(const Scene& scene);
     void draw(const Matrix4d& clip);
 
 private:
+    void bindForDrawing() const;
+    void resolve() const;
     struct Quad {
         GLTexture texture;
         std::array<Vector3d, 4> corners;
@@ -39,7 +42,10 @@ private:
     void drawTiles(const Matrix4d& clip);
 
     std::shared_ptr<GLGraveyard> _graveyard;
-    FrameTarget _target;
+    GLCapabilities _capabilities;
+    RenderArea _window;
+    GLRenderbuffer _sampled;
+    GLFramebuffer _beside;
     GLProgram _images, _fills, _lines, _circles;
     std::vector<Quad> _tiles;
     GLBuffer _tileVertices;

@@ -9,6 +9,8 @@
 #include "Render/GLContext.h"
 #include "Render/GLShader.h"
 
+#include <Trelmix/Host/OffscreenHost.h>
+
 #include <array>
 #include <cmath>
 #include <cstdio>

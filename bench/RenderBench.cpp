@@ -1,12 +1,14 @@
 // Whole frames of the renderer against the same picture drawn by plain OpenGL ES calls in the same run: the
-// same textures, filter, blending, samples, clear and resolve; quads out of view left out; markers, polygons
-// and lines one buffer and one call a kind; ended by glFinish, nothing read back. Both sides get a new camera
-// every frame, and frames alternate, so that what else the machine does hits both.
+// same textures, filter, blending, samples and clear; quads out of view left out; markers, polygons and lines
+// one buffer and one call a kind; ended by glFinish, nothing read back. Both sides draw into one bitmap that
+// stands for the window, so that no copy can hide. Both get a new camera every frame, and frames alternate,
+// so that what else the machine does hits both.
 
 #include "BarePicture.h"
 #include "Render/GLContext.h"
 #include "Render/Renderer.h"
 #include "Report.h"
+#include "Window.h"
 
 #include <cmath>
 #include <cstdio>
@@ -19,10 +21,13 @@
 namespace trelmix::bench {
 namespace {
 
+/// Several samples where the window has none: the picture is resolved beside it, then copied.
+constexpr double kSampledGoal = 1.3;
+
 struct Case {
     const char* name;
     SceneSize scene;
-    /// The most that a frame may take, in bare frames.
+    /// The most that a frame of one sample may take, in bare frames.
     double goal;
     bool movesMarkers = false;
 };
@@ -51,9 +56,11 @@ std::string nameOf(const Case& c, const View& view) {
 
 /// How many draw calls a frame made.
 int measure(GLContext& context, const Case& c, const View& view, int frames) {
-    Renderer renderer(context.capabilities(), context.graveyard(), {view.samples, 0, 1e9});
+    Renderer renderer(context.capabilities(), context.graveyard(), {.samples = view.samples});
     Scene scene = makeScene(c.scene);
-    BarePicture bare(context, scene, view.width, view.height, view.samples);
+    const FrameTarget bitmap = makeBitmap(context, view.width, view.height);
+    const RenderArea window = areaOf(bitmap);
+    BarePicture bare(context, scene, window, view.samples);
     std::vector<double> ours;
     std::vector<double> theirs;
     int drawCalls = 0;
@@ -67,7 +74,7 @@ int measure(GLContext& context, const Case& c, const View& view, int frames) {
         drawn.list = scene.list;
         glFinish();
         const double start = seconds();
-        const auto drawing = renderer.draw(drawn, view.width, view.height);
+        const auto drawing = renderer.drawInto(drawn, window);
         glFinish();
         const double middle = seconds();
         if (c.movesMarkers) {
@@ -86,7 +93,8 @@ int measure(GLContext& context, const Case& c, const View& view, int frames) {
             theirs.push_back((end - middle) * 1000);
         }
     }
-    report({nameOf(c, view), median(ours), "ms", median(theirs), Goal{Goal::Kind::ratioAtMost, c.goal}});
+    report({nameOf(c, view), median(ours), "ms", median(theirs),
+            Goal{Goal::Kind::ratioAtMost, view.samples > 1 ? kSampledGoal : c.goal}});
     return drawCalls;
 }
 
@@ -97,12 +105,12 @@ int run(int frames) {
         return 3;
     }
     startTable("whole frames, " + (*context)->capabilities().renderer);
-    const Case cases[] = {{"tiles", {}, 1.25},
-                          {"tiles, 1,000 markers", {.markers = 1000}, 1.5},
-                          {"tiles, 10,000 markers", {.markers = 10000}, 1.5},
-                          {"tiles, 1,000 moving markers", {.markers = 1000}, 1.5, true},
-                          {"tiles, 500 polygons and lines", {.polygons = 500, .lines = 500}, 2},
-                          {"tiles, 500 circles", {.circles = 500}, 2}};
+    const Case cases[] = {{"tiles", {}, 1.1},
+                          {"tiles, 1,000 markers", {.markers = 1000}, 1.1},
+                          {"tiles, 10,000 markers", {.markers = 10000}, 1.1},
+                          {"tiles, 1,000 moving markers", {.markers = 1000}, 1.1, true},
+                          {"tiles, 500 polygons and lines", {.polygons = 500, .lines = 500}, 1.1},
+                          {"tiles, 500 circles", {.circles = 500}, 1.1}};
     for (const int samples : {1, 4}) {
         for (const auto& [width, height] : {std::pair{800, 600}, {1280, 720}}) {
             for (const double tilt : {0.0, 0.7853981633974483}) {

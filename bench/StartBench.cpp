@@ -81,7 +81,9 @@ double drawBare() {
     DrawCamera camera;
     camera.position = {0, 0, kSize.height * 0.7 * 0.5 / std::tan(camera.fieldOfView * 0.5)};
     const double start = seconds();
-    BarePicture bare(**context, scene, static_cast<int>(kSize.width), static_cast<int>(kSize.height), 1);
+    const FrameTarget bitmap =
+        makeBitmap(**context, static_cast<int>(kSize.width), static_cast<int>(kSize.height));
+    BarePicture bare(**context, scene, areaOf(bitmap), 1);
     bare.draw(camera.clipFromScene({}, kSize.width / kSize.height));
     glFinish();
     return (seconds() - start) * 1000;

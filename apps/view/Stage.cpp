@@ -39,7 +39,7 @@ Result<std::unique_ptr<Stage>> Stage::make(Window& window, const LoadedScene& sc
 
 std::string Stage::enterWindow(const ScreenLayout& layout, bool keepsPicture) {
     _isShown = !keepsPicture;
-    auto host = ViewHost::make(_map.engine, layout.hostLayout(), {});
+    auto host = ViewHost::make(_map.engine, layout.hostLayout(), {.contextIsOurs = true});
     if (!host) {
         return host.reason();
     }

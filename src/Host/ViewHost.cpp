@@ -153,15 +153,19 @@ public:
     }
 
     Result<std::shared_ptr<const UIImage>> image() override {
-        if (!_renderer) {
-            return Result<std::shared_ptr<const UIImage>>::failure("no frame has been drawn yet");
+        using Image = Result<std::shared_ptr<const UIImage>>;
+        if (!_renderer || !_drawn.list) {
+            return Image::failure(_failure.empty() ? "no frame has been drawn yet" : _failure);
         }
-        const double scale = [this] {
-            const SceneLock lock;
-            return _layout.scale;
-        }();
-        const GLStateGuard guard(*_capabilities);
-        return _renderer->readBack(scale);
+        const ContextUse use(*this);
+        if (!_renderer->hasPicture()) {
+            // What a window was shown cannot be read from it again; the frame that was drawn can be drawn
+            // again.
+            if (auto again = _renderer->draw(_drawn, _drawnArea.width, _drawnArea.height); !again) {
+                return Image::failure(again.reason());
+            }
+        }
+        return _renderer->readBack(_drawnScale);
     }
 
     std::string failure() const override { return _failure; }
@@ -174,6 +178,20 @@ public:
     }
 
 private:
+    /// While OpenGL calls are made: the application's state is kept, unless the context is the engine's own.
+    class ContextUse {
+    public:
+        explicit ContextUse(const WindowHost& host) {
+            if (!host._options.contextIsOurs) {
+                _guard.emplace(*host._capabilities);
+            }
+        }
+        unsigned framebuffer() const { return _guard ? _guard->framebuffer() : 0; }
+
+    private:
+        std::optional<GLStateGuard> _guard;
+    };
+
     /// Fingers that move together are one event: fed one by one, the first of them would look like a turn.
     void deliver(const Touch& touch) {
         if (!requireMainThread("ViewHost::touchBegan, touchEnded or touchCancelled")) {
@@ -209,26 +227,24 @@ private:
         if (!prepare()) {
             return false;
         }
-        const GLStateGuard guard(*_capabilities);
+        const ContextUse use(*this);
         const auto pixels = [&layout](double points) {
             return static_cast<int>(std::round(points * layout.scale));
         };
-        const int width = pixels(layout.map.size.width);
-        const int height = pixels(layout.map.size.height);
+        const int windowHeight = pixels(layout.window.height);
+        RenderArea area{use.framebuffer(), pixels(layout.map.origin.x), 0, pixels(layout.map.size.width),
+                        pixels(layout.map.size.height)};
+        area.y = windowHeight - pixels(layout.map.origin.y) - area.height;
         const double patience = frame.camera == _drawn.camera ? kPatienceAtRest : 1;
         _renderer->setUploadSecondsPerFrame(_options.uploadSecondsPerFrame * patience);
-        const auto report = _renderer->draw(frame, width, height);
+        const auto report = _renderer->drawInto(frame, area);
         _failure = report.reason();
         if (!report) {
             return false;
         }
         _uploadsLeft = report->uploadsLeft;
-        const int windowHeight = pixels(layout.window.height);
-        const int bottom = windowHeight - pixels(layout.map.origin.y) - height;
-        _failure = _renderer->blitTo(guard.framebuffer(), pixels(layout.map.origin.x), bottom, width, height);
-        if (!_failure.empty()) {
-            return false;
-        }
+        _drawnArea = area;
+        _drawnScale = layout.scale;
         std::vector<OverlayQuad> quads;
         for (const OverlayImage& overlay : overlays) {
             const CGRect& r = overlay.frame;
@@ -236,7 +252,7 @@ private:
                              {{r.origin.x * layout.scale, r.origin.y * layout.scale},
                               {r.size.width * layout.scale, r.size.height * layout.scale}}});
         }
-        _renderer->drawImagesTo(guard.framebuffer(), pixels(layout.window.width), windowHeight, quads);
+        _renderer->drawImagesTo(area.framebuffer, pixels(layout.window.width), windowHeight, quads);
         return true;
     }
 
@@ -257,6 +273,8 @@ private:
     std::shared_ptr<GLGraveyard> _graveyard;
     std::unique_ptr<Renderer> _renderer;
     DrawFrame _drawn;
+    RenderArea _drawnArea;
+    double _drawnScale = 1;
     int _uploadsLeft = 0;
     std::string _failure;
 };

@@ -64,6 +64,8 @@ public:
     void markWaiting(const FrameView& view) const;
     /// Finds what the view shows of it.
     const std::vector<DrawRun>& makeRuns(const FrameView& view);
+    /// The last ones made.
+    const std::vector<DrawRun>& runs() const { return _runs; }
     const Placement& placement(const DrawRun& run) const { return _placements[run.placement]; }
 
 private:

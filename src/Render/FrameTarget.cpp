@@ -26,7 +26,7 @@ std::string fault() {
 FrameTarget::FrameTarget(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> graveyard)
     : _capabilities(capabilities), _graveyard(std::move(graveyard)) {}
 
-std::string FrameTarget::resize(int width, int height, int samples) {
+std::string FrameTarget::refusalOf(int width, int height) const {
     if (width <= 0 || height <= 0) {
         return "a picture needs a width and a height of at least one pixel";
     }
@@ -35,7 +35,14 @@ std::string FrameTarget::resize(int width, int height, int samples) {
         return "a picture of " + std::to_string(width) + " x " + std::to_string(height) +
                " pixels is larger than the driver's limit of " + std::to_string(limit);
     }
-    int used = std::clamp(samples, 1, _capabilities.maximumSamples);
+    return {};
+}
+
+std::string FrameTarget::resize(int width, int height, int samples) {
+    if (std::string refusal = refusalOf(width, height); !refusal.empty()) {
+        return refusal;
+    }
+    int used = limitedSamples(samples);
     while (used > 1 && std::int64_t{width} * height * 4 * used > kMaximumSampleBytes) {
         used /= 2;
     }

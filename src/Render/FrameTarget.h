@@ -3,6 +3,7 @@
 #include "Render/GLCapabilities.h"
 #include "Render/GLObjects.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -16,8 +17,14 @@ class FrameTarget {
 public:
     FrameTarget(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> graveyard);
 
+    /// Of those asked for, how many samples a pixel the driver has at most.
+    int limitedSamples(int samples) const { return std::clamp(samples, 1, _capabilities.maximumSamples); }
+    /// Why nothing this large can be drawn; empty when it can.
+    std::string refusalOf(int width, int height) const;
     /// Makes it this large; empty when it is, else the reason why not, and what was there stays.
     std::string resize(int width, int height, int samples);
+    /// Gives its memory back.
+    void clear() { _surface = {}; }
     int width() const { return _surface.width; }
     int height() const { return _surface.height; }
     /// That each pixel really has.

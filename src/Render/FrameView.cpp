@@ -38,13 +38,13 @@ BoundingSphere BoundingSphere::around(const float (*points)[3], std::size_t coun
     return sphere;
 }
 
-bool FrameView::update(const DrawCamera& camera, int width, int height) {
+bool FrameView::update(const DrawCamera& camera, int width, int height, bool rowsRunDown) {
     const double aspect = static_cast<double>(width) / height;
     const Matrix4d node = Matrix4d::translation(camera.position) * Matrix4d::rotation(camera.eulerAngles);
     const Vector3d eye = node.transformPoint(camera.pivot * -1.0);
     const bool moved = moveOrigin(eye);
     _clip = camera.clipFromScene(_origin, aspect);
-    for (std::size_t column = 0; column < 4; ++column) {
+    for (std::size_t column = 0; rowsRunDown && column < 4; ++column) {
         _clip.m[column * 4 + 1] = -_clip.m[column * 4 + 1];
     }
     _matrix = _clip.narrowedValues();

@@ -21,13 +21,14 @@ struct BoundingSphere {
 /// One frame's camera as the shaders take it.
 ///
 /// Vertices are relative to `origin`, a place on the ground that stays while the camera is near, so that they
-/// need not be written again; everything up to the product of the matrices is done in doubles. Clip
-/// coordinates have y downward, as the rows of `FrameTarget` run.
+/// need not be written again; everything up to the product of the matrices is done in doubles.
 class FrameView {
 public:
     /// Takes the camera of a frame of this many pixels. True when the origin has moved: everything relative
     /// to it has to be written again.
-    bool update(const DrawCamera& camera, int width, int height);
+    /// @param rowsRunDown clip coordinates have y downward, as the rows of `FrameTarget` run; else upward, as
+    ///        those of a window.
+    bool update(const DrawCamera& camera, int width, int height, bool rowsRunDown);
 
     /// False for a camera that is not finite: nothing can be drawn.
     bool isFinite() const { return _isFinite; }

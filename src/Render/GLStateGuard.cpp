@@ -91,6 +91,7 @@ struct GLStateGuard::Saved {
     GLint depthMask = 0;
     bool discards = false;
     std::array<GLint, 4> viewport{};
+    std::array<GLint, 4> scissor{};
     std::array<GLint, 4> colorMask{};
     std::array<GLint, 6> blend{};
     std::array<GLfloat, 4> clearColor{};
@@ -136,6 +137,7 @@ void GLStateGuard::Saved::saveValues() {
         features[i] = glIsEnabled(kFeatures[i]) == GL_TRUE;
     }
     glGetIntegerv(GL_VIEWPORT, viewport.data());
+    glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
     glGetIntegerv(GL_COLOR_WRITEMASK, colorMask.data());
     depthMask = integer(GL_DEPTH_WRITEMASK);
     blend = {integer(GL_BLEND_EQUATION_RGB), integer(GL_BLEND_EQUATION_ALPHA), integer(GL_BLEND_SRC_RGB),
@@ -194,6 +196,7 @@ void GLStateGuard::Saved::restoreValues() const {
         setFeature(kFeatures[i], features[i]);
     }
     glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+    glScissor(scissor[0], scissor[1], scissor[2], scissor[3]);
     const auto flag = [](GLint value) { return static_cast<GLboolean>(value != 0); };
     glColorMask(flag(colorMask[0]), flag(colorMask[1]), flag(colorMask[2]), flag(colorMask[3]));
     glDepthMask(flag(depthMask));

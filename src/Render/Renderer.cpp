@@ -5,8 +5,10 @@
 #include "Render/GLErrors.h"
 #include "Render/OverlayPainter.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace trelmix {
 
@@ -21,7 +23,11 @@ struct Renderer::Parts {
     std::string prepare(const std::vector<DrawRun>& runs);
     std::string prepare(const DrawRun& run);
     void setState();
-    std::string paint(const DrawFrame& frame, FrameReport& report);
+    std::string update(const DrawFrame& frame, int width, int height, bool rowsRunDown, FrameReport& report);
+    std::string drawHere(const DrawFrame& frame, int width, int height, FrameReport& report);
+    std::string drawThere(const DrawFrame& frame, const RenderArea& area, FrameReport& report);
+    std::string copyTo(const RenderArea& area);
+    void paint(const DrawFrame& frame, FrameReport& report);
     void paintScene(const std::vector<DrawRun>& runs, FrameReport& report);
     void paintImages(const DrawRun& run);
     void fade(const UIColor& background, double alpha);
@@ -56,6 +62,18 @@ void clear(const UIColor& color) {
     glClear(GL_COLOR_BUFFER_BIT);
 }
 
+/// How many samples a pixel the area's framebuffer has, and binds it.
+int samplesOf(const RenderArea& area) {
+    GLint samples = 0;
+    glBindFramebuffer(GL_FRAMEBUFFER, area.framebuffer);
+    glGetIntegerv(GL_SAMPLES, &samples);
+    return std::max(1, static_cast<int>(samples));
+}
+
+Result<FrameReport> resultOf(const FrameReport& report, std::string failure) {
+    return failure.empty() ? Result(report) : Result<FrameReport>::failure(std::move(failure));
+}
+
 } // namespace
 
 Renderer::Renderer(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> graveyard,
@@ -77,15 +95,76 @@ int Renderer::samples() const {
 }
 
 Result<FrameReport> Renderer::draw(const DrawFrame& frame, int pixelWidth, int pixelHeight) {
-    Parts& parts = *_parts;
-    parts.graveyard->deleteObjects();
-    parts.setState();
-    std::string reason = parts.target.resize(pixelWidth, pixelHeight, parts.options.samples);
     FrameReport report;
-    if (reason.empty()) {
-        reason = parts.paint(frame, report);
+    std::string reason = _parts->drawHere(frame, pixelWidth, pixelHeight, report);
+    return resultOf(report, std::move(reason));
+}
+
+Result<FrameReport> Renderer::drawInto(const DrawFrame& frame, const RenderArea& area) {
+    Parts& parts = *_parts;
+    FrameReport report;
+    // Asked for only then: drivers may let a question wait.
+    const bool wantsSamples = parts.target.limitedSamples(parts.options.samples) > 1;
+    report.samples = wantsSamples ? samplesOf(area) : 1;
+    std::string reason;
+    if (!wantsSamples || report.samples > 1) {
+        reason = parts.drawThere(frame, area, report);
+    } else {
+        reason = parts.drawHere(frame, area.width, area.height, report);
+        reason = reason.empty() ? parts.copyTo(area) : reason;
     }
-    return reason.empty() ? Result(report) : Result<FrameReport>::failure(std::move(reason));
+    return resultOf(report, std::move(reason));
+}
+
+std::string Renderer::Parts::drawHere(const DrawFrame& frame, int width, int height, FrameReport& report) {
+    graveyard->deleteObjects();
+    setState();
+    if (std::string reason = target.resize(width, height, options.samples); !reason.empty()) {
+        return reason;
+    }
+    if (std::string reason = update(frame, width, height, true, report); !reason.empty()) {
+        return reason;
+    }
+    report.samples = target.samples();
+    target.bindForDrawing();
+    paint(frame, report);
+    target.resolve();
+    return {};
+}
+
+std::string Renderer::Parts::drawThere(const DrawFrame& frame, const RenderArea& area, FrameReport& report) {
+    graveyard->deleteObjects();
+    setState();
+    if (std::string reason = target.refusalOf(area.width, area.height); !reason.empty()) {
+        return reason;
+    }
+    if (std::string reason = update(frame, area.width, area.height, false, report); !reason.empty()) {
+        return reason;
+    }
+    target.clear();
+    glBindFramebuffer(GL_FRAMEBUFFER, area.framebuffer);
+    glViewport(area.x, area.y, area.width, area.height);
+    glScissor(area.x, area.y, area.width, area.height);
+    glEnable(GL_SCISSOR_TEST);
+    paint(frame, report);
+    glDisable(GL_SCISSOR_TEST);
+    return {};
+}
+
+std::string Renderer::Parts::copyTo(const RenderArea& area) {
+    setState();
+    if (const std::string reason = overlays.prepare(graveyard); !reason.empty()) {
+        return kShaders + reason;
+    }
+    glDisable(GL_BLEND);
+    glBindFramebuffer(GL_FRAMEBUFFER, area.framebuffer);
+    glViewport(area.x, area.y, area.width, area.height);
+    overlays.draw({-1, 1, 1, -1, 0, 0, 1, 1}, target.texture(), arrays);
+    return {};
+}
+
+bool Renderer::hasPicture() const {
+    return !_parts->target.isEmpty();
 }
 
 /// Shaders are made when they are first needed: the first picture waits for no others.
@@ -135,7 +214,9 @@ void Renderer::Parts::setState() {
     arrays.reset();
 }
 
-std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
+/// Brings what the frame shows to the graphics processor; nothing is drawn yet.
+std::string Renderer::Parts::update(const DrawFrame& frame, int width, int height, bool rowsRunDown,
+                                    FrameReport& report) {
     const std::size_t before = stores.atlas.uploadedBytes();
     const std::size_t meshesBefore = stores.meshes.uploadedBytes();
     // Asked for only then, because drivers wait for the answer, and errors of an application's are its own.
@@ -143,7 +224,7 @@ std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) 
     if (mayUpload) {
         forgetErrors();
     }
-    const bool originMoved = view.update(frame.camera, target.width(), target.height());
+    const bool originMoved = view.update(frame.camera, width, height, rowsRunDown);
     report.rewrittenBytes = plan.setList(frame.list, view, originMoved);
     plan.markWaiting(view);
     report.uploadedBytes = stores.textures.upload(options.uploadSecondsPerFrame) +
@@ -153,24 +234,21 @@ std::string Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) 
         return "the driver refuses what the picture shows: " + error;
     }
     report.uploadsLeft = stores.textures.waitingInView();
-    const bool isVisible = frame.alpha > 0 && view.isFinite();
     const auto& runs = plan.makeRuns(view);
     report.rewrittenBytes +=
         stores.images.slots().upload() + stores.discs.slots().upload() + stores.indices.upload();
-    if (std::string reason = prepare(runs); !reason.empty()) {
-        return reason;
-    }
-    report.samples = target.samples();
-    target.bindForDrawing();
+    return prepare(runs);
+}
+
+/// Into what is bound.
+void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
     clear(frame.background);
-    if (isVisible) {
-        paintScene(runs, report);
+    if (frame.alpha > 0 && view.isFinite()) {
+        paintScene(plan.runs(), report);
         if (frame.alpha < 1) {
             fade(frame.background, frame.alpha);
         }
     }
-    target.resolve();
-    return {};
 }
 
 void Renderer::Parts::paintScene(const std::vector<DrawRun>& runs, FrameReport& report) {
@@ -296,22 +374,6 @@ void Renderer::Parts::drawOverlays(std::span<const OverlayQuad> quads, int width
         }
     }
     glDisable(GL_BLEND);
-}
-
-std::string Renderer::blitTo(unsigned framebuffer, int x, int y, int width, int height) {
-    Parts& parts = *_parts;
-    if (parts.target.isEmpty() || width <= 0 || height <= 0) {
-        return {};
-    }
-    parts.setState();
-    if (const std::string reason = parts.overlays.prepare(parts.graveyard); !reason.empty()) {
-        return kShaders + reason;
-    }
-    glDisable(GL_BLEND);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    glViewport(x, y, width, height);
-    parts.overlays.draw({-1, 1, 1, -1, 0, 0, 1, 1}, parts.target.texture(), parts.arrays);
-    return {};
 }
 
 std::size_t Renderer::textureBytes() const {

@@ -36,7 +36,16 @@ struct OverlayQuad {
     CGRect pixels;
 };
 
-/// Draws frames with OpenGL ES 2 into a framebuffer of its own.
+/// A rectangle of a framebuffer of the context (0: the window's); pixels from its lower left corner.
+struct RenderArea {
+    unsigned framebuffer = 0;
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+/// Draws frames with OpenGL ES 2, into a framebuffer of its own or straight into one of the context.
 ///
 /// Belongs to one context: every call, construction and destruction included, happens on a thread where that
 /// context is current, except that it may be destroyed anywhere when the graveyard outlives it. Changes
@@ -66,17 +75,22 @@ public:
     void setSamples(int samples);
     int samples() const;
 
-    /// Draws the frame and resolves it. Fails, without a change to the picture before, when a size is not
-    /// positive or beyond the driver's limits and when the driver has no memory for it.
+    /// Draws the frame into a framebuffer of its own and resolves it. Fails, without a change to the picture
+    /// before, when a size is not positive or beyond the driver's limits and when the driver has no memory
+    /// for it.
     Result<FrameReport> draw(const DrawFrame& frame, int pixelWidth, int pixelHeight);
-    /// The picture of the last `draw`, with what `drawImages` put over it.
+    /// Draws the frame into an area, and nothing beside it. Straight into it when one sample a pixel is
+    /// wanted or the framebuffer has several of its own; else as `draw`, and the picture is copied there.
+    /// Fails as `draw` does.
+    Result<FrameReport> drawInto(const DrawFrame& frame, const RenderArea& area);
+    /// Whether there is a picture of its own to read back: not when the last frame went straight into an
+    /// area.
+    bool hasPicture() const;
+    /// The picture of the last frame, with what `drawImages` put over it.
     Result<std::shared_ptr<const UIImage>> readBack(double scale);
-    /// Draws images over the picture of the last `draw`. Their textures stay as long as the images do.
+    /// Draws images over that picture. Their textures stay as long as the images do.
     void drawImages(std::span<const OverlayQuad> quads);
 
-    /// Draws the picture into a framebuffer of the context (0: the window's), whose lower left corner is its
-    /// origin; replaces what was there. Empty when it went well.
-    std::string blitTo(unsigned framebuffer, int x, int y, int width, int height);
     /// As `drawImages`, into a framebuffer of the context that has `width` x `height` pixels.
     void drawImagesTo(unsigned framebuffer, int width, int height, std::span<const OverlayQuad> quads);
 

@@ -1,3 +1,4 @@
+#include "Render/FrameTarget.h"
 #include "Render/RenderFixture.h"
 
 #include <algorithm>
@@ -26,6 +27,21 @@ TEST_F(RenderTest, slantedEdgesHaveGreysWithSamplesAndNoneWithout) {
         GTEST_SKIP() << "the driver has no multisampling";
     }
     EXPECT_EQ(greys(most).size(), static_cast<std::size_t>(most) + 1);
+    // A window with samples of its own needs no picture beside it.
+    FrameTarget window(capabilities, context->graveyard());
+    ASSERT_EQ(window.resize(100, 100, most), "");
+    window.bindForDrawing();
+    GLint framebuffer = 0;
+    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
+    const auto report = renderer->drawInto(frameOf({quad}, cameraAt({}, 100)),
+                                           {static_cast<unsigned>(framebuffer), 0, 0, 100, 100});
+    EXPECT_EQ(report->samples, most);
+    EXPECT_FALSE(renderer->hasPicture());
+    window.resolve();
+    window.bindResolved();
+    std::vector<std::uint8_t> pixels(40'000);
+    glReadPixels(0, 0, 100, 100, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    EXPECT_EQ(levelsIn(*UIImage::withPixels(100, 100, pixels)).size(), static_cast<std::size_t>(most) + 1);
     capabilities.maximumSamples = 1;
     EXPECT_EQ(greys(4), (std::set<int>{0, 255}));
 }

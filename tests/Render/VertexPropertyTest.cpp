@@ -37,7 +37,7 @@ Errors errorsAt(RandomCamera& c, const CameraProjection& projection, FrameView& 
     const int width = static_cast<int>(c.size.x), height = static_cast<int>(c.size.y);
     const ReferenceCamera reference(c);
     const DrawCamera camera{projection.exactCameraPosition(), {c.pose.viewingAngle, 0, c.pose.rotation}, {}};
-    view.update(camera, width, height);
+    view.update(camera, width, height, true);
     EXPECT_TRUE(view.isFinite());
     Errors worst;
     std::uniform_real_distribution<double> share(0, 1);

@@ -29,12 +29,17 @@ public:
     };
     /// What is chosen once.
     struct Options {
-        /// Samples a pixel for smooth edges; 0 chooses 4, or 1 on a driver that draws in software.
+        /// Samples a pixel for smooth edges; 0 chooses 4, or 1 on a driver that draws in software. A
+        /// framebuffer with samples of its own is drawn into as it is, which is the quickest way to have
+        /// several; without them the map is drawn beside it and copied.
         int samples = 0;
         /// Seconds that one frame may spend on bringing images to the graphics processor while the camera
         /// moves; four times that while it stands, when a late frame is not seen. What is in view comes
         /// first; what is left comes with the next frames.
         double uploadSecondsPerFrame = 0.004;
+        /// Nobody but this host draws in the context: no state is asked for and put back, which some drivers
+        /// take long for, and what is drawn into is the window (framebuffer 0), whatever is bound.
+        bool contextIsOurs = false;
     };
     /// An image drawn upright over the window: attribution, controls, a side view.
     struct OverlayImage {
@@ -89,10 +94,12 @@ public:
     virtual void waitForWork(double seconds) = 0;
 
     /// Advances animations, updates the overlays and draws into the framebuffer that is bound in the current
-    /// context. Puts every OpenGL state it changes back.
+    /// context: inside the map's rectangle, and where overlay images lie. Puts every OpenGL state it changes
+    /// back, unless the context is the engine's own.
     /// @param always draw also when nothing has changed, for windows whose buffers do not keep their picture.
     virtual Drawing drawFrame(bool always = false) = 0;
-    /// The picture of the last frame, without the overlay images. On the drawing thread.
+    /// The picture of the last frame, without the overlay images: it may have to be drawn once more for that.
+    /// Fails when there was none, or it could not be drawn. On the drawing thread.
     virtual Result<std::shared_ptr<const UIImage>> image() = 0;
     /// Why the last `drawFrame` failed; empty when it did not. On the drawing thread.
     virtual std::string failure() const = 0;
