@@ -6,6 +6,7 @@
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
 #include <atomic>
+#include <future>
 #include <thread>
 
 namespace trelmix {
@@ -124,8 +125,12 @@ TEST_F(RenderThreadTest, stopsAtAnyMoment) {
     EXPECT_EQ(screen.makeCurrentCount, 5);
     // From the middle of a resize, and from a call that the engine makes on the main thread.
     struct Listener : TrelmixMapEngineDelegate {
-        std::function<void()> onIdle;
+        std::function<void()> onIdle, onTile;
         void mapViewIdleAtCamera(const std::shared_ptr<TrelmixMapEngineCamera>&) override { onIdle(); }
+        std::shared_ptr<const UIImage> tileForX(std::int64_t, std::int64_t, std::int64_t) override {
+            onTile();
+            return nullptr;
+        }
     };
     auto thread = start();
     const auto listener = std::make_shared<Listener>();
@@ -137,6 +142,23 @@ TEST_F(RenderThreadTest, stopsAtAnyMoment) {
     engine->setCameraWithRotation(10, 0, 18, false);
     RunLoop::main().drain();
     EXPECT_FALSE(thread);
+    // From a tile question on the drawing thread, which has the host's last reference then.
+    thread = start();
+    std::promise<void> asked;
+    listener->onTile = [&] {
+        if (std::exchange(host, nullptr)) {
+            thread.reset();
+            asked.set_value();
+        }
+    };
+    const auto layer = TrelmixMapEngineFactory::createMapTilesNode();
+    layer->setSynchronousLayer(true);
+    layer->setMap(engine);
+    asked.get_future().wait();
+    while (engine.use_count() > 1) {
+        std::this_thread::yield(); // until the host has let go of it
+    }
+    layer->setMap(nullptr);
 }
 
 TEST_F(RenderThreadTest, aThreadWithoutContextOrHostEndsAndNobodyWaitsForIt) {
