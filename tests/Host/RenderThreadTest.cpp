@@ -188,24 +188,20 @@ TEST_F(RenderThreadTest, drawsWhileEverythingMovesComesAndGoes) {
     auto thread = start();
     const auto layer = TrelmixMapEngineFactory::createMapTilesNode();
     layer->setMap(engine);
-    std::vector<std::shared_ptr<TrelmixMapOverlay>> overlays;
+    std::shared_ptr<TrelmixMapMarker> markers[12];
     for (int i = 0; i < 120; ++i) {
         const double offset = 0.0005 * (i % 7 - 3);
         engine->setCamera(std::make_shared<TrelmixMapEngineCamera>(
                               CLLocationCoordinate2D{53.5 + offset, 10 + offset}, 3.0 * i, i % 50,
                               16.0F + 0.05F * static_cast<float>(i % 40)),
                           i % 5 == 0);
-        const auto marker = TrelmixMapEngineFactory::createMapMarkerWith(icon, {53.5 + offset, 10});
+        auto& marker = markers[i % 12];
+        if (marker) {
+            marker->setMap(nullptr);
+        }
+        marker = TrelmixMapEngineFactory::createMapMarkerWith(icon, {53.5 + offset, 10});
         marker->setMap(engine);
         marker->setCoordinate({53.5, 10 + offset}, true, 0.05);
-        overlays.push_back(marker);
-        overlays.push_back(TrelmixMapEngineFactory::createMapPolylineWithVertices(
-            {CLLocation(53.5, 10), CLLocation(53.5 + offset, 10.001)}));
-        overlays.back()->setMap(engine);
-        if (overlays.size() > 12) {
-            overlays.front()->setMap(nullptr);
-            overlays.erase(overlays.begin());
-        }
         host->setOverlayImages({{icon, {{1.0 * (i % 10), 2}, {6, 6}}}});
         host->resize(64 - i % 3, 48, 1);
         host->touchBegan(1, {30, 20}, 0.1 * i);
@@ -219,9 +215,6 @@ TEST_F(RenderThreadTest, drawsWhileEverythingMovesComesAndGoes) {
     rest(*thread);
     EXPECT_EQ(layer->tileCounts().answered, layer->tileCounts().wanted);
     thread.reset();
-    for (const auto& overlay : overlays) {
-        overlay->setMap(nullptr);
-    }
     layer->setMap(nullptr);
     engine->setDelegate({});
 }

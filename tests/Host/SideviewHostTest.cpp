@@ -41,21 +41,13 @@ TEST_F(HostedSideview, isComposedAnewOnlyWhenItLooksDifferent) {
     const auto first = show();
     EXPECT_EQ(show(), first);
     const auto icon = plainImage(4, 4, {0, 0, 0, 255});
+    const CLLocationCoordinate2D place{kLatitude, kWest};
+    const CGPoint scrolled{7, 0}, middle{100, 40};
     const std::pair<const char*, std::function<void()>> changes[] = {
-        {"zoom",
-         [&] {
-             host->zoomBy(2, {100, 40});
-         }},
-        {"scroll",
-         [&] {
-             sideview->scrollView()->setContentOffset({7, 0});
-         }},
-        {"path",
-         [&] { sideview->drawNavigationPath({CLLocation(kLatitude, kWest)}, UIColor::redColor(), 2); }},
-        {"icon",
-         [&] {
-             sideview->setUserPositionIcon(icon), sideview->updateUserPosition({kLatitude, kWest}, 0);
-         }},
+        {"zoom", [&] { host->zoomBy(2, middle); }},
+        {"scroll", [&] { sideview->scrollView()->setContentOffset(scrolled); }},
+        {"path", [&] { sideview->drawNavigationPath({CLLocation(place)}, UIColor::redColor(), 2); }},
+        {"icon", [&] { sideview->setUserPositionIcon(icon), sideview->updateUserPosition(place, 0); }},
         {"background", [&] { sideview->setBackgroundColor(UIColor::blackColor()); }},
         {"camera", [&] { engine->setCameraWithRotation(0, 0, 20.0F, false), step(); }},
         {"level", [&] { sideview->setDisplayedLevel(1, engine); }},

@@ -62,40 +62,28 @@ protected:
     std::unique_ptr<ViewHost> host;
 };
 
-TEST_F(ViewHostTest, mapAndImagesLieInTheirPlacesAndTheRestOfTheWindowStays) {
-    window->fill(0, 1, 0);
-    host->setOverlayImages({{plainImage(10, 10, {0, 0, 255, 255}), {{110, 80}, {30, 20}}}});
-    ASSERT_TRUE(comesToRest());
-    for (const auto& [x, y, color] : std::vector<std::tuple<int, int, Color>>{{20, 10, kRed},
-                                                                              {119, 10, kRed},
-                                                                              {20, 89, kRed},
-                                                                              {19, 10, kGreen},
-                                                                              {120, 10, kGreen},
-                                                                              {20, 9, kGreen},
-                                                                              {20, 90, kGreen},
-                                                                              {110, 80, kBlue},
-                                                                              {139, 99, kBlue},
-                                                                              {109, 79, kRed},
-                                                                              {140, 99, kGreen},
-                                                                              {139, 100, kGreen}}) {
-        EXPECT_EQ(window->pixel(x, y), color) << x << ", " << y;
+TEST_F(ViewHostTest, mapAndImagesLieInTheirPlacesAtEveryScaleAndTheRestOfTheWindowStays) {
+    const std::pair<Color, std::vector<std::pair<int, int>>> places[] = {
+        {kRed, {{20, 10}, {119, 10}, {20, 89}, {109, 79}}},
+        {kGreen, {{19, 10}, {120, 10}, {20, 9}, {20, 90}, {140, 99}, {139, 100}}},
+        {kBlue, {{110, 80}, {139, 99}}}};
+    for (const double scale : {1.0, 2.0}) {
+        const auto points = [scale](double x, double y, double width, double height) {
+            return CGRect{{x / scale, y / scale}, {width / scale, height / scale}};
+        };
+        ASSERT_TRUE(host->setLayout({points(0, 0, 200, 150).size, points(20, 10, 100, 80), scale}));
+        host->setOverlayImages({{plainImage(10, 10, {0, 0, 255, 255}), points(110, 80, 30, 20)}});
+        window->fill(0, 1, 0);
+        ASSERT_TRUE(comesToRest());
+        for (const auto& [color, pixels] : places) {
+            for (const auto& [x, y] : pixels) {
+                EXPECT_EQ(window->pixel(x, y), color) << x << ", " << y << " at " << scale;
+            }
+        }
+        const auto picture = *host->image();
+        EXPECT_EQ(picture->pixelWidth(), 100) << "the map alone";
+        EXPECT_EQ(picture->scale(), scale);
     }
-    const auto picture = host->image();
-    ASSERT_TRUE(picture);
-    EXPECT_EQ((*picture)->pixelWidth(), 100) << "the map alone";
-}
-
-TEST_F(ViewHostTest, everythingIsLargerWithTwoPixelsAPoint) {
-    ASSERT_TRUE(host->setLayout({{100, 75}, {{10, 5}, {50, 40}}, 2}));
-    host->setOverlayImages({{plainImage(10, 10, {0, 0, 255, 255}), {{55, 40}, {15, 10}}}});
-    window->fill(0, 1, 0);
-    ASSERT_TRUE(comesToRest());
-    EXPECT_EQ(window->pixel(20, 10), kRed);
-    EXPECT_EQ(window->pixel(19, 10), kGreen);
-    EXPECT_EQ(window->pixel(110, 80), kBlue);
-    EXPECT_EQ(window->pixel(139, 99), kBlue);
-    EXPECT_EQ(window->pixel(140, 99), kGreen);
-    EXPECT_EQ((*host->image())->scale(), 2);
 }
 
 TEST_F(ViewHostTest, aFrameWithoutChangesLeavesTheWindowAlone) {
@@ -215,18 +203,15 @@ TEST_F(ViewHostTest, aPictureMadeMeanwhileLeavesTheWindowsContextCurrent) {
     ASSERT_TRUE(context->makeCurrent());
 }
 
-TEST_F(ViewHostTest, drawingWithoutAContextFailsAndGoesOnWithOne) {
+TEST_F(ViewHostTest, drawingFailsWithoutAContextAndGoesOnWithItOrWithTheNextOne) {
     context->release();
     EXPECT_FALSE(host->image());
     EXPECT_EQ(frame(), Drawing::failed);
     EXPECT_FALSE(host->failure().empty());
     ASSERT_TRUE(context->makeCurrent());
+    host->setOverlayImages({{plainImage(4, 4, {0, 0, 255, 255}), {{0, 0}, {4, 4}}}});
     EXPECT_EQ(frame(), Drawing::drawn);
     EXPECT_EQ(host->failure(), "");
-}
-
-TEST_F(ViewHostTest, aLostContextIsReplacedByTheNextOne) {
-    host->setOverlayImages({{plainImage(4, 4, {0, 0, 255, 255}), {{0, 0}, {4, 4}}}});
     ASSERT_TRUE(comesToRest());
     host->contextWasLost();
     window.reset();
@@ -241,25 +226,17 @@ TEST_F(ViewHostTest, aLostContextIsReplacedByTheNextOne) {
 TEST_F(ViewHostTest, layoutsOutOfRangeAndForeignEnginesAreRefused) {
     ASSERT_TRUE(comesToRest());
     const double nan = std::nan("");
-    for (const auto& [width, height, scale] : {std::array{0.0, 80.0, 1.0},
-                                               {100.0, -1.0, 1.0},
-                                               {nan, 80.0, 1.0},
-                                               {100.0, 80.0, 0.0},
-                                               {100.0, 80.0, nan},
-                                               {20000.0, 80.0, 1.0},
-                                               {100.0, 80.0, 1e300}}) {
-        EXPECT_FALSE(host->resize(width, height, scale)) << width << " " << height << " " << scale;
-        EXPECT_FALSE(ViewHost::make(engine, {{100, 80}, {{0, 0}, {width, height}}, scale}, {}));
+    const CGSize all{200, 150}, map{100, 80};
+    const ViewHost::Layout refused[] = {
+        {all, {{}, {0, 80}}, 1},      {all, {{}, {nan, 80}}, 1},  {all, {{}, {20000, 80}}, 1},
+        {all, {{}, map}, 0},          {all, {{}, map}, nan},      {all, {{}, map}, 1e300},
+        {{-1e15, 150}, {{}, map}, 1}, {{200, nan}, {{}, map}, 1}, {{200, 20000}, {{}, map}, 1},
+        {all, {{-1e15, 0}, map}, 1},  {all, {{0, nan}, map}, 1}};
+    for (const ViewHost::Layout& layout : refused) {
+        EXPECT_FALSE(host->setLayout(layout)) << &layout - refused;
+        EXPECT_FALSE(ViewHost::make(engine, layout, {})) << &layout - refused;
     }
-    for (const auto& [size, origin] : {std::pair<CGSize, CGPoint>{{-1e15, 150}, {}},
-                                       {{200, nan}, {}},
-                                       {{200, 0}, {}},
-                                       {{200, 20000}, {}},
-                                       {{200, 150}, {-1e15, 0}},
-                                       {{200, 150}, {0, nan}},
-                                       {{200, 150}, {0, 1e300}}}) {
-        EXPECT_FALSE(host->setLayout({size, {origin, {100, 80}}, 1})) << size.width << " " << origin.x;
-    }
+    EXPECT_FALSE(host->resize(100, 20000, 1));
     EXPECT_EQ(frame(), Drawing::unchanged) << "the layout is the old one";
     EXPECT_FALSE(ViewHost::make(nullptr, kLayout, {}));
 }

@@ -119,16 +119,13 @@ TEST_F(ViewHostTouchTest, twoFingersThatMoveInOneFrameAreOneEvent) {
 
 TEST_F(ViewHostTouchTest, aTapHitsWhatLiesThereAndACancelledOneNothing) {
     struct Taps : DelegateLog {
-        bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>&) override {
-            ++markers;
-            return true;
-        }
+        bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>&) override { return ++markers > 0; }
         int markers = 0;
     };
     const auto taps = std::make_shared<Taps>();
     engine->setDelegate(taps);
-    const auto icon = plainImage(20, 20);
-    const auto marker = TrelmixMapEngineFactory::createMapMarkerWith(icon, groundAt({500, 200}));
+    const auto marker =
+        TrelmixMapEngineFactory::createMapMarkerWith(plainImage(20, 20), groundAt({500, 200}));
     marker->setMap(engine);
     step();
     host->touchBegan(1, {500, 200}, now());
@@ -187,24 +184,25 @@ TEST_F(ViewHostTouchTest, inputWithoutSenseMovesNothing) {
     EXPECT_EQ(engine->camera()->zoom(), before.zoom());
 }
 
-TEST_F(ViewHostTouchTest, theHostMayBeDestroyedInsideAnyCallItCauses) {
-    for (const int event : {0, 1, 2, 3}) {
+TEST_F(ViewHostTouchTest, theHostMayBeDestroyedInsideAnyCallThatDeliversAMove) {
+    const std::function<void()> deliveries[] = {[&] {
+                                                    host->touchMoved(1, {460, 360}, now());
+                                                },
+                                                [&] {
+                                                    host->touchEnded(1, {460, 360}, now());
+                                                },
+                                                [&] {
+                                                    host->touchBegan(2, {100, 100}, now());
+                                                },
+                                                [&] { host->pump(); }};
+    for (const auto& deliver : deliveries) {
         const auto log = std::make_shared<DelegateLog>();
         engine->setDelegate(log);
         log->onWillMove = [this] { host.reset(); };
         host->touchBegan(1, {400, 300}, now());
         host->touchMoved(1, {430, 330}, now());
-        // Each of these delivers the move.
-        if (event == 0) {
-            host->touchMoved(1, {460, 360}, now());
-        } else if (event == 1) {
-            host->touchEnded(1, {460, 360}, now());
-        } else if (event == 2) {
-            host->touchBegan(2, {100, 100}, now());
-        } else {
-            host->pump();
-        }
-        EXPECT_FALSE(host) << event;
+        deliver();
+        EXPECT_FALSE(host) << &deliver - deliveries;
         engine->setDelegate({});
         settle();
         host = std::move(*ViewHost::make(engine, kLayout, {}));
