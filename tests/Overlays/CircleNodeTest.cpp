@@ -59,42 +59,23 @@ TEST_F(CircleNodeTest, movesAndGrowsTogetherAndCutShortEndsWhereItWasGoing) {
     EXPECT_NEAR(circle->presentedScale().x, diameterOf(10), 0.01);
 }
 
-TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStoreAndWithoutAPlaceItGrowsOnceItHasOne) {
+TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStore) {
     circle->setRadius(7);
     circle->updateCircleWithCoordinate(kThere, 30, false, 0);
     EXPECT_EQ(circle->coordinate(), kHere);
     EXPECT_EQ(circle->radius(), 7);
     EXPECT_FALSE(CLLocationCoordinate2DIsValid(circle->presentedCoordinate()));
-    circle->setCoordinate(kCLLocationCoordinate2DInvalid);
-    circle->setMap(engine);
-    circle->updateCircleWithCoordinate(kCLLocationCoordinate2DInvalid, 30, true, 0);
-    step();
-    EXPECT_EQ(circle->scale(), (SCNVector3{0, 0, 0}));
-    circle->setCoordinate(kHere);
-    EXPECT_NEAR(circle->scale().x, diameterOf(30), 0.01);
 }
 
-TEST_F(CircleNodeTest, badRadiiAndCentresShowNothingWrong) {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+TEST_F(CircleNodeTest, radiiThatAreNoLengthShowNothingAndEndlessOnesSomethingFinite) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     circle->setMap(engine);
-    for (const double radius : {-5.0, kNan, 0.0, -std::numeric_limits<double>::infinity()}) {
+    for (const double radius : {-5.0, 0.0, -kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
         circle->setRadius(radius);
         EXPECT_EQ(circle->scale().x, 0) << radius;
     }
-    for (const double radius : {1e300, std::numeric_limits<double>::infinity()}) {
-        circle->setRadius(radius);
-        EXPECT_TRUE(std::isfinite(circle->scale().x)) << radius;
-    }
-    circle->setRadius(5);
-    const SCNVector3 place = circle->position();
-    for (const CLLocationCoordinate2D bad :
-         {kCLLocationCoordinate2DInvalid, CLLocationCoordinate2D{kNan, kNan}, {-90, 0}}) {
-        circle->setCoordinate(bad);
-        circle->updateCircleWithCoordinate(bad, 5, true, 0.1);
-        step(0.2);
-        EXPECT_EQ(circle->position().x, place.x);
-        EXPECT_NEAR(circle->scale().x, diameterOf(5), 0.01);
-    }
+    circle->setRadius(kInfinity);
+    EXPECT_TRUE(std::isfinite(circle->scale().x));
 }
 
 } // namespace

@@ -82,16 +82,9 @@ TEST_F(LevelPlanNodeTest, aFirstPlanIsInViewWholeAtEveryViewSize) {
         // Not lost in the middle either: a lower view than 591 points shows less of what it fits.
         EXPECT_LE(std::min(left / size.width, top / size.height), 0.15) << size.width;
     }
-}
-
-TEST_F(LevelPlanNodeTest, anEmptyViewAndANonsensePlanTakeTheLowestZoom) {
     engine = makeEngine(0, 0);
     LevelPlanNode::make(kSouthWest, kNorthEast)->setMap(engine);
-    EXPECT_EQ(engine->camera()->zoom(), 15.0F);
-    engine = makeEngine();
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    LevelPlanNode::make({kNan, 0}, {1, 1})->setMap(engine);
-    EXPECT_EQ(engine->camera()->zoom(), 15.0F);
+    EXPECT_EQ(engine->camera()->zoom(), 15.0F) << "a view of no size";
 }
 
 TEST_F(LevelPlanNodeTest, changesRebuildItAtOnceAndBadOnesTakeThePictureAway) {
@@ -112,8 +105,6 @@ TEST_F(LevelPlanNodeTest, changesRebuildItAtOnceAndBadOnesTakeThePictureAway) {
         node->setNorthEast(locationOf(kNorthEast));
         EXPECT_NE(plane(*node), nullptr);
     }
-    EXPECT_EQ(node->description(), "LevelPlan " + descriptionOf(locationOf(kSouthWest)) + " " +
-                                       descriptionOf(locationOf(kNorthEast)));
 }
 
 } // namespace

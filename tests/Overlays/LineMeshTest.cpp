@@ -37,14 +37,18 @@ TEST(LineMesh, twoPointsGiveABandOfTwoTriangles) {
     EXPECT_EQ(std::get<0>(mesh->indices), (std::vector<std::uint8_t>{1, 0, 2, 1, 2, 3}));
 }
 
-TEST(LineMesh, aCornerIsMitered) {
-    const auto mesh = meshOf({{0, 0}, {10, 0}, {10, 10}});
-    EXPECT_EQ(mesh->vertexCount(), 6U);
-    EXPECT_EQ(mesh->indexCount(), 12U);
-    const auto moved = offsets(*mesh);
+TEST(LineMesh, aCornerIsMiteredAndTheSharpestThatIsLeftToo) {
+    const auto corner = meshOf({{0, 0}, {10, 0}, {10, 10}});
+    EXPECT_EQ(corner->vertexCount(), 6U);
+    EXPECT_EQ(corner->indexCount(), 12U);
+    const auto moved = offsets(*corner);
     EXPECT_NEAR(std::hypot(moved[2].x, moved[2].y), std::sqrt(2.0), 1e-5);
     EXPECT_NEAR(moved[2].x, 1, 1e-5); // to the right of the way: outwards
     EXPECT_NEAR(moved[3].x, -1, 1e-5);
+    // What the clean-up of vertices leaves: 23 half widths.
+    const float turn = 174.9F * 0.017453292F;
+    const auto sharp = meshOf({{0, 0}, {10, 0}, {10 + 10 * std::cos(turn), 10 * std::sin(turn)}});
+    EXPECT_NEAR(std::hypot(offsets(*sharp)[2].x, offsets(*sharp)[2].y), 22.47, 0.05);
 }
 
 TEST(LineMesh, nothingThatPointsAreGivenAsMakesItSpike) {
@@ -72,11 +76,6 @@ TEST(LineMesh, aFullReversalEndsTheBandAndStartsAnew) {
     const auto mesh = meshOf({{0, 0}, {10, 0}, {0, 0}});
     EXPECT_EQ(mesh->vertexCount(), 8U);
     EXPECT_EQ(std::get<0>(mesh->indices), (std::vector<std::uint8_t>{1, 0, 2, 1, 2, 3, 5, 4, 6, 5, 6, 7}));
-    // The sharpest turn that the clean-up of vertices leaves keeps its miter of 23 half widths.
-    const float turn = 174.9F * 0.017453292F;
-    const auto sharp = meshOf({{0, 0}, {10, 0}, {10 + 10 * std::cos(turn), 10 * std::sin(turn)}});
-    EXPECT_EQ(sharp->vertexCount(), 6U);
-    EXPECT_NEAR(std::hypot(offsets(*sharp)[2].x, offsets(*sharp)[2].y), 22.47, 0.05);
 }
 
 } // namespace

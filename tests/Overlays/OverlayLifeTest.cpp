@@ -1,11 +1,14 @@
 // What every kind of overlay has in common: coming, going, and staying behind.
 
+#include "Overlays/CircleNode.h"
+#include "Overlays/MarkerNode.h"
 #include "support/EngineFixture.h"
 #include "support/Pixels.h"
 
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
 #include <limits>
+#include <span>
 
 namespace trelmix {
 namespace {
@@ -103,11 +106,16 @@ TEST_F(OverlayLifeTest, outlivesItsEngineAsAnOverlayWithoutAMap) {
     EXPECT_EQ(lastFrame.list->items.size(), overlays.size());
 }
 
+/// Places where nothing can be seen; the last one, far beyond the map's northern edge, is one all the same.
+const CLLocationCoordinate2D kNowhere[] = {kCLLocationCoordinate2DInvalid,
+                                           {std::numeric_limits<double>::quiet_NaN(), 0},
+                                           {-90, std::numeric_limits<double>::infinity()},
+                                           {-90, 0},
+                                           {90, 0}};
+
 TEST_F(OverlayLifeTest, whatIsNowhereShowsNothingAndTheFirstCameraIsUsableAllTheSame) {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    for (const CLLocationCoordinate2D bad :
-         {kCLLocationCoordinate2DInvalid, CLLocationCoordinate2D{kNan, kNan}, {-90, 0}, {90, 0}}) {
-        const std::vector<CLLocation> places{CLLocation{bad}, CLLocation{bad}, CLLocation{bad}};
+    for (const CLLocationCoordinate2D bad : kNowhere) {
+        const std::vector<CLLocation> places(3, CLLocation{bad});
         const std::vector<std::shared_ptr<TrelmixMapOverlay>> overlays{
             TrelmixMapEngineFactory::createMapMarkerWith(plainImage(2, 2), bad),
             TrelmixMapEngineFactory::createMapCircleWithCoordinate(bad, 20),
@@ -124,8 +132,41 @@ TEST_F(OverlayLifeTest, whatIsNowhereShowsNothingAndTheFirstCameraIsUsableAllThe
             EXPECT_TRUE(engine->sceneView()->hitTest({400, 300}, true).empty()) << overlay->description();
             for (const auto& item : lastFrame.list->items) {
                 EXPECT_NEAR(item->corners[0].x, item->corners[3].x, 1e-6) << overlay->description();
+                EXPECT_NEAR(item->corners[0].y, item->corners[3].y, 1e-6) << overlay->description();
             }
         }
+    }
+}
+
+TEST_F(OverlayLifeTest, aMarkerAndACircleShowOnceTheyHaveAPlaceAndStayThereWhenTheyAreSentNowhere) {
+    engine->initialiseWithTarget(kHere, 18);
+    const auto marker = MarkerNode::make();
+    marker->setMarkerIcon(plainImage(4, 4));
+    const auto circle = CircleNode::make();
+    const auto send = [&](CLLocationCoordinate2D place) {
+        marker->setCoordinate(place);
+        marker->setCoordinate(place, false, 0);
+        circle->setCoordinate(place);
+        circle->updateCircleWithCoordinate(place, 20, false, 0);
+        step(1);
+    };
+    marker->setMap(engine);
+    circle->setMap(engine);
+    send(kCLLocationCoordinate2DInvalid);
+    EXPECT_EQ(marker->scale(), (SCNVector3{0, 0, 0}));
+    EXPECT_EQ(circle->scale(), (SCNVector3{0, 0, 0}));
+    send(kHere);
+    const SCNVector3 sizes[] = {marker->scale(), circle->scale()};
+    const Vector3d places[] = {marker->exactPosition(), circle->exactPosition()};
+    EXPECT_GT(sizes[0].x, 0);
+    EXPECT_GT(sizes[1].x, 0);
+    for (const CLLocationCoordinate2D bad : std::span(kNowhere).first<4>()) {
+        send(bad);
+        EXPECT_EQ(marker->scale(), sizes[0]) << descriptionOf(bad);
+        EXPECT_EQ(marker->exactPosition(), places[0]) << descriptionOf(bad);
+        EXPECT_EQ(circle->exactPosition(), places[1]) << descriptionOf(bad);
+        EXPECT_NEAR(circle->scale().x, sizes[1].x, 1e-3 * static_cast<double>(sizes[1].x))
+            << descriptionOf(bad);
     }
 }
 

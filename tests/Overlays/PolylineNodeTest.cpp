@@ -2,9 +2,7 @@
 #include "Geo/GeoUtils.h"
 #include "support/EngineFixture.h"
 
-#include <algorithm>
 #include <limits>
-#include <sstream>
 
 namespace trelmix {
 namespace {
@@ -37,30 +35,12 @@ protected:
     std::shared_ptr<PolylineNode> line = PolylineNode::make();
 };
 
-std::size_t lineCount(const std::string& text) {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
-}
-
-TEST_F(PolylineNodeTest, theShaderSourcesKeepTheirLinesAndTrailingBlanks) {
-    const std::string sources[] = {kLineVertexShaderString, kLineFragmentShaderString};
-    EXPECT_EQ(lineCount(sources[0]), 20U);
-    EXPECT_EQ(lineCount(sources[1]), 9U);
-    for (const std::string& source : sources) {
-        EXPECT_EQ(source.back(), '}');
-        EXPECT_EQ(source.find("#version 100 \n"), 0U);
-        std::istringstream lines(source.substr(0, source.size() - 1));
-        for (std::string each; std::getline(lines, each);) {
-            EXPECT_EQ(each.back(), ' ') << each;
-        }
-    }
-    EXPECT_NE(sources[0].find("a_tagent"), std::string::npos);
-}
-
-TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColour) {
+TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColourAndLeaveTheMeshAlone) {
     line->setPolylineVertices({kA, kB, kEast});
     line->setColor({1, 0, 0, 0.5});
     line->setMap(engine);
     step();
+    const auto mesh = lastFrame.list->items.at(0)->mesh;
     EXPECT_EQ(uniform("u_color1"), (std::vector<float>{0.5F, 0, 0, 0.5F}));
     EXPECT_EQ(uniform("u_color2"), (std::vector<float>{0.5F, 0, 0, 0.5F}));
     // Public zoom 23 is the internal zoom 22, of which one map point is a scene unit.
@@ -73,6 +53,7 @@ TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColour) {
     EXPECT_FLOAT_EQ(uniform("u_lineWidth")[0], static_cast<float>(16.0 * ratio));
     const auto& item = lastFrame.list->items.at(0);
     EXPECT_EQ(item->kind, DrawKind::program);
+    EXPECT_EQ(item->mesh, mesh) << "zoom and width leave it alone";
     EXPECT_EQ(item->renderingOrder, -72);
     const auto bindings = item->bindings;
     engine->setCameraWithRotation(0, 0, 21, false);
@@ -83,19 +64,6 @@ TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColour) {
     bindings->at("u_lineWidth")(writer, 0);
     bindings->at("u_color1")(writer, 0);
     EXPECT_TRUE(writer.values.empty()) << "the line is gone";
-}
-
-TEST_F(PolylineNodeTest, zoomWidthAndColourLeaveTheMeshAlone) {
-    line->setPolylineVertices({kA, kB, kEast});
-    line->setMap(engine);
-    step();
-    const auto mesh = lastFrame.list->items.at(0)->mesh;
-    EXPECT_EQ(mesh->origin, (Vector3d{0, 0, 0}));
-    line->setColor(UIColor::redColor());
-    line->setWidth(9);
-    engine->setCameraWithRotation(20, 30, 16, false);
-    step();
-    EXPECT_EQ(lastFrame.list->items.at(0)->mesh, mesh);
 }
 
 TEST_F(PolylineNodeTest, cleanUpDropsReversalsAndShortLegsButNoStraightOnes) {
