@@ -41,8 +41,9 @@ TEST(CameraFitting, placesFillTheViewUpToTheMargin) {
     for (int i = 0; i < 500; ++i) {
         const CLLocationCoordinate2D middle{latitude(random), longitude(random)};
         std::vector<CLLocationCoordinate2D> places;
-        for (int k = 0; k < 6; ++k)
+        for (int k = 0; k < 6; ++k) {
             places.push_back({middle.latitude + spread(random), middle.longitude + spread(random)});
+        }
         const CGSize size{side(random), side(random)};
         const auto camera = cameraShowing(places, size);
         ASSERT_TRUE(camera);
@@ -56,28 +57,27 @@ TEST(CameraFitting, placesFillTheViewUpToTheMargin) {
     }
 }
 
-TEST(CameraFitting, zoomsStayWithinTheirLimitsAndCentred) {
-    const std::vector<CLLocationCoordinate2D> one{{48, 11}};
-    EXPECT_EQ(cameraShowing(one, {800, 600})->zoom(), 23.0F);
-    EXPECT_NEAR(cameraShowing(one, {800, 600})->target().latitude, 48, 1e-9);
-    const std::vector<CLLocationCoordinate2D> world{{60, -170}, {-60, 150}};
-    const auto camera = cameraShowing(world, {800, 600});
-    EXPECT_EQ(camera->zoom(), 15.0F);
-    EXPECT_NEAR(camera->target().latitude, 0, 1e-9);
-    EXPECT_NEAR(camera->target().longitude, -10, 1e-9);
-}
-
-TEST(CameraFitting, invalidPlacesAndViewsAreHarmless) {
-    const std::vector<CLLocationCoordinate2D> bad{kCLLocationCoordinate2DInvalid, {kNaN, 0}, {91, 0}};
+TEST(CameraFitting, zoomsStayWithinTheirLimitsAndCentredWhateverIsInvalid) {
+    const std::vector<CLLocationCoordinate2D> one{{48, 11}}, world{{60, -170}, {-60, 150}},
+        bad{kCLLocationCoordinate2DInvalid, {kNaN, 0}, {91, 0}},
+        mixed{{kNaN, 0}, {-90, 20}, {90, 20}, {1, 20}};
+    const struct {
+        const std::vector<CLLocationCoordinate2D>& places;
+        CGSize view;
+        CLLocationCoordinate2D target;
+        float zoom;
+    } cases[] = {{one, {800, 600}, {48, 11}, 23},  {world, {800, 600}, {0, -10}, 15},
+                 {mixed, {800, 600}, {0, 20}, 15}, {one, {0, 0}, {48, 11}, 15},
+                 {one, {-1, -1}, {48, 11}, 15},    {one, {800, kNaN}, {48, 11}, 15}};
+    for (const auto& c : cases) {
+        const auto camera = cameraShowing(c.places, c.view);
+        ASSERT_TRUE(camera);
+        EXPECT_EQ(camera->zoom(), c.zoom);
+        EXPECT_NEAR(camera->target().latitude, c.target.latitude, 1e-9);
+        EXPECT_NEAR(camera->target().longitude, c.target.longitude, 1e-9);
+    }
     EXPECT_FALSE(cameraShowing(bad, {800, 600}));
     EXPECT_FALSE(cameraShowing({}, {800, 600}));
-    const std::vector<CLLocationCoordinate2D> mixed{{kNaN, 0}, {-90, 20}, {90, 20}, {1, 20}};
-    const auto camera = cameraShowing(mixed, {800, 600});
-    EXPECT_NEAR(camera->target().latitude, 0, 1e-9);
-    EXPECT_EQ(camera->zoom(), 15.0F);
-    const std::vector<CLLocationCoordinate2D> one{{48, 11}};
-    for (const CGSize size : {CGSize{0, 0}, {0, 600}, {800, 0}, {-1, -1}, {kNaN, 600}, {800, kNaN}})
-        EXPECT_EQ(cameraShowing(one, size)->zoom(), 15.0F);
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <future>
 #include <memory>
@@ -17,7 +16,7 @@ TEST(WorkerPool, startsJobsInOrderAndOutlivesThoseThatThrow) {
     std::vector<int> order;
     std::promise<void> done;
     WorkerPool pool(1);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 5; ++i) {
         pool.run([i, &order] {
             order.push_back(i);
             throw std::runtime_error("job");
@@ -25,8 +24,7 @@ TEST(WorkerPool, startsJobsInOrderAndOutlivesThoseThatThrow) {
     }
     pool.run([&done] { done.set_value(); });
     done.get_future().wait();
-    ASSERT_EQ(order.size(), 50U);
-    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4}));
 }
 
 TEST(WorkerPool, theDestructorDropsWaitingJobsAndWaitsForRunningOnes) {
