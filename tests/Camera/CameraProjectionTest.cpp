@@ -25,14 +25,6 @@ protected:
     CameraProjection projection{kHarbour, {800, 600}};
 };
 
-TEST_F(ProjectionTest, aHeadingOf90ShowsEastAtTheTop) {
-    projection.setMapRotation(-90 * DEG_TO_RAD_CONST);
-    const CGPoint east = projection.screenCoordinateFor({kHarbour.lat, kHarbour.lon + 1e-4});
-    EXPECT_NEAR(east.x, 400, 1e-6);
-    EXPECT_LT(east.y, 299);
-    EXPECT_NEAR(projection.cameraRecord().rotation(), 90, 1e-12);
-}
-
 TEST_F(ProjectionTest, aboveTheHorizonNoGroundIsSeen) {
     projection.setMapViewingAngle(0.9599311);
     EXPECT_TRUE(projection.frame().seesGround({400, 0}));

@@ -54,24 +54,5 @@ TEST(ProjectionProperty, anExplicitCameraGivesTheBitsOfTheOneThatIsSet) {
     }
 }
 
-TEST(ProjectionProperty, theTargetIsInTheMiddleAndTheCameraAtItsDistance) {
-    std::mt19937_64 random(3);
-    for (int i = 0; i < 5000; ++i) {
-        const RandomCamera c(random);
-        CameraProjection projection(c.origin, c.size);
-        c.applyTo(projection);
-        const CGPoint middle = projection.screenCoordinateFor(locationOf(c.target));
-        ASSERT_NEAR(middle.x, c.size.x / 2, 1e-3);
-        ASSERT_NEAR(middle.y, c.size.y / 2, 1e-3);
-        const Vector3d eye = projection.exactCameraPosition();
-        const Vector3d target{c.pose.target.x - projection.initialMapPoint().x,
-                              projection.initialMapPoint().y - c.pose.target.y, 0};
-        const Vector3d sight = eye - target;
-        const double expected = projection.frame().distance() * projection.mapPointsPerMeterMax();
-        ASSERT_NEAR(std::hypot(sight.x, sight.y, sight.z) / expected, 1, 1e-9);
-        ASSERT_EQ(projection.cameraPositionVector(), narrowed(eye));
-    }
-}
-
 } // namespace
 } // namespace trelmix

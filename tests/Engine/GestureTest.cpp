@@ -28,23 +28,10 @@ protected:
     std::shared_ptr<DelegateLog> log = std::make_shared<DelegateLog>();
 };
 
-TEST_F(Gesture, whatWasUnderTheFingerStaysUnderItAfterAPan) {
-    for (const double rotation : {0.0, 37.0, 90.0, 200.0}) {
-        engine->setCameraWithRotation(rotation, 0, 17, false);
-        const CLLocationCoordinate2D grabbed = under({400, 300});
-        story()
-            .down(1, {400, 300})
-            .move(1, {420.5, 311.25})
-            .move(1, {500.25, 260.5})
-            .move(1, {520.5, 130.75})
-            .up(1);
-        EXPECT_NEAR(onScreen(grabbed).x, 520.5, 0.5) << rotation;
-        EXPECT_NEAR(onScreen(grabbed).y, 130.75, 0.5) << rotation;
-    }
-    // Tilted, the ground beyond the middle is farther than it looks; to the first order of a short way, that
-    // is.
-    for (const double tilt : {30.0, 55.0}) {
-        engine->setCameraWithRotation(0, tilt, 17, false);
+TEST_F(Gesture, whatWasUnderTheFingerStaysUnderItAlsoWhenTheGroundIsTilted) {
+    // Ground beyond the middle is farther than it looks; to the first order of a short way, that is.
+    for (const double tilt : {0.0, 30.0, 55.0}) {
+        engine->setCameraWithRotation(200, tilt, 17, false);
         const CLLocationCoordinate2D grabbed = under({400, 300});
         story().down(1, {400, 300}).move(1, {400.25, 312}).up(1);
         EXPECT_NEAR(onScreen(grabbed).y, 312, 0.5) << tilt;
