@@ -38,12 +38,9 @@ inline constexpr UIColor kPaleOrange{1, 0.5, 0, 0.8};
 inline constexpr CGPoint kCorner{1, 0.2};
 
 inline std::shared_ptr<const UIImage> twoColours(int width, int height) {
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < width * height; ++i) {
-        const auto green = static_cast<std::uint8_t>(i % width < width / 3 ? 200 : 0);
-        pixels.insert(pixels.end(), {0, green, 255, 255});
-    }
-    return UIImage::withPixels(width, height, std::move(pixels));
+    return painted(width, height, [width](int x, int) {
+        return std::array{0, x < width / 3 ? 200 : 0, 255};
+    });
 }
 
 template <class Kind, class F>
