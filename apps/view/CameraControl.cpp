@@ -15,8 +15,6 @@ using Geo = TrelmixMapEngineGeoUtils;
 
 // Map points at any one zoom do; offsets on the ground are scaled.
 constexpr float kPlaneZoom = 22;
-/// Degrees.
-constexpr double kMostTilt = 55;
 
 CGPoint onPlane(CLLocationCoordinate2D place) {
     return {Geo::convertLongToMapX(place.longitude, kPlaneZoom),
@@ -27,18 +25,22 @@ CLLocationCoordinate2D fromPlane(CGPoint point) {
     return {Geo::convertMapYToLat(point.y, kPlaneZoom), Geo::convertMapXToLong(point.x, kPlaneZoom)};
 }
 
+/// Where a change to that zoom will end: a limit outside the supported zooms limits nothing, and the lower
+/// one wins.
 float allowedZoom(const TrelmixMapEngine& engine, double zoom) {
-    const double least = std::max(engine.minZoom(), engine.minSupportedZoom());
-    const double most = std::min(engine.maxZoom(), engine.maxSupportedZoom());
-    return static_cast<float>(std::max(least, std::min(most, zoom)));
+    const float lowest = engine.minSupportedZoom();
+    const float highest = engine.maxSupportedZoom();
+    const auto isLimit = [&](float limit) { return limit >= lowest && limit <= highest; };
+    const float least = isLimit(engine.minZoom()) ? engine.minZoom() : lowest;
+    const float most = isLimit(engine.maxZoom()) ? engine.maxZoom() : highest;
+    return std::max(least, std::min(most, static_cast<float>(zoom)));
 }
 
 double setCameraAfter(TrelmixMapEngine& engine, const TrelmixMapEngineCamera& camera, double zoom,
                       CameraStep step, bool animated) {
     const float goal = allowedZoom(engine, zoom + step.levels);
-    engine.setCameraWithRotation(camera.rotation() + step.rotation,
-                                 std::clamp(camera.viewingAngle() + step.viewingAngle, 0.0, kMostTilt), goal,
-                                 animated);
+    engine.setCameraWithRotation(camera.rotation() + step.rotation, camera.viewingAngle() + step.viewingAngle,
+                                 goal, animated);
     return static_cast<double>(goal);
 }
 

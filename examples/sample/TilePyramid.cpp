@@ -4,8 +4,8 @@
 #include "TownPainter.h"
 
 #include <atomic>
+#include <future>
 #include <memory>
-#include <thread>
 
 namespace trelmix::sample {
 
@@ -20,9 +20,9 @@ void runJobs(std::size_t count, int threads, const std::function<void(std::size_
         for (std::size_t i = next++; i < count; i = next++)
             job(i);
     };
-    std::vector<std::jthread> workers;
+    std::vector<std::future<void>> workers;
     for (int i = 1; i < threads; ++i)
-        workers.emplace_back(work);
+        workers.push_back(std::async(std::launch::async, work));
     work();
 }
 

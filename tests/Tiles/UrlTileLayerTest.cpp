@@ -328,9 +328,9 @@ TEST_F(UrlTileLayer, itsImageCacheForgetsWhatIsNotShownAndNothingElse) {
     const std::size_t shown = layer->tileCounts().wanted;
     visit(1e6);
     EXPECT_EQ(askedTwice(), static_cast<std::ptrdiff_t>(shown));
-    // Two tiles further, what stays in view is older than what has gone, and is kept all the same.
+    // Two tiles to the west, what stays in view is older than what has gone, and is kept all the same.
     asked.clear();
-    visit(2 * 256 * 32);
+    visit(-2 * 256 * 32);
     layer->setImageCacheLimit(std::nullopt);
     const std::size_t asksInView = asked.size();
     EXPECT_LT(asksInView, layer->tileCounts().wanted);

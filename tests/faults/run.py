@@ -120,8 +120,6 @@ def catch(fault, tests):
 
 
 def main():
-    # Ignored where the script runs in the background, and then by the programs whose end is tested too.
-    signal.signal(signal.SIGINT, signal.default_int_handler)
     try:
         faults = seed.readList(Path(__file__).with_name('list.txt'))
         copyTree(seed.seedAll(faults, ROOT))

@@ -29,51 +29,26 @@ CoordinateList square(double centre, double halfSide, bool counterclockwise) {
     return ring;
 }
 
-int windingNumber(const CoordinateList& outline, CLLocationCoordinate2D place) {
-    int winding = 0;
+double lengthOf(const CoordinateList& outline) {
+    double length = 0;
     for (std::size_t i = 0; i < outline.size(); ++i) {
         const auto& a = outline[i];
         const auto& b = outline[(i + 1) % outline.size()];
-        const double side = (b.longitude - a.longitude) * (place.latitude - a.latitude) -
-                            (place.longitude - a.longitude) * (b.latitude - a.latitude);
-        if (a.latitude <= place.latitude && b.latitude > place.latitude && side > 0) {
-            ++winding;
-        } else if (a.latitude > place.latitude && b.latitude <= place.latitude && side < 0) {
-            --winding;
-        }
+        length += std::hypot(b.longitude - a.longitude, b.latitude - a.latitude);
     }
-    return winding;
+    return length;
 }
 
 } // namespace
 
 TEST(GeoJsonHoles, theOutlineEnclosesTheRingWithoutItsHolesHoweverTheyTurn) {
-    for (const bool outerTurn : {false, true}) {
-        for (const bool firstTurn : {false, true}) {
-            for (const bool secondTurn : {false, true}) {
-                const auto outline = outlineWithHoles(
-                    {square(0, 10, outerTurn), square(-5, 1, firstTurn), square(4.3, 2, secondTurn)});
-                EXPECT_NEAR(std::abs(shoelace(outline)), 400 - 4 - 16, 1e-9);
-                EXPECT_EQ(windingNumber(outline, {-5, -5}), 0);
-                EXPECT_EQ(windingNumber(outline, {4.3, 4.3}), 0);
-                EXPECT_EQ(std::abs(windingNumber(outline, {0.1, 0.2})), 1);
-                EXPECT_EQ(windingNumber(outline, {11, 0.3}), 0);
-            }
-        }
+    for (int turns = 0; turns < 8; ++turns) {
+        const auto outline =
+            outlineWithHoles({square(0, 10, (turns & 1) != 0), square(-5, 1, (turns & 2) != 0),
+                              square(4.3, 2, (turns & 4) != 0)});
+        EXPECT_NEAR(std::abs(shoelace(outline)), 400 - 4 - 16, 1e-9);
+        EXPECT_LT(lengthOf(outline), 80 + 8 + 16 + 4 * 10) << "each hole by the corner next to it";
     }
-}
-
-TEST(GeoJsonHoles, ofAThousandHolesNoneIsLost) {
-    std::vector<CoordinateList> rings = {square(0, 50, true)};
-    for (int i = 0; i < 1000; ++i) {
-        CoordinateList hole = square(0, 0.25, i % 3 == 0);
-        for (auto& corner : hole) {
-            corner.latitude += i % 40 * 2 - 40;
-            corner.longitude += i / 40 * 2 - 40;
-        }
-        rings.push_back(hole);
-    }
-    EXPECT_NEAR(std::abs(shoelace(outlineWithHoles(rings))), 10000 - 1000 * 0.25, 1e-6);
 }
 
 TEST(GeoJson, everyKindOfGeometryIsTakenApart) {

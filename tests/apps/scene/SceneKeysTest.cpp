@@ -172,7 +172,7 @@ std::vector<SectionCase> sections() {
         {"limits",
          R"({"limits": {%}})",
          {},
-         {{"minZoom", "16", "limits 16-"},
+         {{"minZoom", R"(16, "maxZoom": 16)", "limits 16-16"},
           {"maxZoom", "21", "-21 "},
           {"southWest", R"({"lat": 0, "lon": 1}, "northEast": {"lat": 2, "lon": 3})", " 0/100 200/300"},
           {"northEast", R"({"lat": 2, "lon": 3}, "southWest": {"lat": 0, "lon": 1})", " 0/100 200/300"}}},

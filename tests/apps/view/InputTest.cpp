@@ -78,6 +78,9 @@ TEST_F(WindowTest, theRightButtonTurnsAndTilts) {
     EXPECT_NEAR(engine().camera()->rotation(), 20, 1e-3);
     EXPECT_NEAR(engine().camera()->viewingAngle(), 10, 1e-3);
     EXPECT_EQ(engine().camera()->zoom(), 17);
+    drag({300, 400}, {300, 100}, 10, SDL_BUTTON_RIGHT);
+    drag({300, 400}, {300, 440}, 10, SDL_BUTTON_RIGHT);
+    EXPECT_NEAR(engine().camera()->viewingAngle(), 45, 1e-3) << "55 and 10 less";
 }
 
 TEST_F(WindowTest, clicksSayWhatTheyHit) {

@@ -119,9 +119,11 @@ TEST_F(SceneWindowTest, theOldPictureStaysUntilTheNextOneIsThere) {
     const auto scene = [](const std::string& background) {
         return R"({"view": {"width": 640, "height": 480, "background": ")" + background +
                R"("}, "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17},
-                "tiles": [{"mbtiles": "tiles.mbtiles"}]})";
+                "tiles": [{"mbtiles": "tiles.mbtiles"}, {"mbtiles": "tiles.mbtiles"}]})";
     };
     open(scene("#00ff00"));
+    const MapScene& map = app->stage().map();
+    EXPECT_EQ(countOf(map).wanted, 2 * map.layers[0]->tileCounts().wanted);
     ASSERT_EQ(xdisplay::shownPixel(sdlWindow(), 320, 300), (Color{200, 0, 0}));
     rewrite(scene("#ff00ff"));
     const Stage* before = &app->stage();
@@ -248,6 +250,8 @@ TEST_F(SceneWindowTest, cornersShowSourcesScaleAndNorth) {
     EXPECT_TRUE(isCovered(12, 466)) << "scale bar";
     EXPECT_TRUE(isCovered(610, 30)) << "north arrow";
     EXPECT_FALSE(isCovered(320, 240));
+    const double south = groundAt({220, 240}).latitude - groundAt({420, 240}).latitude;
+    EXPECT_NEAR(metresPerPoint(engine(), app->layout().map.size), std::abs(south) * 111'195 / 200, 0.001);
     click({610, 30});
     EXPECT_TRUE(until([&] { return std::abs(engine().camera()->rotation()) < 1e-6; }));
     EXPECT_TRUE(lines.empty()) << "the arrow's click is not the map's";

@@ -79,16 +79,18 @@ protected:
         ASSERT_EQ(SDL_PushEvent(&event), 1);
         app->step();
     }
-    void button(bool isDown, CGPoint at, std::uint8_t which = SDL_BUTTON_LEFT) {
+    void button(bool isDown, CGPoint at, std::uint8_t which = SDL_BUTTON_LEFT, Uint32 device = 0) {
         SDL_Event event{};
+        event.button.which = device;
         event.type = isDown ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
         event.button.button = which;
         event.button.x = static_cast<int>(at.x);
         event.button.y = static_cast<int>(at.y);
         send(event);
     }
-    void motion(CGPoint to) {
+    void motion(CGPoint to, Uint32 device = 0) {
         SDL_Event event{};
+        event.motion.which = device;
         event.type = SDL_MOUSEMOTION;
         event.motion.x = static_cast<int>(to.x);
         event.motion.y = static_cast<int>(to.y);
@@ -116,7 +118,13 @@ protected:
         event.wheel.y = static_cast<int>(notches);
         send(event);
     }
+    /// With what is made of it for programs that know only mice.
     void finger(Uint32 type, SDL_FingerID which, CGPoint at) {
+        if (type == SDL_FINGERMOTION) {
+            motion(at, SDL_TOUCH_MOUSEID);
+        } else {
+            button(type == SDL_FINGERDOWN, at, SDL_BUTTON_LEFT, SDL_TOUCH_MOUSEID);
+        }
         SDL_Event event{};
         event.type = type;
         event.tfinger.touchId = 3;
