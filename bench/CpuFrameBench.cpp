@@ -86,7 +86,7 @@ private:
     std::shared_ptr<TrelmixMapEngineSceneView> _engine =
         std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(_map.engine);
     std::shared_ptr<GLGraveyard> _graveyard = std::make_shared<GLGraveyard>();
-    Renderer _renderer{capabilities(), _graveyard, {1, 0, 0.004}};
+    Renderer _renderer{capabilities(), _graveyard, {.samples = 1, .uploadSecondsPerFrame = 0.004}};
     int _drawCalls = 0;
 };
 
