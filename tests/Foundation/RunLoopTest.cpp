@@ -179,21 +179,6 @@ TEST_F(RunLoopTest, theMainThreadIsChosenOnceAndNotAfterAnEngine) {
     Thread::resetMainThread();
 }
 
-TEST_F(RunLoopTest, aResetInsideABlockDropsTheRestOfThePass) {
-    DispatchQueue::main().async([this] {
-        RunLoop::main().reset();
-        DispatchQueue::main().async(tell('n'));
-    });
-    DispatchQueue::main().async(tell('x'));
-    const auto dropped = timer(1, 't');
-    Clock::set(2001);
-    RunLoop::main().pump();
-    EXPECT_EQ(story, "");
-    EXPECT_FALSE(dropped->isValid());
-    RunLoop::main().pump();
-    EXPECT_EQ(story, "n");
-}
-
 TEST_F(RunLoopTest, waitingEndsWithABlockFromAnotherThreadAndWithATimer) {
     std::thread other([this] { DispatchQueue::main().async(tell('b')); });
     RunLoop::main().wait(60);

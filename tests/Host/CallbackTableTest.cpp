@@ -18,6 +18,7 @@ using Factory = TrelmixMapEngineFactory;
 
 constexpr ViewHost::Layout kLayout{{400, 300}, {{0, 0}, {400, 300}}, 1};
 constexpr CGPoint kMarkerAt{200, 150};
+constexpr CGPoint kDropAt{230, 170};
 constexpr CGPoint kCircleAt{320, 60};
 constexpr CGPoint kNothingAt{40, 240};
 
@@ -104,7 +105,8 @@ void frame(World& w, double seconds = 2) {
     RunLoop::main().drain();
 }
 
-void press(World& w, CGPoint at, CGPoint to, double seconds) {
+/// One move is delivered when the host is pumped, an earlier one when the next comes.
+void press(World& w, CGPoint at, const std::vector<CGPoint>& moves, double seconds) {
     const auto doIf = [&w](auto&& event) {
         if (w.host) {
             event(*w.host);
@@ -115,9 +117,11 @@ void press(World& w, CGPoint at, CGPoint to, double seconds) {
     doIf([&](ViewHost& host) { host.touchBegan(1, at, Clock::now()); });
     Clock::set(Clock::now() + seconds);
     RunLoop::main().drain();
-    doIf([&](ViewHost& host) { host.touchMoved(1, to, Clock::now()); });
+    for (const CGPoint to : moves) {
+        doIf([&](ViewHost& host) { host.touchMoved(1, to, Clock::now()); });
+    }
     doIf([&](ViewHost& host) { host.pump(); });
-    doIf([&](ViewHost& host) { host.touchEnded(1, to, Clock::now()); });
+    doIf([&](ViewHost& host) { host.touchEnded(1, moves.back(), Clock::now()); });
     frame(w, 1);
 }
 
@@ -136,16 +140,20 @@ const std::vector<Callback>& callbacks() {
         w.engine->setCameraWithRotation(20, 10, 18, false);
         frame(w);
     };
-    static const auto dragMarker = [](World& w) { press(w, kMarkerAt, {230, 170}, 0.7); };
+    static const auto dragMarker = [](World& w) { press(w, kMarkerAt, {kDropAt}, 0.7); };
     static const std::vector<Callback> list{
         {"willMove", moveCamera},
-        {"willMove", [](World& w) { press(w, kNothingAt, kMarkerAt, 0); }},
+        {"willMove", [](World& w) { press(w, kNothingAt, {kMarkerAt}, 0); }},
+        {"willMove",
+         [](World& w) {
+             press(w, kNothingAt, {kCircleAt, kMarkerAt}, 0);
+         }},
         {"didChange", moveCamera},
         {"idle", moveCamera},
-        {"tap", [](World& w) { press(w, kNothingAt, kNothingAt, 0); }},
-        {"longPress", [](World& w) { press(w, kNothingAt, kNothingAt, 0.7); }},
-        {"tapMarker", [](World& w) { press(w, kMarkerAt, kMarkerAt, 0); }},
-        {"tapOverlay", [](World& w) { press(w, kCircleAt, kCircleAt, 0); }},
+        {"tap", [](World& w) { press(w, kNothingAt, {kNothingAt}, 0); }},
+        {"longPress", [](World& w) { press(w, kNothingAt, {kNothingAt}, 0.7); }},
+        {"tapMarker", [](World& w) { press(w, kMarkerAt, {kMarkerAt}, 0); }},
+        {"tapOverlay", [](World& w) { press(w, kCircleAt, {kCircleAt}, 0); }},
         {"begin", dragMarker},
         {"drag", dragMarker},
         {"end", dragMarker},

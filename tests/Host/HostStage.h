@@ -6,3 +6,34 @@
 #include "support/TestWindow.h"
 
 #include <Trelmix/Host/ViewHost.h>
+
+namespace trelmix {
+
+/// A window of 200 x 150 pixels, and its context, which is current.
+class WindowFixture : public EngineFixture {
+protected:
+    void SetUp() override {
+        EngineFixture::SetUp();
+        openWindow();
+    }
+    void TearDown() override {
+        closeWindow();
+        EngineFixture::TearDown();
+    }
+    void openWindow() {
+        closeWindow();
+        context = std::move(*GLContext::makeOffscreen());
+        window = std::make_unique<TestWindow>(200, 150);
+    }
+
+    std::unique_ptr<GLContext> context;
+    std::unique_ptr<TestWindow> window;
+
+private:
+    void closeWindow() {
+        window.reset();
+        context.reset();
+    }
+};
+
+} // namespace trelmix

@@ -57,20 +57,9 @@ int largestDifference(const std::vector<std::uint8_t>& a, const std::vector<std:
     return largest;
 }
 
-class SetterTest : public EngineFixture {
+class SetterTest : public WindowFixture {
 protected:
     using Change = std::function<void(TrelmixMapOverlay&, TrelmixMapEngine&)>;
-
-    void SetUp() override {
-        EngineFixture::SetUp();
-        context = std::move(*GLContext::makeOffscreen());
-        window = std::make_unique<TestWindow>(100, 80);
-    }
-    void TearDown() override {
-        window.reset();
-        context.reset();
-        EngineFixture::TearDown();
-    }
 
     /// `before` gives the same picture to an overlay that is not on a map yet.
     static void expectShows(const OverlayKind& kind, const Change& change, const Change& before) {
@@ -89,9 +78,6 @@ protected:
         other->setMap(fresh.engine);
         EXPECT_LE(largestDifference(fresh.pictureAtRest(), changed), 1);
     }
-
-    std::unique_ptr<GLContext> context;
-    std::unique_ptr<TestWindow> window;
 };
 
 TEST_F(SetterTest, ofTheEngine) {

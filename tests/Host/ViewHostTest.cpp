@@ -19,25 +19,19 @@ constexpr Color kRed{255, 0, 0, 255};
 constexpr Color kGreen{0, 255, 0, 255};
 constexpr Color kBlue{0, 0, 255, 255};
 
-class ViewHostTest : public EngineFixture {
+class ViewHostTest : public WindowFixture {
 protected:
     void SetUp() override {
-        EngineFixture::SetUp();
-        auto made = GLContext::makeOffscreen();
-        ASSERT_TRUE(made) << made.reason();
-        context = std::move(*made);
-        window = std::make_unique<TestWindow>(200, 150);
+        WindowFixture::SetUp();
         engine->setBackgroundColor(UIColor{1, 0, 0, 1});
         engine->initialiseWithTarget({53.5, 10}, 17);
-        auto made2 = ViewHost::make(engine, kLayout, {});
-        ASSERT_TRUE(made2) << made2.reason();
-        host = std::move(*made2);
+        auto made = ViewHost::make(engine, kLayout, {});
+        ASSERT_TRUE(made) << made.reason();
+        host = std::move(*made);
     }
     void TearDown() override {
         host.reset();
-        window.reset();
-        context.reset();
-        EngineFixture::TearDown();
+        WindowFixture::TearDown();
     }
 
     Drawing frame(bool always = false) {
@@ -57,8 +51,6 @@ protected:
     }
 
     static constexpr ViewHost::Layout kLayout{{200, 150}, {{20, 10}, {100, 80}}, 1};
-    std::unique_ptr<GLContext> context;
-    std::unique_ptr<TestWindow> window;
     std::unique_ptr<ViewHost> host;
 };
 
@@ -214,10 +206,7 @@ TEST_F(ViewHostTest, drawingFailsWithoutAContextAndGoesOnWithItOrWithTheNextOne)
     EXPECT_EQ(host->failure(), "");
     ASSERT_TRUE(comesToRest());
     host->contextWasLost();
-    window.reset();
-    context.reset();
-    context = std::move(*GLContext::makeOffscreen());
-    window = std::make_unique<TestWindow>(200, 150);
+    openWindow();
     EXPECT_EQ(frame(), Drawing::drawn);
     EXPECT_EQ(window->pixel(50, 50), kRed);
     EXPECT_EQ(window->pixel(2, 2), kBlue);

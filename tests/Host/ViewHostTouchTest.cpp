@@ -97,26 +97,6 @@ TEST_F(ViewHostTouchTest, theGroundStaysUnderADraggedFingerAlsoAlongAnAxis) {
     EXPECT_LE(distance(pointOf(place), {500, 300}), 0.5) << "the height alone has changed";
 }
 
-TEST_F(ViewHostTouchTest, twoFingersThatMoveInOneFrameAreOneEvent) {
-    const double before = engine->camera()->rotation();
-    host->touchBegan(1, {300, 350}, now());
-    host->touchBegan(2, {500, 350}, now());
-    for (int i = 1; i <= 20; ++i) {
-        // Fed one by one, the first finger of each step would look like a turn of a degree.
-        const double y = 350 - 4.0 * i;
-        const double at = now();
-        host->touchMoved(1, {300, y}, at);
-        host->touchMoved(2, {500, y}, at);
-        host->pump();
-    }
-    host->touchEnded(1, {300, 270}, now());
-    host->touchEnded(2, {500, 270}, now());
-    settle();
-    EXPECT_GT(engine->camera()->viewingAngle(), 20) << "two fingers that go up tilt";
-    EXPECT_NEAR(engine->camera()->rotation(), before, 1e-6);
-    EXPECT_FLOAT_EQ(engine->camera()->zoom(), 17);
-}
-
 TEST_F(ViewHostTouchTest, aTapHitsWhatLiesThereAndACancelledOneNothing) {
     struct Taps : DelegateLog {
         bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>&) override { return ++markers > 0; }
@@ -164,49 +144,6 @@ TEST_F(ViewHostTouchTest, onlyAPointThatIsElsewhereIsAMovementAndALiftIsWhereItI
     host->touchEnded(1, {350, 320}, now());
     settle();
     EXPECT_LE(distance(pointOf(log->place), pointOf(lifted)), 0.01);
-}
-
-TEST_F(ViewHostTouchTest, inputWithoutSenseMovesNothing) {
-    const double nan = std::nan("");
-    const auto before = *engine->camera();
-    host->touchMoved(7, {1, 2}, now());
-    host->touchEnded(7, {1, 2}, now());
-    host->touchCancelled(7, now());
-    for (const CGPoint point : {CGPoint{nan, 5}, {5, INFINITY}, {-500, 300}, {5000, 300}, {400, 10}}) {
-        host->touchBegan(1, point, now());
-        host->touchMoved(1, {nan, nan}, nan);
-        host->pump();
-        host->touchEnded(1, {nan, nan}, -1);
-        host->cancelTouches();
-    }
-    settle();
-    EXPECT_EQ(engine->camera()->target().latitude, before.target().latitude);
-    EXPECT_EQ(engine->camera()->zoom(), before.zoom());
-}
-
-TEST_F(ViewHostTouchTest, theHostMayBeDestroyedInsideAnyCallThatDeliversAMove) {
-    const std::function<void()> deliveries[] = {[&] {
-                                                    host->touchMoved(1, {460, 360}, now());
-                                                },
-                                                [&] {
-                                                    host->touchEnded(1, {460, 360}, now());
-                                                },
-                                                [&] {
-                                                    host->touchBegan(2, {100, 100}, now());
-                                                },
-                                                [&] { host->pump(); }};
-    for (const auto& deliver : deliveries) {
-        const auto log = std::make_shared<DelegateLog>();
-        engine->setDelegate(log);
-        log->onWillMove = [this] { host.reset(); };
-        host->touchBegan(1, {400, 300}, now());
-        host->touchMoved(1, {430, 330}, now());
-        deliver();
-        EXPECT_FALSE(host) << &deliver - deliveries;
-        engine->setDelegate({});
-        settle();
-        host = std::move(*ViewHost::make(engine, kLayout, {}));
-    }
 }
 
 } // namespace

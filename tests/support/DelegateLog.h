@@ -3,6 +3,7 @@
 #include <Trelmix/TrelmixMapEngineCamera.h>
 #include <Trelmix/TrelmixMapEngineDelegate.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -32,11 +33,7 @@ public:
     }
 
     std::size_t count(const std::string& call) const {
-        std::size_t n = 0;
-        for (const std::string& c : calls) {
-            n += c == call ? 1U : 0U;
-        }
-        return n;
+        return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), call));
     }
 
 protected:
