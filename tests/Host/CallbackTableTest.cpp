@@ -184,21 +184,18 @@ const std::vector<Callback>& callbacks() {
 using Calls = std::map<std::string, std::function<void(World&)>>;
 
 void addEngineCalls(Calls& calls) {
-    calls["engine view"] = [](World& w) { w.engine->view(); };
-    calls["engine background"] = [](World& w) {
-        w.engine->setBackgroundColor(std::nullopt);
-        w.engine->backgroundColor();
-    };
-    calls["engine without delegate"] = [](World& w) { w.engine->setDelegate({}); };
     calls["engine conversions"] = [](World& w) {
         const auto projection = w.engine->projection();
         projection->screenCoordinateFor(projection->topLeftCoordinate());
     };
-    calls["engine gestures off"] = [](World& w) {
+    calls["engine without delegate"] = [](World& w) { w.engine->setDelegate({}); };
+    calls["engine switches"] = [](World& w) {
+        w.engine->setBackgroundColor(std::nullopt);
         w.engine->setEnableRotationGesture(false);
         w.engine->setEnableTiltGesture(false);
         w.engine->setEnableZoomGesture(false);
         w.engine->setEnableScrollGesture(false);
+        w.engine->setHitTestBoundingBoxOnly(false);
     };
     calls["engine maxZoom"] = [](World& w) { w.engine->setMaxZoom(17); };
     calls["engine minZoom"] = [](World& w) { w.engine->setMinZoom(19); };
@@ -206,7 +203,6 @@ void addEngineCalls(Calls& calls) {
         w.engine->setCameraTargetBoundsNorthEast({54, 10.5});
         w.engine->setCameraTargetBoundsSouthWest({53.8, 10.2});
     };
-    calls["engine exact hits"] = [](World& w) { w.engine->setHitTestBoundingBoxOnly(false); };
     calls["engine initialise"] = [](World& w) { w.engine->initialiseWithTarget({1, 2}, 20); };
     calls["engine setCamera"] = [](World& w) { w.engine->setCameraWithRotation(90, 30, 16, false); };
     calls["engine setCamera animated"] = [](World& w) { w.engine->setCameraWithRotation(90, 30, 16, true); };

@@ -114,15 +114,9 @@ TEST_F(RenderThreadTest, presentsWhatChangesAndNothingElse) {
 
 TEST_F(RenderThreadTest, stopsAtAnyMoment) {
     start().reset();
-    for (int updates = 0; updates < 4; ++updates) {
-        auto thread = start();
-        EXPECT_TRUE(thread->waitForUpdates(static_cast<std::uint64_t>(updates)));
-        thread.reset();
-        const int presents = screen.presentCount;
-        host->pump();
-        EXPECT_EQ(screen.presentCount, presents);
-    }
-    EXPECT_EQ(screen.makeCurrentCount, 5);
+    const int presents = screen.presentCount;
+    host->pump();
+    EXPECT_EQ(screen.presentCount, presents);
     // From the middle of a resize, and from a call that the engine makes on the main thread.
     struct Listener : TrelmixMapEngineDelegate {
         std::function<void()> onIdle, onTile;

@@ -1,10 +1,8 @@
 // Touches as a window hands them over.
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
-#include "support/Pixels.h"
 
 #include <Trelmix/Host/ViewHost.h>
-#include <Trelmix/TrelmixMapEngineFactory.h>
 
 #include <cmath>
 
@@ -97,29 +95,6 @@ TEST_F(ViewHostTouchTest, theGroundStaysUnderADraggedFingerAlsoAlongAnAxis) {
     EXPECT_LE(distance(pointOf(place), {500, 300}), 0.5) << "the height alone has changed";
 }
 
-TEST_F(ViewHostTouchTest, aTapHitsWhatLiesThereAndACancelledOneNothing) {
-    struct Taps : DelegateLog {
-        bool mapViewDidTapMarker(const std::shared_ptr<TrelmixMapMarker>&) override { return ++markers > 0; }
-        int markers = 0;
-    };
-    const auto taps = std::make_shared<Taps>();
-    engine->setDelegate(taps);
-    const auto marker =
-        TrelmixMapEngineFactory::createMapMarkerWith(plainImage(20, 20), groundAt({500, 200}));
-    marker->setMap(engine);
-    step();
-    host->touchBegan(1, {500, 200}, now());
-    host->touchCancelled(1, now());
-    settle();
-    EXPECT_EQ(taps->markers, 0);
-    host->touchBegan(1, {503, 197}, now());
-    host->touchEnded(1, {503, 197}, now());
-    settle();
-    EXPECT_EQ(taps->markers, 1);
-    marker->setMap(nullptr);
-    settle();
-}
-
 TEST_F(ViewHostTouchTest, onlyAPointThatIsElsewhereIsAMovementAndALiftIsWhereItIs) {
     struct Presses : DelegateLog {
         void mapViewDidLongPressAt(CLLocationCoordinate2D coordinate) override { place = coordinate; }
@@ -144,6 +119,11 @@ TEST_F(ViewHostTouchTest, onlyAPointThatIsElsewhereIsAMovementAndALiftIsWhereItI
     host->touchEnded(1, {350, 320}, now());
     settle();
     EXPECT_LE(distance(pointOf(log->place), pointOf(lifted)), 0.01);
+    log->place = {};
+    host->touchBegan(1, {300, 300}, now());
+    host->touchCancelled(1, now());
+    settle();
+    EXPECT_EQ(log->place, CLLocationCoordinate2D{}) << "a press that was cancelled";
 }
 
 } // namespace

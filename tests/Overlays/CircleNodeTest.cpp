@@ -36,7 +36,6 @@ TEST_F(CircleNodeTest, isARoundDiscOfItsDiameterOnTheGround) {
     EXPECT_NEAR(item.corners[1].x - item.corners[0].x, diameterOf(100), 0.01);
     EXPECT_NEAR(item.corners[0].y - item.corners[2].y, diameterOf(100), 0.01);
     EXPECT_FLOAT_EQ(circle->position().z, 0.05F);
-    EXPECT_EQ(item.renderingOrder, -73);
 }
 
 TEST_F(CircleNodeTest, movesAndGrowsTogetherAndCutShortEndsWhereItWasGoing) {

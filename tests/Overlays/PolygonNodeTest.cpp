@@ -27,7 +27,6 @@ TEST_F(PolygonNodeTest, fillsItsCornersWhereTheProjectionPutsThem) {
     step();
     const DrawItem& item = *lastFrame.list->items.at(0);
     EXPECT_EQ(item.kind, DrawKind::fill);
-    EXPECT_EQ(item.renderingOrder, -74);
     ASSERT_EQ(item.mesh->vertexCount(), 3U);
     for (std::size_t i = 0; i < 3; ++i) {
         const auto place = *scenePlaceOf(triangle[i].coordinate(), *engine->cameraProjection());

@@ -54,7 +54,6 @@ TEST_F(PolylineNodeTest, theHandlersWriteWidthAndPremultipliedColourAndLeaveTheM
     const auto& item = lastFrame.list->items.at(0);
     EXPECT_EQ(item->kind, DrawKind::program);
     EXPECT_EQ(item->mesh, mesh) << "zoom and width leave it alone";
-    EXPECT_EQ(item->renderingOrder, -72);
     const auto bindings = item->bindings;
     engine->setCameraWithRotation(0, 0, 21, false);
     line->setMap(nullptr);
