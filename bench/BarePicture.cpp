@@ -24,10 +24,9 @@ const char* const kCircleVertex = R"(#version 100
 attribute vec3 a_position; attribute vec2 a_place; uniform mat4 u_matrix; varying vec2 v_place;
 void main() { gl_Position = u_matrix * vec4(a_position, 1.0); v_place = a_place; })";
 const char* const kCircleFragment = R"(#version 100
-#extension GL_OES_standard_derivatives : enable
-precision highp float; varying vec2 v_place;
-void main() { float f = length(v_place) - 1.0;
-gl_FragColor = vec4(0.1, 0.2, 0.4, 0.5) * clamp(0.5 - f / fwidth(f), 0.0, 1.0); })";
+precision highp float; uniform float u_radius; varying vec2 v_place;
+void main() { float away = (1.0 - length(v_place)) * u_radius;
+gl_FragColor = vec4(0.1, 0.2, 0.4, 0.5) * clamp(0.5 + away, 0.0, 1.0); })";
 
 /// In view when one corner is, or the corners lie around it.
 bool isInView(const std::array<Vector3d, 4>& corners, const Matrix4d& clip) {
@@ -273,6 +272,7 @@ void BarePicture::draw(const Matrix4d& clip) {
     }
     if (_discs.count > 0) {
         use(_circles, &_discs);
+        glUniform1f(glGetUniformLocation(_circles.name(), "u_radius"), 14); // pixels, straight below
         point(0, 3, 5, 0);
         point(1, 2, 5, 3);
         drawMesh(_discs);

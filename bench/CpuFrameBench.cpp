@@ -30,7 +30,6 @@ GLCapabilities capabilities() {
     all.maximumTextureSize = 8192;
     all.maximumTargetSize = 8192;
     all.has32BitIndices = true;
-    all.hasDerivatives = true;
     all.hasLevelsOfAnySize = true;
     return all;
 }

@@ -11,8 +11,13 @@ namespace trelmix {
 
 namespace {
 
-// Discs lie flat: the cosine is that between the view and the upright. The last 1.5 is the pixel and a half
-// by which a quad grows; a disc seen from the side needs more of the scene for it.
+// Discs lie flat, and p is a place in the disc's own frame, where its rim is |p| = 1: as (X / W, Y / W) with
+// X, Y and W linear on screen, because the ground's picture is a projective map. Half the change of p·p from
+// a pixel to the next is (p·X' + p·Y' - (p·p) W') / W, and at the rim, where p·p = 1, that is linear on the
+// ground but for W: so corners give it exactly to every pixel, `v_slope * v_depth`, without derivatives.
+//
+// Discs with a radius below a pixel are drawn with one of a pixel, and as much fainter. Quads grow by half a
+// pixel and a little more; a disc seen from the side needs more of the scene for it.
 constexpr const char* kVertexShader = R"(#version 100
 attribute vec3 a_centre;
 attribute vec3 a_diagonal;
@@ -21,51 +26,61 @@ attribute vec4 a_color;
 uniform mat4 u_matrix;
 uniform vec3 u_eye;
 uniform float u_pixelSize;
+uniform vec2 u_halfSize;
 varying vec2 v_place;
+varying vec2 v_slope;
+varying vec2 v_depth;
 varying vec4 v_color;
-varying float v_pixel;
 void main() {
-    vec3 corner = a_centre + a_diagonal;
+    vec2 axis = vec2(dot(a_diagonal.xy, a_corner), a_diagonal.y * a_corner.x - a_diagonal.x * a_corner.y) * 0.5;
+    vec3 right = (u_matrix * vec4(axis, 0.0, 0.0)).xyw;
+    vec3 up = (u_matrix * vec4(-axis.y, axis.x, 0.0, 0.0)).xyw;
+    vec3 middle = (u_matrix * vec4(a_centre, 1.0)).xyw;
+    right.xy *= u_halfSize;
+    up.xy *= u_halfSize;
+    middle.xy *= u_halfSize;
+    // The middle may lie behind the camera.
+    float usual = max(abs(middle.z), 0.01 * length(axis));
+    float volume = max(abs(dot(cross(right, up), middle)), 1e-30);
+    float size = sqrt(volume / (usual * usual * usual));
+    v_color = a_color * min(size * size, 1.0);
+    float enlarged = max(1.0, 1.0 / size);
+    right *= enlarged;
+    up *= enlarged;
+    volume *= enlarged * enlarged;
+    size *= enlarged;
+
+    vec3 diagonal = a_diagonal * enlarged;
+    vec3 corner = a_centre + diagonal;
     float depth = max((u_matrix * vec4(corner, 1.0)).w, 0.0);
     float cosine = abs(u_eye.z - corner.z) / max(distance(u_eye, corner), 0.001);
-    float radius = max(length(a_diagonal) * 0.70710678, 0.000001);
-    float pixel = depth * u_pixelSize / radius;
-    float grown = 1.0 + 1.5 * pixel / max(cosine, 0.02);
-    gl_Position = u_matrix * vec4(a_centre + a_diagonal * grown, 1.0);
+    float radius = max(length(axis) * enlarged, 0.000001);
+    float grown = 1.0 + 0.75 * depth * u_pixelSize / (radius * max(cosine, 0.02));
+    gl_Position = u_matrix * vec4(a_centre + diagonal * grown, 1.0);
     v_place = a_corner * grown;
-    v_color = a_color;
-    v_pixel = pixel / max(sqrt(cosine), 0.15);
+    v_slope = (cross(up, middle) * v_place.x + cross(middle, right) * v_place.y - cross(right, up)).xy *
+              (size * usual / volume);
+    v_depth = vec2(gl_Position.w / usual, size);
 }
 )";
 
-// `change` is by how much the distance from the centre changes from one pixel to the next across the edge.
-// The ramp of one pixel makes a disc larger by a twelfth of a square pixel in the square of its radius, which
-// is taken off; one smaller than a pixel fades instead.
+// The part of a pixel that the disc covers, as the distance to the rim; being linear in p·p it leaves the
+// disc its area. Near the middle the slope vanishes, and only there the least of it counts.
 constexpr const char* kFragmentShader = R"(#version 100
-#ifdef DERIVATIVES
-#extension GL_OES_standard_derivatives : enable
-#endif
 #ifdef GL_FRAGMENT_PRECISION_HIGH
 precision highp float;
 #else
 precision mediump float;
 #endif
 varying vec2 v_place;
+varying vec2 v_slope;
+varying vec2 v_depth;
 varying vec4 v_color;
-varying float v_pixel;
 void main() {
-    float away = length(v_place);
-#ifdef DERIVATIVES
-    vec2 outward = v_place / max(away, 0.000001);
-    float change = length(vec2(dot(outward, dFdx(v_place)), dot(outward, dFdy(v_place))));
-#else
-    float change = v_pixel;
-#endif
-    float radius = 1.0 / max(change, 0.0000001);
-    float area = radius * radius - 0.08333333;
-    float shown = sqrt(max(area, 0.25));
-    float fade = min(1.0, 3.0 * radius * radius);
-    gl_FragColor = v_color * (fade * clamp(0.5 + shown - away * radius, 0.0, 1.0));
+    float square = dot(v_place, v_place);
+    float slope = dot(v_slope, v_slope) * v_depth.x * v_depth.x;
+    float away = (1.0 - square) * sqrt(max(square, 0.001) / max(slope, 0.001));
+    gl_FragColor = v_color * clamp(0.5 + 0.5 * v_depth.y * away, 0.0, 1.0);
 }
 )";
 
@@ -77,16 +92,12 @@ std::uint16_t narrowedColor(float value) {
 
 DiscPainter::DiscPainter(std::shared_ptr<GLGraveyard> graveyard) : _slots(std::move(graveyard)) {}
 
-std::string DiscPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard, bool hasDerivatives) {
+std::string DiscPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard) {
     if (_program) {
         return {};
     }
     const GLAttribute attributes[] = {{0, "a_centre"}, {1, "a_diagonal"}, {2, "a_corner"}, {3, "a_color"}};
-    std::string fragment = kFragmentShader;
-    if (hasDerivatives) {
-        fragment.insert(fragment.find('\n') + 1, "#define DERIVATIVES\n");
-    }
-    auto linked = linkProgram(graveyard, kVertexShader, fragment, attributes);
+    auto linked = linkProgram(graveyard, kVertexShader, kFragmentShader, attributes);
     if (!linked) {
         return linked.reason();
     }
@@ -94,6 +105,7 @@ std::string DiscPainter::prepare(const std::shared_ptr<GLGraveyard>& graveyard, 
     _matrix = glGetUniformLocation(_program.name(), "u_matrix");
     _eye = glGetUniformLocation(_program.name(), "u_eye");
     _pixelSize = glGetUniformLocation(_program.name(), "u_pixelSize");
+    _halfSize = glGetUniformLocation(_program.name(), "u_halfSize");
     return {};
 }
 
@@ -134,6 +146,7 @@ void DiscPainter::use(const FrameView& view, VertexArrays& arrays) {
         glUniformMatrix4fv(_matrix, 1, GL_FALSE, view.matrix().data());
         glUniform3fv(_eye, 1, view.eye().data());
         glUniform1f(_pixelSize, view.pixelSize());
+        glUniform2f(_halfSize, view.halfSize()[0], view.halfSize()[1]);
     }
     arrays.enable(0xF);
     _slots.bind();

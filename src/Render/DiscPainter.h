@@ -29,7 +29,7 @@ public:
     explicit DiscPainter(std::shared_ptr<GLGraveyard> graveyard);
     /// Compiles the shaders, once; empty when it went well. Without derivatives edges of tilted discs are
     /// less even.
-    std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard, bool hasDerivatives);
+    std::string prepare(const std::shared_ptr<GLGraveyard>& graveyard);
 
     Slots& slots() { return _slots; }
     const Slots& slots() const { return _slots; }
@@ -46,6 +46,7 @@ private:
     GLint _matrix = -1;
     GLint _eye = -1;
     GLint _pixelSize = -1;
+    GLint _halfSize = -1;
     bool _isCurrent = false;
 };
 

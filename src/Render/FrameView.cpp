@@ -39,6 +39,7 @@ BoundingSphere BoundingSphere::around(const float (*points)[3], std::size_t coun
 }
 
 bool FrameView::update(const DrawCamera& camera, int width, int height, bool rowsRunDown) {
+    _halfSize = {static_cast<float>(width) * 0.5F, static_cast<float>(height) * 0.5F};
     const double aspect = static_cast<double>(width) / height;
     const Matrix4d node = Matrix4d::translation(camera.position) * Matrix4d::rotation(camera.eulerAngles);
     const Vector3d eye = node.transformPoint(camera.pivot * -1.0);

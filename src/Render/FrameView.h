@@ -44,6 +44,8 @@ public:
     const std::array<float, 3>& eye() const { return _eye; }
     /// Size of a pixel in the scene, for each unit of distance before the camera.
     float pixelSize() const { return _pixelSize; }
+    /// Half the frame's width and height; pixels.
+    std::array<float, 2> halfSize() const { return _halfSize; }
     bool canShow(const BoundingSphere& sphere) const;
 
 private:
@@ -56,6 +58,7 @@ private:
     std::array<float, 16> _matrix{};
     std::array<float, 3> _eye{};
     float _pixelSize = 0;
+    std::array<float, 2> _halfSize{};
     /// Planes through the view's sides and its nearest depth: normal, unit length, and distance.
     std::array<std::array<float, 4>, 5> _planes{};
 };

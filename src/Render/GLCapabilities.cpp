@@ -108,8 +108,6 @@ GLCapabilities GLCapabilities::ofCurrentContext() {
     c.maximumTargetSize =
         std::min({c.maximumTextureSize, number(GL_MAX_RENDERBUFFER_SIZE), viewport[0], viewport[1]});
     c.has32BitIndices = three || hasWord(extensions, "GL_OES_element_index_uint");
-    // The shaders are GLSL ES 1.00, where the extension has to be asked for by name in version 3 too.
-    c.hasDerivatives = hasWord(extensions, "GL_OES_standard_derivatives");
     c.hasHighPrecision = fragmentsHaveHighPrecision();
     c.hasLevelsOfAnySize = three || hasWord(extensions, "GL_OES_texture_npot");
     if (hasWord(extensions, "GL_EXT_texture_filter_anisotropic")) {

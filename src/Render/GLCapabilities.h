@@ -22,7 +22,6 @@ struct GLCapabilities {
     /// Smallest of the limits for a framebuffer's side.
     int maximumTargetSize = 64;
     bool has32BitIndices = false;
-    bool hasDerivatives = false;
     /// Levels of detail for textures whose sides are no powers of two.
     bool hasLevelsOfAnySize = false;
     /// 1 when the extension is missing.

@@ -14,8 +14,8 @@ namespace trelmix {
 
 struct Renderer::Parts {
     Parts(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> shared, Options given)
-        : graveyard(std::move(shared)), options(given), hasDerivatives(capabilities.hasDerivatives),
-          hasHighPrecision(capabilities.hasHighPrecision), target(capabilities, graveyard),
+        : graveyard(std::move(shared)), options(given), hasHighPrecision(capabilities.hasHighPrecision),
+          target(capabilities, graveyard),
           stores(capabilities, graveyard,
                  TextureLimits::of(capabilities, options.maximumTextureSize, options.anisotropy)),
           plan(stores) {}
@@ -35,7 +35,6 @@ struct Renderer::Parts {
 
     std::shared_ptr<GLGraveyard> graveyard;
     Options options;
-    bool hasDerivatives;
     bool hasHighPrecision;
     FrameTarget target;
     FrameView view;
@@ -182,7 +181,7 @@ std::string Renderer::Parts::prepare(const DrawRun& run) {
     case DrawRun::Kind::images:
         return stores.images.prepare(run.isTinted, graveyard);
     case DrawRun::Kind::discs:
-        return stores.discs.prepare(graveyard, hasDerivatives);
+        return stores.discs.prepare(graveyard);
     case DrawRun::Kind::sharedFills:
     case DrawRun::Kind::largeFill:
         return stores.fills.prepare(graveyard);

@@ -110,15 +110,5 @@ TEST_F(RenderTest, discsBeyondWhatNarrowIndicesReachStandInTheirPlaces) {
     EXPECT_EQ(pixelAt(*shown, 50, 50)[0], 255);
 }
 
-TEST_F(RenderTest, discsStaySmoothWithoutDerivatives) {
-    capabilities.hasDerivatives = false;
-    makeRenderer();
-    for (const double tilt : {0.0, 40.0}) {
-        const DrawCamera camera = cameraAt({}, 200, tilt * kDegree);
-        const auto shown = picture(frameOf({discItem({}, 60, {0, 0, 0, 1})}, camera), 200, 200);
-        EXPECT_NEAR(blobIn(*shown).area / projectedRim(camera, {}, 60, 200, 200).area, 1, 0.03) << tilt;
-    }
-}
-
 } // namespace
 } // namespace trelmix::render_test
