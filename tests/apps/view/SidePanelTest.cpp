@@ -34,31 +34,29 @@ TEST_F(SidePanelTest, bothAreInTheWindowAndTheLevelsPlanIsShown) {
     EXPECT_EQ(pixel(320, 165), kPlanOne);
     const auto side = pixel(4, 470);
     EXPECT_GE(side[0], 100) << "the picture, perhaps under the footprint";
-    key(SDLK_PAGEUP);
-    EXPECT_EQ(level(), 2);
-    settle();
-    EXPECT_EQ(pixel(320, 165), kPlanTwo);
-    key(SDLK_PAGEUP);
-    key(SDLK_PAGEUP);
-    EXPECT_EQ(level(), 7);
-    settle();
-    EXPECT_EQ(pixel(320, 165), (std::array{255, 255, 255})) << "a level without a plan";
-    key(SDLK_PAGEDOWN);
-    key(SDLK_PAGEDOWN);
-    key(SDLK_PAGEDOWN);
-    EXPECT_EQ(level(), 1);
+    const struct {
+        SDL_Keycode code;
+        std::int64_t level;
+        std::array<int, 3> shown;
+    } steps[] = {{SDLK_PAGEUP, 2, kPlanTwo},        {SDLK_PAGEUP, 7, {255, 255, 255}},
+                 {SDLK_PAGEUP, 7, {255, 255, 255}}, {SDLK_PAGEDOWN, 2, kPlanTwo},
+                 {SDLK_PAGEDOWN, 1, kPlanOne},      {SDLK_PAGEDOWN, 1, kPlanOne}};
+    for (const auto& step : steps) {
+        key(step.code);
+        EXPECT_EQ(level(), step.level);
+        settle();
+        EXPECT_EQ(pixel(320, 165), step.shown) << "level 7 has no plan";
+    }
 }
 
 TEST_F(SidePanelTest, aDragInTheSideViewMovesTheMapWithEachStepOfTheLoop) {
     motion({320, 400});
     button(true, {320, 400});
-    double before = engine().camera()->target().longitude;
     int moves = 0;
     for (int i = 1; i <= 12; ++i) {
+        const double before = engine().camera()->target().longitude;
         motion({320.0 + 10 * i, 400});
-        const double now = engine().camera()->target().longitude;
-        moves += now > before ? 1 : 0;
-        before = now;
+        moves += engine().camera()->target().longitude > before ? 1 : 0;
     }
     button(false, {440, 400});
     EXPECT_GE(moves, 10) << "all but what decides that it is a drag";
@@ -112,15 +110,14 @@ TEST_F(SidePanelTest, zoomingThePictureHasToBeSwitchedOn) {
 TEST_F(SidePanelTest, inALowWindowTheDisplayedLevelIsInView) {
     SDL_SetWindowSize(sdlWindow(), 640, 160);
     ASSERT_TRUE(until([&] { return app->layout().side.size.height == 72; }));
+    const auto levelAt = [&](double y) { return app->stage().side()->sideview().levelAt({320, y}); };
+    // Each level is 50 points high.
     const auto isInView = [&](std::int64_t wanted) {
-        const auto& side = app->stage().side()->sideview();
-        bool is = true;
-        // Each level is 50 points high.
-        for (double y = 0, found = 0; y < 72; ++y) {
-            found += side.levelAt({320, y}) == wanted ? 1 : 0;
-            is = y < 71 || found >= 49;
+        int rows = 0;
+        for (int y = 0; y < 72; ++y) {
+            rows += levelAt(y) == wanted ? 1 : 0;
         }
-        return is;
+        return rows >= 49;
     };
     EXPECT_TRUE(isInView(1));
     for (const std::int64_t wanted : {2, 7}) {
@@ -129,8 +126,7 @@ TEST_F(SidePanelTest, inALowWindowTheDisplayedLevelIsInView) {
     }
     SDL_SetWindowSize(sdlWindow(), 640, 100);
     ASSERT_TRUE(until([&] { return app->layout().side.size.height == 45; }));
-    EXPECT_EQ(app->stage().side()->sideview().levelAt({320, 1}), 7);
-    EXPECT_EQ(app->stage().side()->sideview().levelAt({320, 44}), 7) << "its middle where it does not fit";
+    EXPECT_TRUE(levelAt(1) == 7 && levelAt(44) == 7) << "its middle where it does not fit";
 }
 
 } // namespace

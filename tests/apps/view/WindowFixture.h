@@ -28,8 +28,15 @@ class WindowTest : public testing::Test {
 protected:
     static constexpr double kWidth = 640;
     static constexpr double kHeight = 480;
-    static constexpr const char* kPlain = R"({"view": {"width": 640, "height": 480, "background": "#208040"},
-        "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17}})";
+    /// A scene with these members besides.
+    static std::string sceneWith(const std::string& members, const std::string& background = "#ffffff") {
+        return R"({"view": {"width": 640, "height": 480, "background": ")" + background +
+               R"("}, "camera": {"target": {"lat": 53.5, "lon": 10}, "zoom": 17})" +
+               (members.empty() ? "" : ", ") + members + "}";
+    }
+    inline static const std::string kPlain = sceneWith("", "#208040");
+    inline static const std::string kPlanPlace =
+        R"("southWest": {"lat": 53.49, "lon": 9.99}, "northEast": {"lat": 53.51, "lon": 10.01})";
 
     void TearDown() override {
         if (app) {
@@ -156,10 +163,8 @@ protected:
     /// Red, green, blue.
     std::array<int, 3> pixel(int x, int y) {
         const auto image = picture();
-        if (!image || x >= image->pixelWidth() || y >= image->pixelHeight()) {
-            return {-1, -1, -1};
-        }
-        return colorAt(*image, x, y);
+        return image && x < image->pixelWidth() && y < image->pixelHeight() ? colorAt(*image, x, y)
+                                                                            : std::array{-1, -1, -1};
     }
     static SDL_Window* sdlWindow() {
         SDL_Window* window = nullptr;
