@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <turbojpeg.h>
+#include <zlib.h>
 
 namespace {
 
@@ -47,17 +48,6 @@ std::vector<FileBytes> goodFiles() {
             trelmix::webpFile(side, side, samples, false)};
 }
 
-std::uint32_t checksum(std::span<const std::byte> data) {
-    std::uint32_t value = 0xFFFFFFFFU;
-    for (const std::byte byte : data) {
-        value ^= static_cast<std::uint32_t>(byte);
-        for (int bit = 0; bit < 8; ++bit) {
-            value = (value >> 1) ^ ((value & 1U) != 0 ? 0xEDB88320U : 0U);
-        }
-    }
-    return ~value;
-}
-
 /// Gives every chunk that is there the checksum of its edited content.
 void repairPng(FileBytes& file) {
     std::size_t at = 8;
@@ -69,7 +59,8 @@ void repairPng(FileBytes& file) {
         if (length > file.size() - at - 12) {
             return;
         }
-        const std::uint32_t sum = checksum(std::span(file).subspan(at + 4, length + 4));
+        const auto sum =
+            ::crc32(0, reinterpret_cast<const Bytef*>(&file[at + 4]), static_cast<uInt>(length + 4));
         for (std::size_t i = 0; i < 4; ++i) {
             file[at + 8 + length + i] = static_cast<std::byte>(sum >> (24 - 8 * i));
         }

@@ -91,12 +91,13 @@ private:
         tap->requireGestureRecognizerToFail(doubleTap);
         tap->requireGestureRecognizerToFail(press);
         press->requireGestureRecognizerToFail(bytes.next() & 1 ? tap : doubleTap);
-        for (const std::shared_ptr<UIGestureRecognizer>& recognizer :
-             {std::shared_ptr<UIGestureRecognizer>(std::make_shared<UIPinchGestureRecognizer>()),
-              std::shared_ptr<UIGestureRecognizer>(std::make_shared<UIRotationGestureRecognizer>()),
-              std::shared_ptr<UIGestureRecognizer>(std::make_shared<UIPanGestureRecognizer>()),
-              std::shared_ptr<UIGestureRecognizer>(tap), std::shared_ptr<UIGestureRecognizer>(doubleTap),
-              std::shared_ptr<UIGestureRecognizer>(press)}) {
+        const std::shared_ptr<UIGestureRecognizer> added[] = {std::make_shared<UIPinchGestureRecognizer>(),
+                                                              std::make_shared<UIRotationGestureRecognizer>(),
+                                                              std::make_shared<UIPanGestureRecognizer>(),
+                                                              tap,
+                                                              doubleTap,
+                                                              press};
+        for (const auto& recognizer : added) {
             view.addGestureRecognizer(recognizer);
             recognizer->setDelegate(weak_from_this());
             recognizer->addTarget([weak = weak_from_this()](UIGestureRecognizer& sender) {
@@ -110,37 +111,24 @@ private:
 
     void act(UIGestureRecognizer& sender) {
         const CGPoint location = sender.locationInView(content);
-        if (!std::isfinite(location.x) || !std::isfinite(location.y)) {
+        const auto* pan = dynamic_cast<UIPanGestureRecognizer*>(&sender);
+        if (!std::isfinite(location.x + location.y) ||
+            (pan && !std::isfinite(pan->velocity(root).x + pan->translation(content).y))) {
             std::abort();
         }
-        if (const auto* pan = dynamic_cast<UIPanGestureRecognizer*>(&sender)) {
-            if (!std::isfinite(pan->velocity(root).x) || !std::isfinite(pan->translation(content).y)) {
-                std::abort();
-            }
-        }
-        switch (bytes.next()) {
-        case 250:
+        const std::uint8_t what = bytes.next();
+        if (what == 250) {
             sender.setIsEnabled(false);
-            break;
-        case 251:
+        } else if (what == 251) {
             recognizers[bytes.next() % recognizers.size()]->setIsEnabled(bytes.next() & 1);
-            break;
-        case 252:
+        } else if (what == 252) {
             scroll->removeFromSuperview();
-            break;
-        case 253:
+        } else if (what == 253) {
             root->addSubview(scroll);
-            break;
-        case 254:
+        } else if (what == 254) {
             dispatcher->cancelAll();
-            break;
-        case 255:
-            if (const auto view = sender.view()) {
-                ViewNode::of(*view).removeGestureRecognizer(sender.shared_from_this());
-            }
-            break;
-        default:
-            break;
+        } else if (const auto view = sender.view(); view && what == 255) {
+            ViewNode::of(*view).removeGestureRecognizer(sender.shared_from_this());
         }
     }
 

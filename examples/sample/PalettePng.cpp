@@ -78,23 +78,22 @@ std::vector<Colour> choosePalette(const std::vector<Count>& counts) {
     return palette;
 }
 
-std::vector<std::byte> encode(const spng_ihdr& header, const spng_plte* palette, const void* pixels,
-                              std::size_t size, int filters) {
+std::vector<std::byte> encode(spng_plte& palette, const std::vector<std::uint8_t>& indices) {
     const std::unique_ptr<spng_ctx, decltype(&spng_ctx_free)> context(spng_ctx_new(SPNG_CTX_ENCODER),
                                                                       &spng_ctx_free);
     if (!context)
         return {};
-    spng_ihdr copy = header;
+    spng_ihdr header{};
+    header.width = kTileSize;
+    header.height = kTileSize;
+    header.bit_depth = 8;
+    header.color_type = SPNG_COLOR_TYPE_INDEXED;
     spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
     spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, 6);
-    spng_set_option(context.get(), SPNG_FILTER_CHOICE, filters);
-    if (spng_set_ihdr(context.get(), &copy) != 0)
-        return {};
-    if (palette != nullptr) {
-        spng_plte colours = *palette;
-        spng_set_plte(context.get(), &colours);
-    }
-    if (spng_encode_image(context.get(), pixels, size, SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE) != 0)
+    spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING);
+    if (spng_set_ihdr(context.get(), &header) != 0 || spng_set_plte(context.get(), &palette) != 0 ||
+        spng_encode_image(context.get(), indices.data(), indices.size(), SPNG_FMT_PNG,
+                          SPNG_ENCODE_FINALIZE) != 0)
         return {};
     std::size_t length = 0;
     int error = 0;
@@ -105,15 +104,6 @@ std::vector<std::byte> encode(const spng_ihdr& header, const spng_plte* palette,
     std::vector<std::byte> bytes(length);
     std::memcpy(bytes.data(), png.get(), length);
     return bytes;
-}
-
-spng_ihdr headerOf(std::uint8_t colourType) {
-    spng_ihdr header{};
-    header.width = kTileSize;
-    header.height = kTileSize;
-    header.bit_depth = 8;
-    header.color_type = colourType;
-    return header;
 }
 
 } // namespace
@@ -137,18 +127,7 @@ std::vector<std::byte> palettePng(TilePixels pixels) {
     std::vector<std::uint8_t> indices(pixels.size());
     for (std::size_t i = 0; i < pixels.size(); ++i)
         indices[i] = i > 0 && pixels[i] == pixels[i - 1] ? indices[i - 1] : indexOf[pixels[i]];
-    return encode(headerOf(SPNG_COLOR_TYPE_INDEXED), &colours, indices.data(), indices.size(),
-                  SPNG_DISABLE_FILTERING);
-}
-
-std::vector<std::byte> trueColourPng(TilePixels pixels) {
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(pixels.size() * 3);
-    for (const Colour colour : pixels)
-        for (const int shift : {16, 8, 0})
-            bytes.push_back(static_cast<std::uint8_t>(part(colour, shift)));
-    return encode(headerOf(SPNG_COLOR_TYPE_TRUECOLOR), nullptr, bytes.data(), bytes.size(),
-                  SPNG_FILTER_CHOICE_ALL);
+    return encode(colours, indices);
 }
 
 } // namespace trelmix::sample

@@ -16,7 +16,5 @@ using TilePixels = std::span<const std::uint32_t>;
 /// With a palette of at most 256 colours. The commonest colours keep their exact value, so flat ground never
 /// changes its shade from tile to tile; the blends along edges take the nearest. Empty when memory runs out.
 std::vector<std::byte> palettePng(TilePixels pixels);
-/// Every pixel exactly.
-std::vector<std::byte> trueColourPng(TilePixels pixels);
 
 } // namespace trelmix::sample

@@ -66,20 +66,6 @@ std::vector<Tile> paintBlock(const TownPainter& painter, const TileRange& block)
     return tiles;
 }
 
-Tile codedTile(int zoom, int column, int row) {
-    std::vector<std::uint32_t> pixels;
-    pixels.reserve(static_cast<std::size_t>(kTileSize * kTileSize));
-    for (int y = 0; y < kTileSize; ++y) {
-        for (int x = 0; x < kTileSize; ++x) {
-            const auto globalX = static_cast<std::uint32_t>(column * kTileSize + x);
-            const auto globalY = static_cast<std::uint32_t>(row * kTileSize + y);
-            const std::uint32_t blue = ((globalX >> 8) & 15) << 4 | ((globalY >> 8) & 15);
-            pixels.push_back((globalX & 255) << 16 | (globalY & 255) << 8 | blue);
-        }
-    }
-    return {zoom, column, row, trueColourPng(pixels)};
-}
-
 std::vector<Tile> joined(std::vector<std::vector<Tile>> parts) {
     std::vector<Tile> all;
     for (std::vector<Tile>& part : parts)
@@ -104,12 +90,6 @@ std::vector<TileRange> townRanges() {
             TileRange::around(19, 620, 500)};
 }
 
-std::vector<TileRange> codedRanges() {
-    return {TileRange::around(15, 1800, 1800), TileRange::around(16, 1200, 1200),
-            TileRange::around(17, 800, 800), TileRange::around(18, 500, 500),
-            TileRange::around(19, 300, 300)};
-}
-
 std::vector<Tile> paintTown(const TownModel& model, int threads) {
     const std::vector<TileRange> ranges = townRanges();
     std::vector<std::unique_ptr<TownPainter>> painters;
@@ -120,17 +100,6 @@ std::vector<Tile> paintTown(const TownModel& model, int threads) {
     runJobs(blocks.size(), threads, [&](std::size_t i) {
         const auto level = static_cast<std::size_t>(blocks[i].zoom - ranges.front().zoom);
         done[i] = paintBlock(*painters[level], blocks[i]);
-    });
-    return joined(std::move(done));
-}
-
-std::vector<Tile> paintCoded(int threads) {
-    const std::vector<TileRange> blocks = blocksOf(codedRanges());
-    std::vector<std::vector<Tile>> done(blocks.size());
-    runJobs(blocks.size(), threads, [&](std::size_t i) {
-        for (int row = blocks[i].top; row <= blocks[i].bottom; ++row)
-            for (int column = blocks[i].left; column <= blocks[i].right; ++column)
-                done[i].push_back(codedTile(blocks[i].zoom, column, row));
     });
     return joined(std::move(done));
 }

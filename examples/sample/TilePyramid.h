@@ -34,12 +34,7 @@ struct Tile {
 
 /// The tiles of all zoom levels of the town, 15 to 19; `threads` of them at work.
 std::vector<Tile> paintTown(const TownModel& model, int threads);
-/// Tiles whose pixels tell their own place, for tests that read the ground from a picture: of the global
-/// pixel (X, Y) at the tile's zoom, red is X & 255, green Y & 255, and blue has bits 8 to 11 of X above those
-/// of Y.
-std::vector<Tile> paintCoded(int threads);
 std::vector<TileRange> townRanges();
-std::vector<TileRange> codedRanges();
 
 /// Writes an archive anew. Empty when it went well, else what is wrong.
 std::string writeArchive(const std::string& path, const std::string& name,

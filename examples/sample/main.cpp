@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <string_view>
 
 namespace {
 
@@ -43,26 +42,21 @@ std::string writeTown(const std::string& folder) {
     return problem;
 }
 
-std::string writeCoded(const std::string& folder) {
-    return writeArchive(folder + "/coded.mbtiles", "Coded pixels", codedRanges(), paintCoded(kThreads));
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool isCoded = argc == 3 && std::string_view(argv[1]) == "--coded";
-    if (!isCoded && (argc != 2 || argv[1][0] == '-' || argv[1][0] == '\0')) {
-        std::fprintf(stderr, "usage: trelmix-sample [--coded] FOLDER\n");
+    if (argc != 2 || argv[1][0] == '-' || argv[1][0] == '\0') {
+        std::fprintf(stderr, "usage: trelmix-sample FOLDER\n");
         return 2;
     }
-    const std::string folder = argv[argc - 1];
+    const std::string folder = argv[1];
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error) {
         std::fprintf(stderr, "trelmix-sample: %s: %s\n", folder.c_str(), error.message().c_str());
         return 2;
     }
-    const std::string problem = isCoded ? writeCoded(folder) : writeTown(folder);
+    const std::string problem = writeTown(folder);
     if (!problem.empty()) {
         std::fprintf(stderr, "trelmix-sample: %s\n", problem.c_str());
         return 2;

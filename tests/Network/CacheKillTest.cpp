@@ -31,45 +31,44 @@ constexpr std::uint64_t kPlenty = std::uint64_t{1} << 30;
     }
 }
 
-struct Filler {
+/// Another process at that.
+class Filler {
+public:
     Filler(const std::string& folder, int first) {
         int ends[2] = {};
-        if (::pipe(ends) != 0) {
-            return;
-        }
-        child = ::fork();
-        if (child == 0) {
+        EXPECT_EQ(::pipe(ends), 0);
+        _child = ::fork();
+        if (_child == 0) {
             ::close(ends[0]);
             fillForEver(folder, first, ends[1]);
         }
         ::close(ends[1]);
-        report = ends[0];
+        _report = ends[0];
     }
-    ~Filler() {
-        kill();
-        ::close(report);
-    }
+    ~Filler() { ::close(_report); }
     Filler(const Filler&) = delete;
     Filler& operator=(const Filler&) = delete;
 
     bool takeReport() {
         int number = 0;
-        const bool isThere = ::read(report, &number, sizeof number) == sizeof number;
+        const bool isThere = ::read(_report, &number, sizeof number) == sizeof number;
         if (isThere) {
             finished.push_back(number);
         }
         return isThere;
     }
     void kill() {
-        if (child > 0) {
-            ::kill(child, SIGKILL);
-            ::waitpid(std::exchange(child, -1), nullptr, 0);
+        ::kill(_child, SIGKILL);
+        ::waitpid(_child, nullptr, 0);
+        while (takeReport()) {
         }
     }
 
-    pid_t child = -1;
-    int report = -1;
     std::vector<int> finished;
+
+private:
+    pid_t _child = -1;
+    int _report = -1;
 };
 
 TEST(CacheKill, everyFinishedEntryIsWholeAfterEachKill) {
@@ -82,25 +81,20 @@ TEST(CacheKill, everyFinishedEntryIsWholeAfterEachKill) {
         Filler other(place, 1'000'000);
         const auto some = random() % 40;
         for (unsigned i = 0; i < some; ++i) {
-            ASSERT_TRUE(killed.takeReport());
+            EXPECT_TRUE(killed.takeReport());
         }
         // Anywhere within the work of one entry.
         for (auto turns = random() % 200'000; turns > 0; --turns) {
             std::atomic_signal_fence(std::memory_order_seq_cst);
         }
         killed.kill();
-        while (killed.takeReport()) {
-        }
-        ASSERT_TRUE(other.takeReport());
+        EXPECT_TRUE(other.takeReport());
         other.kill();
-        while (other.takeReport()) {
-        }
         DiskCache cache(place, kPlenty);
         for (const Filler* filler : {&killed, &other}) {
             for (const int number : filler->finished) {
                 const auto found = cache.find(sampleAddress(number));
-                ASSERT_TRUE(found) << "round " << round << " lost entry " << number;
-                ASSERT_EQ(*found, sampleBody(number)) << "round " << round << ", entry " << number;
+                ASSERT_TRUE(found && *found == sampleBody(number)) << "round " << round << " lost " << number;
             }
         }
         ASSERT_NE(::access((place + "/" + DiskCache::kFileName + ".damaged").c_str(), F_OK), 0);
