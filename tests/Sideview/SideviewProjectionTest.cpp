@@ -43,30 +43,14 @@ TEST(SideviewProjection, oneScaleHoldsForMarginsAndLevels) {
     ASSERT_TRUE(side);
     EXPECT_DOUBLE_EQ(side->netLevelHeights(), 7);
     EXPECT_DOUBLE_EQ(side->totalHeight(), 8.4);
-    const double scale = side->imagePointsPerMeter();
-    EXPECT_NEAR(scale, 35.714285714285715, 1e-12);
+    EXPECT_NEAR(side->imagePointsPerMeter(), 35.714285714285715, 1e-12);
     EXPECT_NEAR(side->point(kInTheBox, 0).y, 226.42857142857144, 1e-9);
     EXPECT_NEAR(side->point(kInTheBox, 1).y, 101.42857142857142, 1e-9);
     EXPECT_EQ(side->point(kInTheBox, 7).y, 0) << "a level the file does not have";
     EXPECT_EQ(side->point(kInTheBox, 7).x, side->point(kInTheBox, 1).x);
-    EXPECT_EQ(side->levelNumber({0, 200}), 0);
-    EXPECT_EQ(side->levelNumber({0, 100}), 1);
     EXPECT_EQ(side->levelNumber({0, 10}), 1) << "above everything: the nearest";
-    EXPECT_EQ(side->levelHeight({0, 200}), 3);
     EXPECT_EQ(side->levelInfo(1)->levelBounds->front().ceilingHeight, 4);
     EXPECT_FALSE(side->levelInfo(2));
-
-    const CornersOf view(
-        {CLLocationCoordinate2D{53.5412, 9.961}, {53.5408, 9.961}, {53.5412, 9.963}, kInTheBox});
-    const CGRect onLevel = side->cameraBoundingRectangle(view, 1);
-    EXPECT_NEAR(onLevel.origin.y, 300 - 270, 1e-9);
-    EXPECT_NEAR(onLevel.size.height, 4 * scale, 1e-9);
-    const CGRect onNone = side->cameraBoundingRectangle(view, kInvalidLevel);
-    EXPECT_EQ(onNone.origin.y, 0);
-    EXPECT_EQ(onNone.size.height, 0);
-    EXPECT_EQ(onNone.origin.x, onLevel.origin.x);
-    EXPECT_EQ(onNone.size.width, onLevel.size.width);
-    EXPECT_GT(onNone.size.width, 0);
 }
 
 TEST(SideviewProjection, touchingLevelsGiveTheLaterOneAndGapsTheNearer) {
@@ -81,8 +65,6 @@ TEST(SideviewProjection, touchingLevelsGiveTheLaterOneAndGapsTheNearer) {
     EXPECT_EQ(gap->levelNumber({0, 400 - 151}), 6);
     EXPECT_EQ(gap->levelNumber({0, 400 - 150}), 5) << "the first of equally near ones";
     EXPECT_EQ(gap->levelNumber({0, kNaN}), kLevelNotFound);
-    EXPECT_EQ(gap->levelNumber({0, kInfinity}), kLevelNotFound);
-    EXPECT_EQ(gap->levelHeight({0, kNaN}), 0);
 
     const auto overlapping = withLevels(level("1", 0, 4) + "," + level("2", 2, 6));
     const std::vector<SideviewLevelBounds> both = {{0, 4}, {2, 6}};
@@ -92,12 +74,7 @@ TEST(SideviewProjection, touchingLevelsGiveTheLaterOneAndGapsTheNearer) {
 }
 
 TEST(SideviewProjection, aLevelMayBeNumberedLikeTheNotFoundResultAndMayHaveNoNumber) {
-    const auto like = withLevels(level("-1337", 0, 4) + "," + level("1", 4, 6));
-    ASSERT_TRUE(like);
-    EXPECT_EQ(like->levelAt({0, 390}), kLevelNotFound);
-    EXPECT_EQ(like->levelNumber({0, 390}), kLevelNotFound);
-    EXPECT_NEAR(like->point(kInTheBox, kLevelNotFound).y, 400 - 80, 1e-9);
-
+    EXPECT_EQ(withLevels(level("-1337", 0, 4))->levelAt({0, 390}), kLevelNotFound);
     const auto unnumbered = withLevels(level("1.5", 0, 4) + "," + level("1", 4, 6));
     EXPECT_EQ(unnumbered->levelNumber({0, 390}), 1) << "the nearest of those with a number";
     const auto nobody = withLevels(level("true", 0, 4));
@@ -123,14 +100,8 @@ TEST(SideviewProjection, aFileWithoutLevelsKeepsItsHorizontalMapping) {
     EXPECT_EQ(side->levelNumber({0, 100}), kLevelNotFound);
     EXPECT_TRUE(side->levelBounds({0, 100}).empty());
     EXPECT_EQ(side->levelHeight({0, 100}), 0);
-    const CGPoint point = side->point(kInTheBox, 0);
-    EXPECT_EQ(point.y, 0);
-    EXPECT_TRUE(std::isfinite(point.x));
-
-    const CornersOf view({kInTheBox, kInTheBox, kInTheBox, kInTheBox});
-    EXPECT_TRUE(std::isnan(side->cameraBoundingRectangle(view, 0).origin.y));
-    EXPECT_TRUE(std::isnan(side->cameraBoundingRectangle(view, 0).size.height));
-    EXPECT_EQ(side->cameraBoundingRectangle(view, kInvalidLevel).size, (CGSize{0, 0}));
+    EXPECT_EQ(side->point(kInTheBox, 0).y, 0);
+    EXPECT_TRUE(std::isfinite(side->point(kInTheBox, 0).x));
     const auto camera = side->cameraForSideviewPoint({900, 50}, {kInTheBox, 1, 2, 18});
     ASSERT_TRUE(camera) << "stays where it is";
     EXPECT_NEAR(camera->target().latitude, kInTheBox.latitude, 1e-12);
@@ -139,17 +110,13 @@ TEST(SideviewProjection, aFileWithoutLevelsKeepsItsHorizontalMapping) {
 TEST(SideviewProjection, aFootprintWithOneCornerAtInfinityCoversTheWholeWidth) {
     const auto side = projectionOf(levelsText(R"("bearing": 30,)" + kTwoLevels));
     ASSERT_TRUE(side);
-    for (const CLLocationCoordinate2D bad : {CLLocationCoordinate2D{kNaN, 9.96},
-                                             {53.54, kNaN},
-                                             {53.54, kInfinity},
-                                             {53.54, -kInfinity},
-                                             {-90, 0}}) {
-        for (std::size_t i = 0; i < 4; ++i) {
-            std::array<CLLocationCoordinate2D, 4> corners{kInTheBox, kInTheBox, kInTheBox, kInTheBox};
+    for (std::size_t i = 0; i < 4; ++i) {
+        std::array<CLLocationCoordinate2D, 4> corners{kInTheBox, kInTheBox, kInTheBox, kInTheBox};
+        for (const CLLocationCoordinate2D bad : {CLLocationCoordinate2D{kNaN, 9.96}, {53.54, -kInfinity}}) {
             corners[i] = bad;
             const CGRect rectangle = side->cameraBoundingRectangle(CornersOf(corners), 1);
-            EXPECT_EQ(rectangle.origin.x, 0) << bad.latitude << " " << bad.longitude << " at " << i;
-            EXPECT_EQ(rectangle.size.width, 1000) << bad.latitude << " " << bad.longitude << " at " << i;
+            EXPECT_EQ(rectangle.origin.x, 0) << i;
+            EXPECT_EQ(rectangle.size.width, 1000) << i;
         }
     }
 }
@@ -177,8 +144,6 @@ TEST(SideviewProjection, theCameraMovesAlongTheBearingByTheDistanceThatThePictur
             EXPECT_NEAR(east, along * std::sin(120 * std::numbers::pi / 180), 1e-4) << bow << move;
         }
         EXPECT_FALSE(side->cameraForSideviewPoint({kNaN, 100}, {kInTheBox, 0, 0, 18}));
-        EXPECT_FALSE(side->cameraForSideviewPoint({kInfinity, 100}, {kInTheBox, 0, 0, 18}));
-        EXPECT_FALSE(side->cameraForSideviewPoint({10, 100}, {{kNaN, 9.96}, 0, 0, 18}));
         EXPECT_FALSE(side->cameraForSideviewPoint({10, 100}, {{-90, 9.96}, 0, 0, 18}));
         EXPECT_TRUE(side->cameraForSideviewPoint({10, kNaN}, {kInTheBox, 0, 0, 18})) << "only x moves it";
     }
@@ -194,15 +159,10 @@ TEST(SideviewProjection, whatLeavesAPlaceWithoutFiniteCounterpartIsRefused) {
     const std::pair<const char*, Change> cases[] = {
         {"southLatitude: ", [](LevelsFile& f) { f.southLatitude = -90; }},
         {"northLatitude: ", [](LevelsFile& f) { f.northLatitude = 90; }},
-        {"northLatitude: ", [](LevelsFile& f) { f.northLatitude = 1e9; }},
         {"no place on the map", [](LevelsFile& f) { f.westLongitude = 1e308; }},
         {"no place on the map", [](LevelsFile& f) { f.bearing = kInfinity; }},
-        {"no extent", [](LevelsFile& f) { f.bearing = 0, f.northLatitude = f.southLatitude; }},
         {"no extent", [](LevelsFile& f) { f.bearing = 90, f.westLongitude = f.eastLongitude; }},
-        {"no extent",
-         [](LevelsFile& f) { f.northLatitude = f.southLatitude, f.westLongitude = f.eastLongitude; }},
         {"bottomOffset, topOffset", [](LevelsFile& f) { f.bottomOffset = 270; }},
-        {"bottomOffset, topOffset", [](LevelsFile& f) { f.bottomOffset = 4000; }},
         {"bottomOffset, topOffset", [](LevelsFile& f) { f.bottomOffset = f.topOffset = -1e308; }},
         {"leftOffset, rightOffset", [](LevelsFile& f) { f.leftOffset = f.rightOffset = 1e308; }},
         {"add up to 0 m",
@@ -220,7 +180,7 @@ TEST(SideviewProjection, whatLeavesAPlaceWithoutFiniteCounterpartIsRefused) {
         ASSERT_FALSE(made) << place;
         EXPECT_NE(made.reason().find(place), std::string::npos) << made.reason();
     }
-    for (const CGSize size : {CGSize{0, 300}, {1000, 0}, {0, 0}, {-1, 300}, {kNaN, 300}, {1000, kInfinity}}) {
+    for (const CGSize size : {CGSize{0, 300}, {kNaN, 300}, {1000, kInfinity}}) {
         EXPECT_FALSE(SideviewProjection::make(*usable, size.width, size.height));
     }
 }

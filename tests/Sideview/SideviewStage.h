@@ -5,6 +5,7 @@
 #include "Platform/View/ViewComposer.h"
 #include "Sideview/SideviewScrollView.h"
 #include "support/EngineFixture.h"
+#include "support/Pixels.h"
 #include "support/ScratchFolder.h"
 #include "support/TouchStory.h"
 
@@ -62,14 +63,6 @@ protected:
 
     std::string goodLevels() const {
         return folder.write("levels.json", levelsText("\"bearing\": 90," + kTwoLevels));
-    }
-    static std::shared_ptr<const UIImage> plainImage(int width, int height,
-                                                     std::array<std::uint8_t, 4> color) {
-        std::vector<std::uint8_t> pixels;
-        for (int i = 0; i < width * height; ++i) {
-            pixels.insert(pixels.end(), color.begin(), color.end());
-        }
-        return UIImage::withPixels(width, height, std::move(pixels));
     }
     static std::shared_ptr<const UIImage> picture() {
         return plainImage(static_cast<int>(kPicture.width), static_cast<int>(kPicture.height),
