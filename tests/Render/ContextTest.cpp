@@ -65,18 +65,5 @@ TEST_F(RenderTest, objectsDroppedOnAnotherThreadAreDeletedOnTheContextsOwn) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST_F(RenderTest, aContextMovesToAnotherThreadOnceItIsReleased) {
-    bool drawn = false;
-    context->release();
-    std::thread([&] {
-        drawn = context->makeCurrent() &&
-                renderer->draw(frameOf({discItem({}, 5, {1, 0, 0, 1})}, cameraAt({}, 8)), 8, 8);
-        context->release();
-    }).join();
-    EXPECT_TRUE(drawn);
-    ASSERT_TRUE(context->makeCurrent());
-    EXPECT_EQ(pixelAt(**renderer->readBack(1), 4, 4), (Rgba{255, 0, 0, 255}));
-}
-
 } // namespace
 } // namespace trelmix::render_test

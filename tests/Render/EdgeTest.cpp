@@ -105,12 +105,10 @@ TEST_F(RenderTest, noSeamOpensBetweenTilesAtAnyRotationAndTilt) {
 /// Black and white pixels as a function of their place says.
 template <class F>
 std::shared_ptr<const UIImage> pattern(F isWhite) {
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < 256 * 256; ++i) {
-        const std::uint8_t v = isWhite(i % 256, i / 256) ? 255 : 0;
-        pixels.insert(pixels.end(), {v, v, v, 255});
-    }
-    return UIImage::withPixels(256, 256, std::move(pixels));
+    return painted(256, 256, [&](int x, int y) {
+        const int value = isWhite(x, y) ? 255 : 0;
+        return std::array{value, value, value};
+    });
 }
 
 TEST_F(RenderTest, aTiltedFineTextureIsMinifiedFromItsLevelsWithoutShimmer) {

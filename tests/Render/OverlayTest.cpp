@@ -41,12 +41,9 @@ TEST_F(RenderTest, thePictureStandsUprightInAWindowBesideWhatElseIsThere) {
 
 TEST_F(RenderTest, imagesOverThePictureAreSharpAndGoWithTheirImages) {
     draw(frameOf({}, cameraAt({}, 20)), 30, 20);
-    std::vector<std::uint8_t> pixels;
-    for (int i = 0; i < 35; ++i) {
-        pixels.insert(pixels.end(),
-                      {static_cast<std::uint8_t>(i * 7), 0, static_cast<std::uint8_t>(255 - i), 255});
-    }
-    auto label = UIImage::withPixels(7, 5, pixels);
+    const auto label = painted(7, 5, [](int x, int y) {
+        return std::array{(x + 7 * y) * 7, 0, 255 - x - 7 * y};
+    });
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const std::vector<OverlayQuad> quads{
         {label, {{21, 14}, {7, 5}}}, {nullptr, {{0, 0}, {9, 9}}}, {label, {{nan, 0}, {9, 9}}}};

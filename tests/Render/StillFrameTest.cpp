@@ -76,6 +76,10 @@ TEST_F(RenderTest, aFrameLikeTheOneBeforeAllocatesAndRewritesNothing) {
     EXPECT_EQ(still->rewrittenBytes, 0U);
     EXPECT_EQ(still->uploadedBytes, 0U);
 
+    // One marker that moves rewrites no other.
+    items[151] = imageItem(icon, ground(3, -10, 5, 10), 151);
+    EXPECT_LT(draw(frameOf(items, frame.camera), 100, 100).rewrittenBytes, 4096U);
+    draw(frame, 100, 100);
     // A camera that moves over the same list: only the order of what is visible may be written.
     for (int i = 1; i <= 3; ++i) {
         frame.camera = cameraAt({i * 4.0, 0, 0}, 100, 0.2, 0.1);

@@ -8,18 +8,13 @@ namespace {
 
 /// Coloured waves with fine and coarse detail in a black frame.
 std::shared_ptr<const UIImage> waves(int width, int height) {
-    std::vector<std::uint8_t> pixels;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const auto wave = [&](double f) {
-                const bool isFrame = std::min({x, y, width - 1 - x, height - 1 - y}) < 12;
-                return static_cast<std::uint8_t>(
-                    isFrame ? 0 : std::lround(127.5 + 127 * std::sin(x / f) * std::cos(y / (f * 1.3))));
-            };
-            pixels.insert(pixels.end(), {wave(3), wave(11), wave(60), 255});
-        }
-    }
-    return UIImage::withPixels(width, height, std::move(pixels));
+    return painted(width, height, [&](int x, int y) {
+        const bool isFrame = std::min({x, y, width - 1 - x, height - 1 - y}) < 12;
+        const auto wave = [&](double f) {
+            return isFrame ? 0 : std::lround(127.5 + 127 * std::sin(x / f) * std::cos(y / (f * 1.3)));
+        };
+        return std::array{wave(3), wave(11), wave(60)};
+    });
 }
 
 TEST_F(RenderTest, anImageBeyondTheLimitLooksAsItDoesInOnePiece) {
