@@ -4,7 +4,6 @@
 
 #include <spng.h>
 #include <turbojpeg.h>
-#include <webp/encode.h>
 
 namespace trelmix {
 namespace {
@@ -78,21 +77,12 @@ FileBytes compressed(int width, int height, const std::vector<std::uint8_t>& sam
 
 } // namespace
 
-FileBytes jpegFile(int width, int height, const std::vector<std::uint8_t>& rgb, int flags) {
-    return compressed(width, height, rgb, TJPF_RGB, flags);
+FileBytes progressiveJpegFile(int width, int height, const std::vector<std::uint8_t>& rgb) {
+    return compressed(width, height, rgb, TJPF_RGB, TJFLAG_PROGRESSIVE);
 }
 
 FileBytes inkJpegFile(int width, int height, const std::vector<std::uint8_t>& cmyk) {
     return compressed(width, height, cmyk, TJPF_CMYK, 0);
-}
-
-FileBytes webpFile(int width, int height, const std::vector<std::uint8_t>& rgba, bool isLossless) {
-    std::uint8_t* data = nullptr;
-    const std::size_t size = isLossless ? WebPEncodeLosslessRGBA(rgba.data(), width, height, width * 4, &data)
-                                        : WebPEncodeRGBA(rgba.data(), width, height, width * 4, 90.0F, &data);
-    FileBytes file = copyOf(data, size);
-    WebPFree(data);
-    return file;
 }
 
 } // namespace trelmix

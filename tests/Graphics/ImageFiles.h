@@ -24,10 +24,9 @@ struct PngSpec {
 
 /// @param samples as the file format lays them out, 16-bit samples in the machine's order.
 FileBytes pngFile(const PngSpec& spec, const std::vector<std::uint8_t>& samples);
-/// @param flags of the encoder, for example progressive.
-FileBytes jpegFile(int width, int height, const std::vector<std::uint8_t>& rgb, int flags = 0);
+/// Whose details come in several passes.
+FileBytes progressiveJpegFile(int width, int height, const std::vector<std::uint8_t>& rgb);
 /// Cyan, magenta, yellow and black, each as what it leaves of the light.
 FileBytes inkJpegFile(int width, int height, const std::vector<std::uint8_t>& cmyk);
-FileBytes webpFile(int width, int height, const std::vector<std::uint8_t>& rgba, bool isLossless);
 
 } // namespace trelmix

@@ -26,10 +26,6 @@ public:
     /// began.
     void addLineToPoint(CGPoint point);
     void closePath();
-    /// A closed ellipse that fills the rectangle; rectangles without area add nothing.
-    void appendOval(CGRect rect);
-    /// The line width stays.
-    void removeAllPoints();
 
     double lineWidth() const { return _lineWidth; }
     /// Negative and not finite widths count as 0, which draws nothing.
