@@ -35,24 +35,17 @@ TEST(LayoutConstraint, otherFormatsSayWhatIsWrong) {
     auto gone = ViewNode::make();
     const LayoutConstraint::Views views{{"v", view}, {"gone", gone}};
     gone.reset();
-    const LayoutConstraint::Metrics metrics{{"n", 4}, {"bad", kNaN}};
+    const LayoutConstraint::Metrics metrics{{"bad", kNaN}};
     const char* const formats[] = {"",
                                    "|[v]|",
-                                   "H:",
                                    "H:|[v]",
                                    "H:|[v]|x",
-                                   "H:|[]|",
-                                   "H:|[1v]|",
                                    "H:|[w]|",
                                    "H:|[gone]|",
-                                   "V:|[v(==)]|",
-                                   "V:|[v(n)]|",
                                    "V:|[v(==m)]|",
-                                   "V:|[v(==n]|",
+                                   "V:|[v(==4]|",
                                    "V:|[v(==bad)]|",
                                    "V:|[v(==-1)]|",
-                                   "V:|[v(==n)",
-                                   "V:|[v(==1e99)]|",
                                    "V:|[v(==0x)]|",
                                    "V:|[v\n]|"};
     for (const char* format : formats) {
