@@ -48,6 +48,15 @@ void expectFilled(const Picture& picture, const Outline& outline, double toleran
     EXPECT_NEAR(drawn.centre.y, expected.centre.y, edgeTolerance(0.25));
 }
 
+/// Black in the middle, fading to white: its centre can be told from any pixels it falls on.
+std::shared_ptr<const UIImage> softDot() {
+    return painted(48, 48, [](int x, int y) {
+        const double distance = std::min(1.0, std::hypot(x - 23.5, y - 23.5) / 22);
+        const double light = 127.5 - 127.5 * std::cos(distance * 180 * kDegree);
+        return Rgb{light, light, light};
+    });
+}
+
 } // namespace
 
 TEST(Markers, standUprightOnTheirCoordinateAndKeepTheirSize) {
@@ -122,5 +131,31 @@ TEST(Markers, thatAreFlatLieOnTheGroundAndTurnWithIt) {
                 stage.project(coordinateOf({middle.x + x * c - y * s, middle.y + x * s + y * c}, 19)));
         }
         expectFilled(picture, outline, 0.5);
+    }
+}
+
+TEST(Markers, atTheDeepestZoomFarFromTheFirstTargetStandWithinATenthOfAPixelOfTheProjection) {
+    // The scene's origin stays where the engine started.
+    Stage stage({});
+    const auto icon = softDot();
+    for (const double bearing : {20.0, 111.0, 250.0}) {
+        const CLLocationCoordinate2D place =
+            metresFrom(kPlace, 19900 * std::sin(bearing * kDegree), 19900 * std::cos(bearing * kDegree));
+        for (const auto& [rotation, tilt] :
+             {std::pair{0.0, 0.0}, {37.0, 0.0}, {123.0, 55.0}, {270.0, 30.0}}) {
+            for (const double shift : {0.0, 0.37, 1.13}) {
+                const Look look{rotation, tilt, 23, place};
+                SCOPED_TRACE(testing::Message() << look << " bearing " << bearing << " shift " << shift);
+                stage.look(look);
+                const auto marker = stage.add(
+                    TrelmixMapEngineFactory::createMapMarkerWith(icon, metresFrom(place, shift, -shift / 3)));
+                const CGPoint expected = stage.project(marker->coordinate());
+                const Window around = windowAround({expected}, 50, 800, 600);
+                const Blob drawn = blobIn(stage.draw(), around, {0, 0, 0}, kWhite);
+                EXPECT_NEAR(drawn.centre.x, expected.x, 0.1);
+                EXPECT_NEAR(drawn.centre.y, expected.y, 0.1);
+                marker->setMap(nullptr);
+            }
+        }
     }
 }
