@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -14,18 +15,13 @@ namespace {
 using Samples = std::vector<std::uint8_t>;
 
 Samples noise(int width, int height) {
-    Samples samples;
-    std::uint32_t state = 12345;
-    for (int i = 0; i < width * height; ++i) {
-        std::uint32_t pixel[4];
-        for (std::uint32_t& value : pixel) {
-            state = state * 1664525U + 1013904223U;
-            value = state >> 24;
+    std::minstd_rand random;
+    Samples samples(static_cast<std::size_t>(width * height) * 4);
+    for (std::size_t i = 0; i < samples.size(); i += 4) {
+        samples[i + 3] = static_cast<std::uint8_t>(random() % 256);
+        for (std::size_t c = i; c < i + 3; ++c) {
+            samples[c] = static_cast<std::uint8_t>(random() % (samples[i + 3] + 1U));
         }
-        for (int c = 0; c < 3; ++c) {
-            samples.push_back(static_cast<std::uint8_t>((pixel[c] * pixel[3] + 127) / 255));
-        }
-        samples.push_back(static_cast<std::uint8_t>(pixel[3]));
     }
     return samples;
 }
