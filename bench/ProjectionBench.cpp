@@ -80,10 +80,12 @@ struct PlainLoop {
         const double latitude =
             (2.0 * std::atan(std::exp(kPi - mapY * HALF_DIM_PI_INV / 4194304.0)) - kPi / 2.0) / d;
         double longitude = mapX * HALF_DIM_PI_INV / (4194304.0 * d) - 180.0;
-        while (longitude < -180.0)
+        while (longitude < -180.0) {
             longitude += 180.0;
-        while (longitude > 180.0)
+        }
+        while (longitude > 180.0) {
             longitude -= 180.0;
+        }
         return {latitude, longitude};
     }
 };
@@ -125,8 +127,9 @@ template <class In, class Convert>
 void convertAll(benchmark::State& state, const std::vector<In>& inputs, Convert convert) {
     std::vector<decltype(convert(inputs[0]))> answers(inputs.size());
     for (auto _ : state) {
-        for (std::size_t i = 0; i < inputs.size(); ++i)
+        for (std::size_t i = 0; i < inputs.size(); ++i) {
             answers[i] = convert(inputs[i]);
+        }
         benchmark::DoNotOptimize(answers.data());
         benchmark::ClobberMemory();
     }

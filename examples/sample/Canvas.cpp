@@ -9,10 +9,12 @@ void setInk(cairo_t* cr, Ink ink) {
 
 void trace(cairo_t* cr, const Path& path, bool closed) {
     cairo_new_sub_path(cr);
-    for (const Pt p : path)
+    for (const Pt p : path) {
         cairo_line_to(cr, p.x, p.y);
-    if (closed)
+    }
+    if (closed) {
         cairo_close_path(cr);
+    }
 }
 
 void fill(cairo_t* cr, const Path& outline, Ink ink) {

@@ -11,8 +11,9 @@ Path deckOutline(const Deck& deck) {
     // The upper decks stand back from the hull's side.
     const double inset = deck.level >= 4 ? 1.2 : 0.2;
     Path outline = hullOutline(inset);
-    for (Pt& p : outline)
+    for (Pt& p : outline) {
         p.x = std::clamp(p.x, deck.stern, deck.bow);
+    }
     return outline;
 }
 
@@ -25,8 +26,9 @@ void paintPlanks(cairo_t* cr, const Room& room) {
     cairo_set_line_width(cr, 0.07);
     setInk(cr, {0xC9AE84, 0.7});
     for (double y = -13; y < 13; y += 0.55) {
-        if (y < room.port || y > room.starboard)
+        if (y < room.port || y > room.starboard) {
             continue;
+        }
         cairo_move_to(cr, room.aft, y);
         cairo_line_to(cr, room.fore, y);
     }
@@ -68,8 +70,9 @@ void paintTables(cairo_t* cr, const Room& room) {
     for (double x = room.aft + 2; x < room.fore - 1.2; x += 3) {
         for (double y = room.port + 1.7; y < room.starboard - 1; y += 2.9) {
             // The room's name stands in the middle.
-            if (std::abs(y - (room.port + room.starboard) / 2) < 1.7)
+            if (std::abs(y - (room.port + room.starboard) / 2) < 1.7) {
                 continue;
+            }
             disc(cr, {x, y}, 0.62, {0xFFFFFF, 0.95});
             for (int chair = 0; chair < 4; ++chair) {
                 const double angle = (chair + 0.5) * std::numbers::pi / 2;
@@ -85,8 +88,9 @@ void paintTheatre(cairo_t* cr, const Room& room) {
         cairo_new_path(cr);
         cairo_arc(cr, room.fore - 1, 0, 6.5 + row * 2.6, std::numbers::pi - 0.62, std::numbers::pi + 0.62);
         setInk(cr, {0xB4869B, 0.75});
-        if (row != 3)
+        if (row != 3) {
             cairo_stroke(cr);
+        }
     }
     cairo_new_path(cr);
     cairo_arc(cr, room.fore, 0, 4.6, std::numbers::pi / 2, -std::numbers::pi / 2);
@@ -96,14 +100,16 @@ void paintTheatre(cairo_t* cr, const Room& room) {
 
 void paintSunbeds(cairo_t* cr) {
     for (double x = -74; x < 38; x += 2.6) {
-        if (x > -45 && x < -35)
+        if (x > -45 && x < -35) {
             continue;
-        for (const double y : {-10.8, 8.8})
+        }
+        for (const double y : {-10.8, 8.8}) {
             if (x < 3) {
                 roundedRectangle(cr, x, y, 0.9, 2, 0.25);
                 setInk(cr, {0xE99C55});
                 cairo_fill(cr);
             }
+        }
     }
 }
 
@@ -117,8 +123,9 @@ void paintFurniture(cairo_t* cr, const Room& room) {
         break;
     case RoomKind::Cabin:
     case RoomKind::Crew:
-        if (!room.label.empty())
+        if (!room.label.empty()) {
             paintBed(cr, room);
+        }
         break;
     case RoomKind::Food:
     case RoomKind::Lounge:
@@ -141,8 +148,9 @@ void paintRoom(cairo_t* cr, const Room& room) {
     cairo_clip(cr);
     paintFurniture(cr, room);
     cairo_restore(cr);
-    if (room.kind == RoomKind::Planks)
+    if (room.kind == RoomKind::Planks) {
         return;
+    }
     rectanglePath(cr, room);
     setInk(cr, kWall);
     cairo_set_line_width(cr, room.kind == RoomKind::Cabin || room.kind == RoomKind::Crew ? 0.14 : 0.24);
@@ -150,8 +158,9 @@ void paintRoom(cairo_t* cr, const Room& room) {
 }
 
 void paintDoors(cairo_t* cr, const Room& room) {
-    if ((room.kind != RoomKind::Cabin && room.kind != RoomKind::Crew) || room.label.empty())
+    if ((room.kind != RoomKind::Cabin && room.kind != RoomKind::Crew) || room.label.empty()) {
         return;
+    }
     const double wall = room.starboard > 6 ? room.port : room.starboard;
     cairo_new_path(cr);
     cairo_move_to(cr, room.aft + 2.1, wall);
@@ -162,17 +171,20 @@ void paintDoors(cairo_t* cr, const Room& room) {
 }
 
 void paintLabel(cairo_t* cr, const Room& room) {
-    if (room.label.empty())
+    if (room.label.empty()) {
         return;
+    }
     const bool isCabin = room.kind == RoomKind::Cabin || room.kind == RoomKind::Crew;
     setFont(cr, isCabin ? 0.95 : 1.75, isCabin ? Weight::Normal : Weight::Bold);
     Pt middle{(room.aft + room.fore) / 2, (room.port + room.starboard) / 2};
-    if (isCabin)
+    if (isCabin) {
         middle.y = room.starboard > 6 ? 6.6 : -6.6;
+    }
     const double width = textWidth(cr, room.label);
     const double space = room.fore - room.aft;
-    if (!isCabin && width > space - 0.6)
+    if (!isCabin && width > space - 0.6) {
         setFont(cr, 1.75 * (space - 0.6) / width, Weight::Bold);
+    }
     centredText(cr, room.label, middle, roomTextInk(room.kind));
 }
 
@@ -242,16 +254,20 @@ Canvas paintDeck(const Deck& deck) {
     cairo_new_path(cr);
     trace(cr, outline, true);
     cairo_clip(cr);
-    for (const Room& room : rooms)
+    for (const Room& room : rooms) {
         paintRoom(cr, room);
-    for (const Room& room : rooms)
+    }
+    for (const Room& room : rooms) {
         paintDoors(cr, room);
-    if (deck.level == 5)
+    }
+    if (deck.level == 5) {
         paintSunbeds(cr);
+    }
     cairo_restore(cr);
     stroke(cr, outline, true, {0x38536C}, 0.4);
-    for (const Room& room : rooms)
+    for (const Room& room : rooms) {
         paintLabel(cr, room);
+    }
     return canvas;
 }
 

@@ -20,8 +20,9 @@ Pt at(double forward, double height) {
 
 Path closedPath(std::initializer_list<Pt> places) {
     Path path;
-    for (const Pt place : places)
+    for (const Pt place : places) {
         path.push_back(at(place.x, place.y));
+    }
     return path;
 }
 
@@ -41,9 +42,11 @@ void paintSkyAndSea(cairo_t* cr) {
     verticalGradient(cr, 0, yOf(kWaterline), {0xE4F0F8}, {0xFAFCFC});
     cairo_paint(cr);
     disc(cr, {1800, 92}, 34, {0xFFF3CF});
-    for (const auto& cloud : {Pt{260, 90}, Pt{1030, 60}, Pt{1560, 128}})
-        for (int i = 0; i < 4; ++i)
+    for (const auto& cloud : {Pt{260, 90}, Pt{1030, 60}, Pt{1560, 128}}) {
+        for (int i = 0; i < 4; ++i) {
             disc(cr, cloud + Pt{i * 30.0, i % 2 == 0 ? 4.0 : -8.0}, 24 - 3.0 * (i % 3), {0xFFFFFF, 0.8});
+        }
+    }
     cairo_new_path(cr);
     cairo_rectangle(cr, 0, yOf(kWaterline), kSideWidth, kSideHeight - yOf(kWaterline));
     verticalGradient(cr, yOf(kWaterline), kSideHeight, {0xB4D9EC}, {0x86BBD8});
@@ -110,8 +113,9 @@ void paintSuperstructure(cairo_t* cr) {
     part({{-65, 24}, {-63.4, 33}, {-54.4, 33}, {-52.4, 24}}, {0x2F6392});
     fill(cr, closedPath({{-64.4, 27.4}, {-64, 30}, {-53.7, 30}, {-53.1, 27.4}}), {0xF4C04E});
     part({{2, 18}, {2, 21.4}, {34, 21.4}, {38, 18}}, kWhite);
-    for (double x = 5; x < 33; x += 3)
+    for (double x = 5; x < 33; x += 3) {
         fill(cr, closedPath({{x, 19}, {x + 2.2, 19}, {x + 2.2, 20.5}, {x, 20.5}}), {0x8FB4CC});
+    }
     part({{38, 18}, {38, 22.2}, {52, 22.2}, {55.5, 19.4}, {55.5, 18}}, kWhite);
     fill(cr, closedPath({{42, 20}, {54, 20}, {52, 21.7}, {42, 21.7}}), {0x5E8FB0});
     stroke(cr, {at(44, 22.2), at(46, 35)}, false, {0x8496A6}, 5);
@@ -141,8 +145,9 @@ void paintCutRoom(cairo_t* cr, const Deck& deck, const Room& room) {
         cairo_fill(cr);
         return;
     }
-    if (room.kind == RoomKind::Stairs || room.label.empty())
+    if (room.kind == RoomKind::Stairs || room.label.empty()) {
         return;
+    }
     double size = 14;
     setFont(cr, size, Weight::Bold);
     const double width = textWidth(cr, room.label);
@@ -150,8 +155,9 @@ void paintCutRoom(cairo_t* cr, const Deck& deck, const Room& room) {
         size *= (right - left - 8) / width;
         setFont(cr, size, Weight::Bold);
     }
-    if (size > 7)
+    if (size > 7) {
         centredText(cr, room.label, {(left + right) / 2, (top + bottom) / 2}, roomTextInk(room.kind));
+    }
 }
 
 /// Flights of stairs through all decks, to and fro.
@@ -161,8 +167,9 @@ void paintStairs(cairo_t* cr) {
             const bool isLast = deck.level == kDecks.back().level;
             const double left = x + 0.8;
             const double right = x + 6.2;
-            if (isLast)
+            if (isLast) {
                 continue;
+            }
             stroke(cr, {at(left, deck.floor + 0.1), at(right, deck.floor + deck.ceiling)}, false, {0x5F7F9B},
                    2.4);
         }
@@ -187,9 +194,11 @@ void paintDecks(cairo_t* cr) {
         cairo_new_path(cr);
         trace(cr, interior, true);
         cairo_clip(cr);
-        for (const Room& room : roomsOfDeck(deck.level))
-            if (room.starboard > 3 && room.kind != RoomKind::Planks)
+        for (const Room& room : roomsOfDeck(deck.level)) {
+            if (room.starboard > 3 && room.kind != RoomKind::Planks) {
                 paintCutRoom(cr, deck, room);
+            }
+        }
         cairo_restore(cr);
         stroke(cr, interior, true, {0x6D8296}, 1.4);
         stroke(cr, {at(deck.stern, deck.floor), at(bow, deck.floor)}, false, {0x3F5870}, 3, true);
@@ -213,8 +222,9 @@ void paintDeckNumbers(cairo_t* cr) {
 void paintWaves(cairo_t* cr) {
     for (int row = 0; row < 3; ++row) {
         cairo_new_path(cr);
-        for (int x = 0; x <= kSideWidth; x += 6)
+        for (int x = 0; x <= kSideWidth; x += 6) {
             cairo_line_to(cr, x, yOf(kWaterline) + 4 + row * 17 + 2.4 * std::sin(x / 26.0 + row * 2));
+        }
         setInk(cr, {0xFFFFFF, row == 0 ? 0.75 : 0.28});
         cairo_set_line_width(cr, row == 0 ? 2 : 1.5);
         cairo_stroke(cr);

@@ -58,14 +58,16 @@ void cafeSign(cairo_t* cr) {
     cairo_arc(cr, 18, 14, 2.4, -1.4, 1.4);
     cairo_set_line_width(cr, 1.5);
     cairo_stroke(cr);
-    for (const double x : {11.0, 14.5})
+    for (const double x : {11.0, 14.5}) {
         stroke(cr, {{x, 6.4}, {x, 8.8}}, false, {0xFFFFFF}, 1.3);
+    }
 }
 
 void museumSign(cairo_t* cr) {
     fill(cr, {{7, 11}, {14, 6.4}, {21, 11}}, {0xFFFFFF});
-    for (const double x : {9.0, 12.9, 16.8})
+    for (const double x : {9.0, 12.9, 16.8}) {
         fill(cr, {{x, 12.2}, {x + 2.2, 12.2}, {x + 2.2, 17.8}, {x, 17.8}}, {0xFFFFFF});
+    }
     fill(cr, {{7, 18.6}, {21, 18.6}, {21, 20.4}, {7, 20.4}}, {0xFFFFFF});
 }
 
@@ -110,8 +112,9 @@ std::string writeIcons(const std::string& folder) {
     std::string problem;
     const auto write = [&](const char* name, const Canvas& canvas) {
         const std::string path = folder + "/" + name + "@2x.png";
-        if (problem.empty() && !canvas.writePng(path))
+        if (problem.empty() && !canvas.writePng(path)) {
             problem = path + ": cannot be written";
+        }
     };
     const auto writePin = [&](const char* name, Ink ink, void (*sign)(cairo_t*)) {
         const Canvas canvas = pin(ink);

@@ -20,18 +20,22 @@ std::string joined(char open, const std::vector<std::string>& parts, char close)
     isOneLine = isOneLine && total < kLineLength;
     std::string text(1, open);
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (!isOneLine)
+        if (!isOneLine) {
             text += "\n  ";
+        }
         for (const char c : parts[i]) {
             text += c;
-            if (c == '\n')
+            if (c == '\n') {
                 text += "  ";
+            }
         }
-        if (i + 1 < parts.size())
+        if (i + 1 < parts.size()) {
             text += isOneLine ? ", " : ",";
+        }
     }
-    if (!isOneLine)
+    if (!isOneLine) {
         text += '\n';
+    }
     return text + close;
 }
 
@@ -42,8 +46,9 @@ std::string jsonNumber(double value) {
     std::snprintf(digits, sizeof digits, "%.10f", value);
     std::string text = digits;
     text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.')
+    if (text.back() == '.') {
         text.pop_back();
+    }
     return text;
 }
 
@@ -57,8 +62,9 @@ std::string jsonCoordinate(LatLon place) {
 
 std::string jsonObject(const std::vector<std::pair<std::string, std::string>>& members) {
     std::vector<std::string> parts;
-    for (const auto& [key, value] : members)
+    for (const auto& [key, value] : members) {
         parts.push_back(jsonText(key) + ": " + value);
+    }
     return joined('{', parts, '}');
 }
 

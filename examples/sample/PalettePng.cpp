@@ -44,8 +44,9 @@ std::vector<Count> histogram(TilePixels pixels) {
     std::sort(sorted.begin(), sorted.end());
     std::vector<Count> counts;
     for (const Colour colour : sorted) {
-        if (counts.empty() || counts.back().colour != colour)
+        if (counts.empty() || counts.back().colour != colour) {
             counts.push_back({colour, 0});
+        }
         ++counts.back().count;
     }
     sortByCount(counts);
@@ -57,10 +58,12 @@ std::vector<Colour> choosePalette(const std::vector<Count>& counts) {
     std::vector<Colour> palette;
     const bool fits = counts.size() <= kColours;
     const std::size_t exact = fits ? counts.size() : kExactColours;
-    for (std::size_t i = 0; i < exact; ++i)
+    for (std::size_t i = 0; i < exact; ++i) {
         palette.push_back(counts[i].colour);
-    if (fits)
+    }
+    if (fits) {
         return palette;
+    }
     constexpr Colour kCell = 0xF0F0F0;
     std::vector<Count> cells;
     std::unordered_map<Colour, std::size_t> cellOf;
@@ -68,21 +71,24 @@ std::vector<Colour> choosePalette(const std::vector<Count>& counts) {
         const Colour key = counts[i].colour & kCell;
         const auto [place, isNew] = cellOf.try_emplace(key, cells.size());
         // The first colour of a cell is its commonest and stands for it.
-        if (isNew)
+        if (isNew) {
             cells.push_back({counts[i].colour, 0});
+        }
         cells[place->second].count += counts[i].count;
     }
     sortByCount(cells);
-    for (std::size_t i = 0; i < cells.size() && palette.size() < kColours; ++i)
+    for (std::size_t i = 0; i < cells.size() && palette.size() < kColours; ++i) {
         palette.push_back(cells[i].colour);
+    }
     return palette;
 }
 
 std::vector<std::byte> encode(spng_plte& palette, const std::vector<std::uint8_t>& indices) {
     const std::unique_ptr<spng_ctx, decltype(&spng_ctx_free)> context(spng_ctx_new(SPNG_CTX_ENCODER),
                                                                       &spng_ctx_free);
-    if (!context)
+    if (!context) {
         return {};
+    }
     spng_ihdr header{};
     header.width = kTileSize;
     header.height = kTileSize;
@@ -93,14 +99,16 @@ std::vector<std::byte> encode(spng_plte& palette, const std::vector<std::uint8_t
     spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING);
     if (spng_set_ihdr(context.get(), &header) != 0 || spng_set_plte(context.get(), &palette) != 0 ||
         spng_encode_image(context.get(), indices.data(), indices.size(), SPNG_FMT_PNG,
-                          SPNG_ENCODE_FINALIZE) != 0)
+                          SPNG_ENCODE_FINALIZE) != 0) {
         return {};
+    }
     std::size_t length = 0;
     int error = 0;
     const std::unique_ptr<void, decltype(&std::free)> png(spng_get_png_buffer(context.get(), &length, &error),
                                                           &std::free);
-    if (!png || error != 0)
+    if (!png || error != 0) {
         return {};
+    }
     std::vector<std::byte> bytes(length);
     std::memcpy(bytes.data(), png.get(), length);
     return bytes;
@@ -113,10 +121,11 @@ std::vector<std::byte> palettePng(TilePixels pixels) {
     const std::vector<Colour> palette = choosePalette(counts);
     spng_plte colours{};
     colours.n_entries = static_cast<std::uint32_t>(palette.size());
-    for (std::size_t i = 0; i < palette.size(); ++i)
+    for (std::size_t i = 0; i < palette.size(); ++i) {
         colours.entries[i] = {static_cast<std::uint8_t>(part(palette[i], 16)),
                               static_cast<std::uint8_t>(part(palette[i], 8)),
                               static_cast<std::uint8_t>(part(palette[i], 0)), 0};
+    }
     std::unordered_map<Colour, std::uint8_t> indexOf;
     for (const Count& count : counts) {
         const auto nearest = std::min_element(palette.begin(), palette.end(), [&](Colour a, Colour b) {
@@ -125,8 +134,9 @@ std::vector<std::byte> palettePng(TilePixels pixels) {
         indexOf[count.colour] = static_cast<std::uint8_t>(nearest - palette.begin());
     }
     std::vector<std::uint8_t> indices(pixels.size());
-    for (std::size_t i = 0; i < pixels.size(); ++i)
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
         indices[i] = i > 0 && pixels[i] == pixels[i - 1] ? indices[i - 1] : indexOf[pixels[i]];
+    }
     return encode(colours, indices);
 }
 

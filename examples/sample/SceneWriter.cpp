@@ -61,9 +61,11 @@ std::string pin(const char* id, const char* name, Pt ground) {
 }
 
 std::string placeNamed(const TownModel& model, const std::string& text) {
-    for (const Place& place : model.places)
-        if (place.text == text)
+    for (const Place& place : model.places) {
+        if (place.text == text) {
             return at(place.place);
+        }
+    }
     return at({0, 0});
 }
 
@@ -95,8 +97,9 @@ std::string markers(const TownModel& model) {
 
 std::string coordinates(const Path& path) {
     std::vector<std::string> items;
-    for (const Pt p : path)
+    for (const Pt p : path) {
         items.push_back(at(p));
+    }
     return jsonArray(items);
 }
 
@@ -120,13 +123,15 @@ std::string polygons() {
 
 std::string polylines() {
     Path ferry;
-    for (double t = 0; t <= 1.0001; t += 0.05)
+    for (double t = 0; t <= 1.0001; t += 0.05) {
         ferry.push_back(quayPoint(502 - 330 * smoothStep(0, 1, t) - 60 * t,
                                   104 + 130 * smoothStep(0.2, 0.9, t) + 190 * t * t));
+    }
     Path walk = townLine(255, -255, 255, -75);
     for (const Pt corner : {quayPoint(270, -75), quayPoint(270, 24), quayPoint(131, 24), quayPoint(131, -40),
-                            quayPoint(48, -40), quayPoint(48, 44), quayPoint(-60, 44)})
+                            quayPoint(48, -40), quayPoint(48, 44), quayPoint(-60, 44)}) {
         walk.push_back(corner);
+    }
     return jsonArray({jsonObject({{"id", R"("ferry-route")"},
                                   {"vertices", coordinates(ferry)},
                                   {"color", R"("#2f6fb0c0")"},
@@ -174,8 +179,9 @@ std::string sideView() {
 
 std::string shipScene() {
     std::vector<std::string> plans;
-    for (const Deck& deck : kDecks)
+    for (const Deck& deck : kDecks) {
         plans.push_back(deckPlan(deck, deck.level == kShownDeck));
+    }
     // With the bearing across the ship at the top, the ship lies level in the picture.
     return jsonObject({view(),
                        camera(shipPoint(-10, 0), 18.6, kShipHeading - 90, 0),
@@ -235,9 +241,11 @@ std::string writeScenes(const std::string& folder, const TownModel& model) {
         {"side/levels.json", shipLevels()},
     };
     std::string problem;
-    for (const auto& [name, text] : files)
-        if (problem.empty())
+    for (const auto& [name, text] : files) {
+        if (problem.empty()) {
             problem = writeText(folder + "/" + name, text);
+        }
+    }
     return problem;
 }
 

@@ -42,8 +42,9 @@ struct Box {
     }
     static Box of(const Path& path) {
         Box box;
-        for (const Pt p : path)
+        for (const Pt p : path) {
             box.add(p);
+        }
         return box;
     }
 };

@@ -24,8 +24,9 @@ LatLon shipCoordinate(double forward, double starboard) {
 
 double halfBeam(double forward) {
     constexpr double kHalf = kShipLength / 2;
-    if (std::abs(forward) > kHalf)
+    if (std::abs(forward) > kHalf) {
         return 0;
+    }
     const double toBow = (kHalf - forward) / 52;
     const double toStern = (forward + kHalf) / 14;
     const double bow = toBow >= 1 ? 1 : std::sqrt(1 - std::pow(1 - toBow, 2.1));

@@ -16,8 +16,9 @@ void addCabins(std::vector<Room>& rooms, int level, RoomKind kind, double aft, d
     for (double x = aft; x + width <= fore + 0.01; x += width) {
         for (const double side : {1.0, -1.0}) {
             const double outer = halfBeam(x + width);
-            if (outer < kCorridorOuter + 3)
+            if (outer < kCorridorOuter + 3) {
                 continue;
+            }
             const std::string label = std::to_string(level * 1000 + number * 2 + (side > 0 ? 1 : 0));
             const double from = side > 0 ? kCorridorOuter : -kShipBeam / 2;
             const double to = side > 0 ? kShipBeam / 2 : -kCorridorOuter;
@@ -30,8 +31,9 @@ void addCabins(std::vector<Room>& rooms, int level, RoomKind kind, double aft, d
 }
 
 void addStairs(std::vector<Room>& rooms) {
-    for (const double x : kStairs)
+    for (const double x : kStairs) {
         rooms.push_back({RoomKind::Stairs, x, -kCorridorInner, x + 7, kCorridorInner, ""});
+    }
 }
 
 std::vector<Room> crewDeck() {

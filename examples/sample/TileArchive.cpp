@@ -63,8 +63,9 @@ bool insertMetadata(sqlite3* database, const std::string& name, const std::vecto
     for (const auto& [key, value] : entries) {
         sqlite3_bind_text(insert.get(), 1, key.c_str(), -1, SQLITE_TRANSIENT);
         sqlite3_bind_text(insert.get(), 2, value.c_str(), -1, SQLITE_TRANSIENT);
-        if (!finishRow(insert.get()))
+        if (!finishRow(insert.get())) {
             return false;
+        }
     }
     return true;
 }
@@ -72,15 +73,17 @@ bool insertMetadata(sqlite3* database, const std::string& name, const std::vecto
 bool insertTiles(sqlite3* database, const std::vector<Tile>& tiles) {
     const Statement insert = prepare(database, "INSERT INTO tiles VALUES (?, ?, ?, ?)");
     for (const Tile& tile : tiles) {
-        if (tile.png.empty())
+        if (tile.png.empty()) {
             return false;
+        }
         sqlite3_bind_int(insert.get(), 1, tile.zoom);
         sqlite3_bind_int(insert.get(), 2, tile.column);
         // The archive counts rows from the south.
         sqlite3_bind_int(insert.get(), 3, (1 << tile.zoom) - 1 - tile.row);
         sqlite3_bind_blob(insert.get(), 4, tile.png.data(), static_cast<int>(tile.png.size()), SQLITE_STATIC);
-        if (!finishRow(insert.get()))
+        if (!finishRow(insert.get())) {
             return false;
+        }
     }
     return true;
 }
@@ -97,8 +100,9 @@ std::string writeArchive(const std::string& path, const std::string& name,
     sqlite3* handle = nullptr;
     const int opened = sqlite3_open(partial.c_str(), &handle);
     Database database(handle, &sqlite3_close);
-    if (opened != SQLITE_OK)
+    if (opened != SQLITE_OK) {
         return partial + ": " + sqlite3_errmsg(handle);
+    }
     const bool isWritten =
         run(handle, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN;"
                     "CREATE TABLE metadata (name text, value text);"
@@ -107,8 +111,9 @@ std::string writeArchive(const std::string& path, const std::string& name,
         insertMetadata(handle, name, ranges) && insertTiles(handle, tiles) &&
         run(handle, "CREATE UNIQUE INDEX tile_index ON tiles (zoom_level, tile_column, tile_row);"
                     "COMMIT;");
-    if (!isWritten)
+    if (!isWritten) {
         return partial + ": " + sqlite3_errmsg(handle);
+    }
     database.reset();
     std::filesystem::rename(partial, path, error);
     return error ? path + ": " + error.message() : "";

@@ -17,22 +17,27 @@ constexpr int kBlock = 4;
 void runJobs(std::size_t count, int threads, const std::function<void(std::size_t)>& job) {
     std::atomic<std::size_t> next{0};
     const auto work = [&] {
-        for (std::size_t i = next++; i < count; i = next++)
+        for (std::size_t i = next++; i < count; i = next++) {
             job(i);
+        }
     };
     std::vector<std::future<void>> workers;
-    for (int i = 1; i < threads; ++i)
+    for (int i = 1; i < threads; ++i) {
         workers.push_back(std::async(std::launch::async, work));
+    }
     work();
 }
 
 std::vector<TileRange> blocksOf(const std::vector<TileRange>& ranges) {
     std::vector<TileRange> blocks;
-    for (const TileRange& range : ranges)
-        for (int top = range.top; top <= range.bottom; top += kBlock)
-            for (int left = range.left; left <= range.right; left += kBlock)
+    for (const TileRange& range : ranges) {
+        for (int top = range.top; top <= range.bottom; top += kBlock) {
+            for (int left = range.left; left <= range.right; left += kBlock) {
                 blocks.push_back({range.zoom, left, top, std::min(left + kBlock - 1, range.right),
                                   std::min(top + kBlock - 1, range.bottom)});
+            }
+        }
+    }
     return blocks;
 }
 
@@ -46,8 +51,9 @@ std::vector<std::uint32_t> cut(const Canvas& canvas, int column, int row) {
         const auto* line = reinterpret_cast<const std::uint32_t*>(data + static_cast<std::ptrdiff_t>(stride) *
                                                                              (row * kTileSize + y)) +
                            column * kTileSize;
-        for (int x = 0; x < kTileSize; ++x)
+        for (int x = 0; x < kTileSize; ++x) {
             pixels.push_back(line[x] & 0xFFFFFFU);
+        }
     }
     return pixels;
 }
@@ -59,18 +65,22 @@ std::vector<Tile> paintBlock(const TownPainter& painter, const TileRange& block)
     painter.paint(canvas.cairo(), static_cast<std::int64_t>(block.left) * kTileSize,
                   static_cast<std::int64_t>(block.top) * kTileSize, columns * kTileSize, rows * kTileSize);
     std::vector<Tile> tiles;
-    for (int row = 0; row < rows; ++row)
-        for (int column = 0; column < columns; ++column)
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
             tiles.push_back(
                 {block.zoom, block.left + column, block.top + row, palettePng(cut(canvas, column, row))});
+        }
+    }
     return tiles;
 }
 
 std::vector<Tile> joined(std::vector<std::vector<Tile>> parts) {
     std::vector<Tile> all;
-    for (std::vector<Tile>& part : parts)
-        for (Tile& tile : part)
+    for (std::vector<Tile>& part : parts) {
+        for (Tile& tile : part) {
             all.push_back(std::move(tile));
+        }
+    }
     return all;
 }
 
@@ -93,8 +103,9 @@ std::vector<TileRange> townRanges() {
 std::vector<Tile> paintTown(const TownModel& model, int threads) {
     const std::vector<TileRange> ranges = townRanges();
     std::vector<std::unique_ptr<TownPainter>> painters;
-    for (const TileRange& range : ranges)
+    for (const TileRange& range : ranges) {
         painters.push_back(std::make_unique<TownPainter>(model, range.zoom));
+    }
     const std::vector<TileRange> blocks = blocksOf(ranges);
     std::vector<std::vector<Tile>> done(blocks.size());
     runJobs(blocks.size(), threads, [&](std::size_t i) {

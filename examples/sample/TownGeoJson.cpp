@@ -14,8 +14,9 @@ std::string position(Pt ground) {
 
 std::string positions(const Path& path) {
     std::vector<std::string> items;
-    for (const Pt p : path)
+    for (const Pt p : path) {
         items.push_back(position(p));
+    }
     return jsonArray(items);
 }
 
@@ -28,8 +29,9 @@ std::string ring(Path outline, bool isOuter) {
         area += a.x * b.y - b.x * a.y;
     }
     // y points south here, so that a positive area runs clockwise on the map.
-    if ((area > 0) == isOuter)
+    if ((area > 0) == isOuter) {
         std::reverse(outline.begin(), outline.end());
+    }
     outline.push_back(outline.front());
     return positions(outline);
 }
@@ -47,9 +49,11 @@ const Area* largest(const TownModel& model, AreaKind kind, const Box& within) {
     const auto size = [](const Area& area) {
         return (area.box.right - area.box.left) * (area.box.bottom - area.box.top);
     };
-    for (const Area& area : model.areas)
-        if (area.kind == kind && area.box.touches(within) && (best == nullptr || size(area) > size(*best)))
+    for (const Area& area : model.areas) {
+        if (area.kind == kind && area.box.touches(within) && (best == nullptr || size(area) > size(*best))) {
             best = &area;
+        }
+    }
     return best;
 }
 
@@ -58,8 +62,9 @@ void addPark(std::vector<std::string>& features, const TownModel& model) {
     const Box middle = Box::of(townRectangle(block.u0 + 70, block.v0 + 50, block.u1 - 70, block.v1 - 50));
     const Area* park = largest(model, AreaKind::Park, middle);
     const Area* pond = largest(model, AreaKind::Pond, middle);
-    if (park == nullptr || pond == nullptr)
+    if (park == nullptr || pond == nullptr) {
         return;
+    }
     // The pond is a hole in the park.
     features.push_back(feature("Polygon", jsonArray({ring(park->outline, true), ring(pond->outline, false)}),
                                {{"name", jsonText("Anchor Park")},
@@ -71,21 +76,26 @@ void addPark(std::vector<std::string>& features, const TownModel& model) {
 
 void addStreets(std::vector<std::string>& features, const TownModel& model) {
     constexpr std::string_view kNames[] = {"Station Avenue", "Church Street", "Customs Quay"};
-    for (const Street& street : model.streets)
-        for (const std::string_view name : kNames)
-            if (street.name == name)
+    for (const Street& street : model.streets) {
+        for (const std::string_view name : kNames) {
+            if (street.name == name) {
                 features.push_back(feature("LineString", positions(street.line),
                                            {{"name", jsonText(street.name)},
                                             {"stroke", jsonText("#8a5cc0")},
                                             {"stroke-opacity", "0.8"},
                                             {"stroke-width", "4"}}));
+            }
+        }
+    }
 }
 
 void addPiers(std::vector<std::string>& features, const TownModel& model) {
     std::vector<std::string> lines;
-    for (const Line& pier : model.piers)
-        if (pier.width > 2)
+    for (const Line& pier : model.piers) {
+        if (pier.width > 2) {
             lines.push_back(positions(pier.line));
+        }
+    }
     features.push_back(feature(
         "MultiLineString", jsonArray(lines),
         {{"name", jsonText("Marina piers")}, {"stroke", jsonText("#c07a2c")}, {"stroke-width", "3"}}));
@@ -93,8 +103,9 @@ void addPiers(std::vector<std::string>& features, const TownModel& model) {
 
 void addPlaces(std::vector<std::string>& features, const TownModel& model) {
     for (const Place& place : model.places) {
-        if (place.kind != PlaceKind::Landmark && place.kind != PlaceKind::Food)
+        if (place.kind != PlaceKind::Landmark && place.kind != PlaceKind::Food) {
             continue;
+        }
         std::string name = place.text;
         std::replace(name.begin(), name.end(), '\n', ' ');
         const bool isFood = place.kind == PlaceKind::Food;

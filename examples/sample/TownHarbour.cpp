@@ -65,8 +65,9 @@ void addQuays(TownModel& model) {
                                {-90, 58, 60, 92},     {36, -48, 60, 60},     {36, -48, 142, -30},
                                {122, -48, 140, 45},   {122, 8, 438, 45},     {402, 18, 438, 118},
                                {402, -6, 582, 18},    {566, 8, 704, 128},    {700, 22, 792, 60}};
-    for (const auto& quay : paved)
+    for (const auto& quay : paved) {
         model.addArea(AreaKind::Paved, quayRectangle(quay[0], quay[1], quay[2], quay[3]));
+    }
     model.addArea(AreaKind::Industrial, quayRectangle(452, -64, 785, 6));
     model.addArea(AreaKind::Industrial, quayRectangle(580, 2, 696, 112));
     model.addArea(AreaKind::Square, quayRectangle(-186, -22, -60, 34));
@@ -77,8 +78,9 @@ void addQuays(TownModel& model) {
                                {122, 45},  {402, 45},  {402, 118},  {438, 118},  {438, 18},
                                {566, 18},  {566, 128}, {704, 128},  {704, 60},   {790, 60}};
     Path edge;
-    for (const auto& corner : edges)
+    for (const auto& corner : edges) {
         edge.push_back(quayPoint(corner[0], corner[1]));
+    }
     model.quayEdges.push_back({edge, 1.4, Box::of(edge)});
 }
 
@@ -91,8 +93,9 @@ void addMarinaPier(TownModel& model, double u, double v0, double v1, Dice& dice)
             const double size = dice.between(8, 12.5);
             const Path finger{quayPoint(u, v + 2.6), quayPoint(u + side * 9, v + 2.6)};
             model.piers.push_back({finger, 0.7, Box::of(finger)});
-            if (dice.chance(0.2))
+            if (dice.chance(0.2)) {
                 continue;
+            }
             const double angle = quayAngle() + (side > 0 ? 0 : std::numbers::pi);
             model.boats.push_back(
                 {quayPoint(u + side * (1.9 + size / 2), v), size, size * 0.3, angle, dice.below(4)});
@@ -102,21 +105,25 @@ void addMarinaPier(TownModel& model, double u, double v0, double v1, Dice& dice)
 
 void addMarina(TownModel& model) {
     Dice dice(77);
-    for (const double u : {-398.0, -357.0, -316.0, -275.0})
+    for (const double u : {-398.0, -357.0, -316.0, -275.0}) {
         addMarinaPier(model, u, -40, u < -380 ? 52 : 62, dice);
+    }
     const Path outer{quayPoint(-236, 40), quayPoint(-200, 40)};
     model.piers.push_back({outer, 3, Box::of(outer)});
     model.places.push_back({quayPoint(-330, 92), PlaceKind::Water, "Marina", 17, 19, quayAngle()});
-    for (int i = 0; i < 9; ++i)
+    for (int i = 0; i < 9; ++i) {
         model.boats.push_back({quayPoint(66.5 + (i % 2) * 4.5, -22 + i * 10.5), dice.between(9, 15), 4.4,
                                quayAngle() + std::numbers::pi / 2, 4 + dice.below(3)});
-    for (int i = 0; i < 6; ++i)
+    }
+    for (int i = 0; i < 6; ++i) {
         model.boats.push_back({quayPoint(116.5, -18 + i * 13.0), dice.between(9, 13), 4,
                                quayAngle() + std::numbers::pi / 2, 4 + dice.below(3)});
+    }
     const double sailing[][3] = {{-60, 170, 0.3}, {-330, 300, 2.1}, {120, 250, 3.3}, {-120, 330, 0.8},
                                  {330, 190, 5.9}, {-520, 320, 1.2}, {560, 290, 2.6}, {20, 430, 4.4}};
-    for (const auto& boat : sailing)
+    for (const auto& boat : sailing) {
         model.boats.push_back({quayPoint(boat[0], boat[1]), 12, 3.8, boat[2], dice.below(4)});
+    }
     // The ferry in its slip, and a freighter at the commercial quay.
     model.boats.push_back({quayPoint(502, 62), 76, 17, quayAngle() + std::numbers::pi / 2, 8});
     model.boats.push_back({quayPoint(636, 138), 108, 17, quayAngle() + std::numbers::pi, 9});

@@ -30,8 +30,9 @@ void addOldTownFront(TownModel& model) {
     addQuayBuilding(model, BuildingKind::Public, -148, 2, -116, 26, 16, 1);
     addQuayBuilding(model, BuildingKind::Public, -70, 66, 30, 82, 12, 2);
     addQuayBuilding(model, BuildingKind::Industrial, 66, -66, 112, -52, 8, 0);
-    for (double u = -108; u < -66; u += 10)
+    for (double u = -108; u < -66; u += 10) {
         model.trees.push_back({quayPoint(u, 14), 3, 1});
+    }
     model.places.push_back({quayPoint(-132, 14), PlaceKind::Landmark, "Maritime\nMuseum", 17});
     model.places.push_back({quayPoint(-20, 74), PlaceKind::Landmark, "Customs House", 17});
     model.places.push_back({quayPoint(89, -59), PlaceKind::Food, "Fish Hall", 18});
@@ -45,10 +46,12 @@ void addCruiseTerminal(TownModel& model) {
                        quayPoint(280, 10)},
                       14, 0);
     addQuayBuilding(model, BuildingKind::Terminal, 178, -10, 250, 8, 10, 1);
-    for (double u = 284; u < 404; u += 10)
+    for (double u = 284; u < 404; u += 10) {
         model.trees.push_back({quayPoint(u, -64), 2.8, 0});
-    for (double u = 286; u < 404; u += 14)
+    }
+    for (double u = 286; u < 404; u += 14) {
         model.trees.push_back({quayPoint(u, -28), 2.6, 2});
+    }
     model.places.push_back({quayPoint(332, -3), PlaceKind::Transport, "Cruise Terminal", 16});
     model.places.push_back({quayPoint(454, 50), PlaceKind::Transport, "Ferry", 17, 17});
 }
@@ -63,17 +66,19 @@ void addCommercialHarbour(TownModel& model) {
     for (int i = 0; i < 6; ++i) {
         Path silo;
         const Pt centre = quayPoint(664 + (i % 2) * 17, 34 + (i / 2) * 17);
-        for (int k = 0; k < 20; ++k)
+        for (int k = 0; k < 20; ++k) {
             silo.push_back(centre + Pt{7.4 * std::cos(k * std::numbers::pi / 10),
                                        7.4 * std::sin(k * std::numbers::pi / 10)});
+        }
         model.addBuilding(BuildingKind::Industrial, silo, 22, 1);
     }
     Dice dice(8);
     for (int i = 0; i < 36; ++i) {
         const double u = 584 + (i % 12) * 8.4;
         const double v = 102 + (i / 12) * 3.2;
-        if (!dice.chance(0.25))
+        if (!dice.chance(0.25)) {
             addQuayBuilding(model, BuildingKind::House, u, v, u + 7, v + 2.5, 2.5, dice.below(4));
+        }
     }
     model.places.push_back({quayPoint(672, 14), PlaceKind::Landmark, "Granary", 18});
     model.places.push_back({quayPoint(610, -14), PlaceKind::District, "EAST HARBOUR", 16});

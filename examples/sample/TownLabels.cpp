@@ -10,10 +10,11 @@ namespace {
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines(1);
     for (const char c : text) {
-        if (c == '\n')
+        if (c == '\n') {
             lines.emplace_back();
-        else
+        } else {
             lines.back() += c;
+        }
     }
     return lines;
 }
@@ -27,8 +28,9 @@ OnLine pointAlong(const Path& line, double distance) {
     for (std::size_t i = 0; i + 1 < line.size(); ++i) {
         const Pt leg = line[i + 1] - line[i];
         const double size = length(leg);
-        if (distance <= size || i + 2 == line.size())
+        if (distance <= size || i + 2 == line.size()) {
             return {between(line[i], line[i + 1], size > 0 ? distance / size : 0), std::atan2(leg.y, leg.x)};
+        }
         distance -= size;
     }
     return {};
@@ -36,8 +38,9 @@ OnLine pointAlong(const Path& line, double distance) {
 
 double lengthOf(const Path& line) {
     double total = 0;
-    for (std::size_t i = 0; i + 1 < line.size(); ++i)
+    for (std::size_t i = 0; i + 1 < line.size(); ++i) {
         total += length(line[i + 1] - line[i]);
+    }
     return total;
 }
 
@@ -46,14 +49,19 @@ double lengthOf(const Path& line) {
 TownLabels::TownLabels(const TownModel& model, int zoomLevel)
     : zoom(zoomLevel), scale(pixelsPerMetre(zoomLevel)) {
     const Canvas measure(8, 8, true);
-    for (const Place& place : model.places)
-        if (zoom >= place.fromZoom && zoom <= place.toZoom)
+    for (const Place& place : model.places) {
+        if (zoom >= place.fromZoom && zoom <= place.toZoom) {
             addPlace(measure.cairo(), place);
+        }
+    }
     for (const StreetKind kind : {StreetKind::Primary, StreetKind::Secondary, StreetKind::Minor,
-                                  StreetKind::Pedestrian, StreetKind::Service, StreetKind::Footpath})
-        for (const Street& street : model.streets)
-            if (street.kind == kind && !street.name.empty())
+                                  StreetKind::Pedestrian, StreetKind::Service, StreetKind::Footpath}) {
+        for (const Street& street : model.streets) {
+            if (street.kind == kind && !street.name.empty()) {
                 addStreet(measure.cairo(), street);
+            }
+        }
+    }
 }
 
 TownLabels::Style TownLabels::placeStyle(PlaceKind kind, int zoom) {
@@ -85,10 +93,13 @@ void TownLabels::applyFont(cairo_t* cr, const Style& style) {
 }
 
 bool TownLabels::claim(Label label, const std::vector<Box>& rooms) {
-    for (const Box& room : rooms)
-        for (const Box& other : taken)
-            if (room.touches(other))
+    for (const Box& room : rooms) {
+        for (const Box& other : taken) {
+            if (room.touches(other)) {
                 return false;
+            }
+        }
+    }
     for (const Box& room : rooms) {
         taken.push_back(room.grownBy(3));
         label.box.add({room.left, room.top});
@@ -116,8 +127,9 @@ void TownLabels::addPlace(cairo_t* cr, const Place& place) {
     const double lineHeight = style.size * 1.2;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         double width = 0;
-        for (const char c : lines[i])
+        for (const char c : lines[i]) {
             width += textWidth(cr, std::string(1, c)) + style.letterGap;
+        }
         const double down = (static_cast<double>(i) - static_cast<double>(lines.size() - 1) / 2) * lineHeight;
         Pt pen = place.place * scale + Pt{-width / 2, down + style.size * 0.36};
         rooms.push_back({pen.x - 2, pen.y - style.size, pen.x + width + 2, pen.y + style.size * 0.3});
@@ -132,13 +144,16 @@ void TownLabels::addPlace(cairo_t* cr, const Place& place) {
 
 void TownLabels::addStreet(cairo_t* cr, const Street& street) {
     const bool isGreat = street.kind == StreetKind::Primary || street.kind == StreetKind::Secondary;
-    if (zoom < (isGreat ? 16 : 17) || (street.kind == StreetKind::Footpath && zoom < 18))
+    if (zoom < (isGreat ? 16 : 17) || (street.kind == StreetKind::Footpath && zoom < 18)) {
         return;
+    }
     Path line;
-    for (const Pt p : street.line)
+    for (const Pt p : street.line) {
         line.push_back(p * scale);
-    if (line.back().x < line.front().x)
+    }
+    if (line.back().x < line.front().x) {
         std::reverse(line.begin(), line.end());
+    }
     const double size = zoom <= 16 ? 9.5 : zoom == 17 ? 10.5 : zoom == 18 ? 12 : 13;
     const Style style{size, false, false, isGreat ? 0x6B5A3AU : 0x6C6862U, 0.35};
     applyFont(cr, style);
@@ -148,10 +163,11 @@ void TownLabels::addStreet(cairo_t* cr, const Street& street) {
     const double spacing = 420;
     double from = total < width + 60 ? (total - width) / 2 : 34;
     while (from + width + 6 < total) {
-        if (addAlong(cr, line, from, street.name, style))
+        if (addAlong(cr, line, from, street.name, style)) {
             from += width + spacing;
-        else
+        } else {
             from += 37;
+        }
     }
 }
 
@@ -189,8 +205,9 @@ void TownLabels::paint(cairo_t* cr, std::int64_t left, std::int64_t top, int wid
     cairo_save(cr);
     cairo_translate(cr, -origin.x, -origin.y);
     for (const Label& label : labels) {
-        if (!label.box.touches(view))
+        if (!label.box.touches(view)) {
             continue;
+        }
         applyFont(cr, label.style);
         cairo_new_path(cr);
         for (const Glyph& glyph : label.glyphs) {

@@ -52,9 +52,10 @@ Path townRectangle(double u0, double v0, double u1, double v1) {
 double coastV(double u) {
     const double outside = u < 0 ? -560 - u : u - 790;
     const double free = smoothStep(0, 420, outside);
-    if (u < 0)
+    if (u < 0) {
         return 70 + free * (34 * std::sin(outside / 190) + 120 * std::sin(outside / 720 + 0.2) +
                             190 * std::sin(outside / 1900) + 12 * std::sin(outside / 61));
+    }
     return 60 + free * (28 * std::sin(outside / 160) - 110 * std::sin(outside / 640) +
                         230 * std::sin(outside / 2300 + 0.1) + 10 * std::sin(outside / 57));
 }

@@ -137,21 +137,26 @@ void TownPainter::paint(cairo_t* cr, std::int64_t left, std::int64_t top, int wi
 
 void TownPainter::paintAreas(cairo_t* cr, const Box& view) const {
     for (const Area& area : model.areas) {
-        if (!area.box.touches(view))
+        if (!area.box.touches(view)) {
             continue;
+        }
         if (area.kind == AreaKind::Sea) {
             paintSea(cr, area, view);
             continue;
         }
         fill(cr, area.outline, areaInk(area.kind));
-        if (area.kind == AreaKind::Pitch)
+        if (area.kind == AreaKind::Pitch) {
             stroke(cr, area.outline, true, {0xFFFFFF, 0.8}, 1.2);
-        if (area.kind == AreaKind::Pond)
+        }
+        if (area.kind == AreaKind::Pond) {
             stroke(cr, area.outline, true, {0x8DBBD6}, std::max(0.5, 0.8 / scale));
-        if (area.kind == AreaKind::Parking && scale > 1.2)
+        }
+        if (area.kind == AreaKind::Parking && scale > 1.2) {
             stroke(cr, area.outline, true, {0xCFCFD8}, 0.8);
-        if (area.kind == AreaKind::Residential)
+        }
+        if (area.kind == AreaKind::Residential) {
             stroke(cr, area.outline, true, areaInk(area.kind), 60);
+        }
     }
 }
 
@@ -174,8 +179,9 @@ void TownPainter::paintSea(cairo_t* cr, const Area& sea, const Box& view) const 
             isRunning = false;
             continue;
         }
-        if (!isRunning)
+        if (!isRunning) {
             cairo_move_to(cr, sea.outline[i].x, sea.outline[i].y);
+        }
         cairo_line_to(cr, sea.outline[i + 1].x, sea.outline[i + 1].y);
         isRunning = true;
     }
@@ -193,14 +199,16 @@ void TownPainter::paintSea(cairo_t* cr, const Area& sea, const Box& view) const 
 
 void TownPainter::paintQuays(cairo_t* cr, const Box& view) const {
     for (const Line& edge : model.quayEdges) {
-        if (!edge.box.touches(view))
+        if (!edge.box.touches(view)) {
             continue;
+        }
         stroke(cr, edge.line, false, {0xA79F92}, std::max(edge.width, 1.4 / scale));
         stroke(cr, edge.line, false, {0xD6CFC3}, edge.width * 0.45);
     }
     for (const Line& pier : model.piers) {
-        if (!pier.box.touches(view) || (pier.width < 1 && scale < 1))
+        if (!pier.box.touches(view) || (pier.width < 1 && scale < 1)) {
             continue;
+        }
         stroke(cr, pier.line, false, {0xB59F83}, pier.width + 0.5 / scale, true);
         stroke(cr, pier.line, false, {0xE9DCC6}, std::max(0.2, pier.width - 0.7), true);
     }
@@ -211,14 +219,17 @@ double TownPainter::streetWidth(const Street& street) const {
 }
 
 void TownPainter::paintFootpaths(cairo_t* cr, const Box& view) const {
-    if (zoom < 16)
+    if (zoom < 16) {
         return;
+    }
     for (const Street& street : model.streets) {
-        if (street.kind != StreetKind::Footpath || !street.box.touches(view))
+        if (street.kind != StreetKind::Footpath || !street.box.touches(view)) {
             continue;
+        }
         stroke(cr, street.line, false, {0xFDFAF4, 0.95}, std::max(street.width, 1.6 / scale));
-        if (zoom < 18)
+        if (zoom < 18) {
             continue;
+        }
         const double dash[] = {2.6, 2.0};
         cairo_set_dash(cr, dash, 2, 0);
         stroke(cr, street.line, false, {0xCDB48F}, 0.7, true);
@@ -234,17 +245,20 @@ void TownPainter::paintStreets(cairo_t* cr, const Box& view) const {
     const double casing = zoom < 16 ? 0.6 : 1.1;
     for (const bool isCasing : {true, false}) {
         for (const StreetKind kind : kOrder) {
-            if (kind == StreetKind::Service && zoom < 16)
+            if (kind == StreetKind::Service && zoom < 16) {
                 continue;
+            }
             const StreetStyle style = streetStyle(kind);
             for (const Street& street : model.streets) {
-                if (street.kind != kind || !street.box.touches(view))
+                if (street.kind != kind || !street.box.touches(view)) {
                     continue;
+                }
                 const double width = streetWidth(street);
-                if (isCasing)
+                if (isCasing) {
                     stroke(cr, street.line, false, style.casing, width + 2 * casing / scale);
-                else
+                } else {
                     stroke(cr, street.line, false, style.fill, width);
+                }
             }
         }
     }
@@ -252,8 +266,9 @@ void TownPainter::paintStreets(cairo_t* cr, const Box& view) const {
 
 void TownPainter::paintRailways(cairo_t* cr, const Box& view) const {
     const auto track = [&](const Line& line, double leastPixels) {
-        if (!line.box.touches(view))
+        if (!line.box.touches(view)) {
             return;
+        }
         const double width = std::max(line.width, leastPixels / scale);
         stroke(cr, line.line, false, {0xA9A6A6}, width, true);
         const double dash[] = {zoom < 17 ? 9 / scale : 5.0, zoom < 17 ? 9 / scale : 5.0};
@@ -261,24 +276,30 @@ void TownPainter::paintRailways(cairo_t* cr, const Box& view) const {
         stroke(cr, line.line, false, {0xF7F6F4}, width * 0.55, true);
         cairo_set_dash(cr, nullptr, 0, 0);
     };
-    for (const Line& line : model.railways)
+    for (const Line& line : model.railways) {
         track(line, 2.6);
-    if (zoom >= 16)
-        for (const Line& line : model.sidings)
+    }
+    if (zoom >= 16) {
+        for (const Line& line : model.sidings) {
             track(line, 1.4);
+        }
+    }
 }
 
 void TownPainter::paintShadows(cairo_t* cr, const Box& view) const {
-    if (zoom < 17)
+    if (zoom < 17) {
         return;
+    }
     cairo_new_path(cr);
     for (const Building& building : model.buildings) {
-        if (!building.box.touches(view))
+        if (!building.box.touches(view)) {
             continue;
+        }
         const Pt offset{building.height * 0.16, building.height * 0.22};
         Path shadow;
-        for (const Pt p : building.outline)
+        for (const Pt p : building.outline) {
             shadow.push_back(p + offset);
+        }
         trace(cr, shadow, true);
     }
     setInk(cr, {0x6F6250, 0.20});
@@ -286,15 +307,18 @@ void TownPainter::paintShadows(cairo_t* cr, const Box& view) const {
 }
 
 void TownPainter::paintBuildings(cairo_t* cr, const Box& view) const {
-    if (zoom < 16)
+    if (zoom < 16) {
         return;
+    }
     for (const Building& building : model.buildings) {
-        if (!building.box.touches(view))
+        if (!building.box.touches(view)) {
             continue;
+        }
         const Ink ink = buildingInk(building);
         fill(cr, building.outline, ink);
-        if (zoom < 17)
+        if (zoom < 17) {
             continue;
+        }
         if (zoom >= 18 && building.outline.size() == 4 && building.kind != BuildingKind::Industrial) {
             // The half of a gabled roof that lies away from the light.
             const Path& o = building.outline;
@@ -308,20 +332,23 @@ void TownPainter::paintBuildings(cairo_t* cr, const Box& view) const {
 }
 
 void TownPainter::paintTrees(cairo_t* cr, const Box& view) const {
-    if (zoom < 17)
+    if (zoom < 17) {
         return;
+    }
     constexpr std::uint32_t kCrowns[] = {0xA8D29A, 0x9CCB90, 0xB3D8A2};
     const Box reach = view.grownBy(8);
     for (const Tree& tree : model.trees) {
         Box box;
         box.add(tree.place);
-        if (!box.touches(reach))
+        if (!box.touches(reach)) {
             continue;
+        }
         disc(cr, tree.place + Pt{0.7, 0.9}, tree.radius, {0x4D6B45, 0.16});
         const Ink crown{kCrowns[tree.tint]};
         disc(cr, tree.place, tree.radius, crown);
-        if (zoom >= 18)
+        if (zoom >= 18) {
             disc(cr, tree.place - Pt{0.22, 0.26} * tree.radius, tree.radius * 0.55, shaded(crown, 1.07));
+        }
     }
 }
 

@@ -25,8 +25,9 @@ Path curve(const std::vector<Pt>& knots, bool closed = false) {
             line.push_back(townPoint(p.x, p.y));
         }
     }
-    if (!closed)
+    if (!closed) {
         line.push_back(townPoint(knots.back().x, knots.back().y));
+    }
     return line;
 }
 
@@ -42,8 +43,9 @@ void strewTrees(TownModel& model, const SpecialBlock& block, int count, std::uin
         const double u = dice.between(block.u0 + 10, block.u1 - 10);
         const double v = dice.between(block.v0 + 10, block.v1 - 10);
         const double radius = dice.between(2.4, 5.2);
-        if (isFree(u, v))
+        if (isFree(u, v)) {
             model.trees.push_back({townPoint(u, v), radius, dice.below(3)});
+        }
     }
 }
 
@@ -77,9 +79,11 @@ void addAnchorPark(TownModel& model) {
 
 void addMarketAndChurch(TownModel& model) {
     model.addArea(AreaKind::Square, townRectangle(4, -190, 81, -139));
-    for (double u = 14; u < 80; u += 13)
-        for (const double v : {-184.0, -145.0})
+    for (double u = 14; u < 80; u += 13) {
+        for (const double v : {-184.0, -145.0}) {
             model.trees.push_back({townPoint(u, v), 3, 1});
+        }
+    }
     model.addBuilding(BuildingKind::Public,
                       {townPoint(54, -178), townPoint(76, -178), townPoint(76, -151), townPoint(54, -151)},
                       18, 0);
@@ -113,8 +117,9 @@ void addStation(TownModel& model) {
                        townPoint(250, -274), townPoint(222, -274), townPoint(222, -280),
                        townPoint(190, -280)},
                       14, 0);
-    for (double u = 180; u < 290; u += 12)
+    for (double u = 180; u < 290; u += 12) {
         model.trees.push_back({townPoint(u, -265), 2.8, 0});
+    }
     model.places.push_back({townPoint(236, -285), PlaceKind::Transport, "Trelhaven Station", 16});
 }
 
@@ -165,16 +170,19 @@ void addSchoolAndCemetery(TownModel& model) {
 
 void addShorePark(TownModel& model) {
     Path green;
-    for (double u = -1000; u <= -570; u += 12)
+    for (double u = -1000; u <= -570; u += 12) {
         green.push_back(quayPoint(u, coastV(u) - 38));
-    for (double u = -570; u >= -1000; u -= 12)
+    }
+    for (double u = -570; u >= -1000; u -= 12) {
         green.push_back(quayPoint(u, coastV(u) - 72 - 20 * smoothStep(-570, -700, u)));
+    }
     model.addArea(AreaKind::Park, green);
     model.addArea(AreaKind::Park, quayRectangle(-548, -64, -452, 44));
     Dice dice(91);
-    for (int i = 0; i < 38; ++i)
+    for (int i = 0; i < 38; ++i) {
         model.trees.push_back({quayPoint(dice.between(-542, -458), dice.between(-58, 38)),
                                dice.between(2.4, 4.6), dice.below(3)});
+    }
     addPath(model, {{-542, 40}, {-505, 5}, {-510, -30}, {-456, -60}});
     addPath(model, {{-456, 40}, {-488, -5}, {-546, -55}});
     model.places.push_back({quayPoint(-500, -16), PlaceKind::Park, "Marina Gardens", 17});

@@ -52,16 +52,20 @@ const std::vector<GridStreet> kAcross{
 };
 
 bool crossesRailway(double u) {
-    for (const double crossing : {-690.0, -510.0, -250.0, -80.0, 165.0, 435.0, 615.0, 800.0})
-        if (u == crossing)
+    for (const double crossing : {-690.0, -510.0, -250.0, -80.0, 165.0, 435.0, 615.0, 800.0}) {
+        if (u == crossing) {
             return true;
+        }
+    }
     return false;
 }
 
 bool insideSpecialBlock(double u, double v) {
-    for (const SpecialBlock& block : specialBlocks())
-        if (block.contains(u, v))
+    for (const SpecialBlock& block : specialBlocks()) {
+        if (block.contains(u, v)) {
             return true;
+        }
+    }
     return false;
 }
 
@@ -72,8 +76,9 @@ void addGridStreet(TownModel& model, const GridStreet& street, bool along) {
     double runTo = 0;
     bool running = false;
     const auto finish = [&] {
-        if (!running)
+        if (!running) {
             return;
+        }
         model.addStreet(street.kind, std::string(street.name),
                         along ? townLine(runFrom, street.at, runTo, street.at)
                               : townLine(street.at, runFrom, street.at, runTo),
@@ -92,8 +97,9 @@ void addGridStreet(TownModel& model, const GridStreet& street, bool along) {
             finish();
             continue;
         }
-        if (!running)
+        if (!running) {
             runFrom = from;
+        }
         runTo = to;
         running = true;
     }
@@ -104,8 +110,9 @@ void addQuayStreets(TownModel& model) {
     const auto straight = [&](StreetKind kind, const char* name, double width,
                               std::initializer_list<Pt> corners) {
         Path line;
-        for (const Pt corner : corners)
+        for (const Pt corner : corners) {
             line.push_back(quayPoint(corner.x, corner.y));
+        }
         model.addStreet(kind, name, line, width);
     };
     straight(StreetKind::Minor, "Customs Quay", 7, {{-165, -75}, {-172, 44}, {48, 44}, {48, -75}});
@@ -119,8 +126,9 @@ void addQuayStreets(TownModel& model) {
              {{-420, -75}, {-439, -48}, {-439, 52}, {-540, 52}, {-600, 8}, {-690, -75}});
     straight(StreetKind::Footpath, "Marina Walk", 4, {{-436, -48}, {-194, -48}, {-194, 50}});
     Path promenade;
-    for (double u = -552; u > -1700; u -= 12)
+    for (double u = -552; u > -1700; u -= 12) {
         promenade.push_back(quayPoint(u, coastV(std::min(u, -560.0)) - 36));
+    }
     model.addStreet(StreetKind::Footpath, "Beach Promenade", promenade, 3.5);
 }
 
@@ -136,11 +144,13 @@ void addSidings(TownModel& model) {
     }
     // Leaves the main line east of the town and follows the coast back to the quays.
     Path harbourBranch;
-    for (double t = 0; t <= 1.0001; t += 0.02)
+    for (double t = 0; t <= 1.0001; t += 0.02) {
         harbourBranch.push_back(between(townPoint(1250 - 480 * t, kRailwayV), quayPoint(1250 - 480 * t, -20),
                                         smoothStep(0, 0.9, t)));
-    for (double u = 760; u >= 470; u -= 10)
+    }
+    for (double u = 760; u >= 470; u -= 10) {
         harbourBranch.push_back(quayPoint(u, -20));
+    }
     model.sidings.push_back({harbourBranch, 2.4, Box::of(harbourBranch)});
 }
 
@@ -149,8 +159,9 @@ void addSidings(TownModel& model) {
 const std::vector<double>& crossStreets() {
     static const std::vector<double> lines = [] {
         std::vector<double> all;
-        for (const GridStreet& street : kAcross)
+        for (const GridStreet& street : kAcross) {
             all.push_back(street.at);
+        }
         all.push_back(860);
         return all;
     }();
@@ -160,8 +171,9 @@ const std::vector<double>& crossStreets() {
 const std::vector<double>& longStreets() {
     static const std::vector<double> lines = [] {
         std::vector<double> all;
-        for (const GridStreet& street : kAlong)
+        for (const GridStreet& street : kAlong) {
             all.insert(all.begin(), street.at);
+        }
         return all;
     }();
     return lines;
@@ -182,10 +194,12 @@ const std::vector<SpecialBlock>& specialBlocks() {
 }
 
 void addStreets(TownModel& model) {
-    for (const GridStreet& street : kAcross)
+    for (const GridStreet& street : kAcross) {
         addGridStreet(model, street, false);
-    for (const GridStreet& street : kAlong)
+    }
+    for (const GridStreet& street : kAlong) {
         addGridStreet(model, street, true);
+    }
     addQuayStreets(model);
     addSidings(model);
 }

@@ -21,8 +21,9 @@ void addFields(TownModel& model) {
                 const double from = half == 0 ? 0 : split;
                 const double to = half == 0 ? split : 1;
                 const double kind = dice.between(0, 1);
-                if (kind > 0.72)
+                if (kind > 0.72) {
                     continue;
+                }
                 const double gap = 7;
                 const double u0 = u + from * kFieldLength + gap;
                 const double u1 = u + to * kFieldLength - gap;
@@ -41,8 +42,9 @@ void addForests(TownModel& model) {
         {900, -2700, 520},  {-1200, -3100, 600}, {-3600, -800, 400},  {3600, -2400, 560},
         {2200, -3600, 600}, {-3100, -3300, 500}, {-100, -4600, 700},  {-4600, -2200, 520}};
     std::uint64_t seed = 40;
-    for (const auto& forest : forests)
+    for (const auto& forest : forests) {
         model.addArea(AreaKind::Forest, blob(quayPoint(forest[0], forest[1]), forest[2], ++seed));
+    }
 }
 
 void addVillage(TownModel& model, double u, double v, const char* name, std::uint64_t seed) {
@@ -60,8 +62,9 @@ void addVillage(TownModel& model, double u, double v, const char* name, std::uin
                          centre + along * (radius * (i == 0 ? 2.2 : 0.8))},
                         i == 0 ? 8 : 6);
         for (double d = -radius * 0.8; d < radius * 0.8; d += dice.between(22, 34)) {
-            if (std::abs(d) < 34)
+            if (std::abs(d) < 34) {
                 continue;
+            }
             const double side = dice.chance(0.5) ? 22 : -20;
             const Pt middle = centre + along * d + across * (side + 14 * (1 - std::abs(d) / radius));
             const Pt a = along * dice.between(5, 8);
@@ -76,24 +79,28 @@ void addVillage(TownModel& model, double u, double v, const char* name, std::uin
 
 Path seaOutline() {
     Path outline{quayPoint(-kReach, 2 * kReach), quayPoint(-kReach, coastV(-kReach))};
-    for (double u = -kReach; u < -560; u += 12)
+    for (double u = -kReach; u < -560; u += 12) {
         outline.push_back(quayPoint(u, coastV(u)));
+    }
     const double quays[][2] = {{-560, 70}, {-430, 70}, {-430, -40}, {-200, -40}, {-200, 60},
                                {-90, 60},  {-90, 92},  {60, 92},    {60, -30},   {122, -30},
                                {122, 45},  {402, 45},  {402, 118},  {438, 118},  {438, 18},
                                {566, 18},  {566, 128}, {704, 128},  {704, 60},   {790, 60}};
-    for (const auto& corner : quays)
+    for (const auto& corner : quays) {
         outline.push_back(quayPoint(corner[0], corner[1]));
-    for (double u = 802; u < kReach; u += 12)
+    }
+    for (double u = 802; u < kReach; u += 12) {
         outline.push_back(quayPoint(u, coastV(u)));
+    }
     outline.push_back(quayPoint(kReach, 2 * kReach));
     return outline;
 }
 
 void addBeach(TownModel& model) {
     Path beach;
-    for (double u = -1750; u <= -552; u += 12)
+    for (double u = -1750; u <= -552; u += 12) {
         beach.push_back(quayPoint(u, coastV(std::min(u, -560.0)) + 1));
+    }
     for (double u = -552; u >= -1750; u -= 12) {
         const double width = 34 * smoothStep(-1750, -1600, u) * (1 - 0.4 * smoothStep(-640, -556, u));
         beach.push_back(quayPoint(u, coastV(std::min(u, -560.0)) - width));
@@ -122,8 +129,9 @@ void addCountryRoads(TownModel& model) {
     }
     model.addStreet(StreetKind::Primary, "Cape Road", east, 11);
     Path north;
-    for (double v = -725; v > -kReach; v -= 25)
+    for (double v = -725; v > -kReach; v -= 25) {
         north.push_back(townPoint(165 + 260 * std::sin((v + 725) / 1300) * smoothStep(-725, -1300, v), v));
+    }
     model.addStreet(StreetKind::Primary, "Mill Hill Road", north, 10);
     Path ring;
     for (double t = 0; t <= 1.0001; t += 0.02) {
@@ -155,8 +163,9 @@ void addSurroundings(TownModel& model) {
     model.places.push_back({quayPoint(1500, 900), PlaceKind::Water, "Amber Bight", 15, 17});
     model.places.push_back({quayPoint(-1900, 600), PlaceKind::Water, "West Bay", 15, 17});
     Path railway;
-    for (double u = -kReach; u <= kReach; u += 20)
+    for (double u = -kReach; u <= kReach; u += 20) {
         railway.push_back(townPoint(u, kRailwayV - 260 * smoothStep(1000, 4000, std::abs(u))));
+    }
     model.railways.push_back({railway, 3, Box::of(railway)});
 }
 

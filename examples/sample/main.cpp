@@ -19,26 +19,32 @@ std::string writePicture(const Canvas& canvas, const std::string& path) {
 
 std::string writeShip(const std::string& folder) {
     std::string problem = writePicture(paintElevation(), folder + "/side/ship.png");
-    for (const Deck& deck : kDecks)
-        if (problem.empty())
+    for (const Deck& deck : kDecks) {
+        if (problem.empty()) {
             problem =
                 writePicture(paintDeck(deck), folder + "/decks/deck" + std::to_string(deck.level) + ".png");
+        }
+    }
     return problem;
 }
 
 std::string writeTown(const std::string& folder) {
     std::error_code error;
-    for (const char* name : {"/icons", "/decks", "/side"})
+    for (const char* name : {"/icons", "/decks", "/side"}) {
         std::filesystem::create_directories(folder + name, error);
+    }
     const TownModel model = TownModel::build();
     std::string problem =
         writeArchive(folder + "/harbour.mbtiles", "Trelhaven", townRanges(), paintTown(model, kThreads));
-    if (problem.empty())
+    if (problem.empty()) {
         problem = writeIcons(folder + "/icons");
-    if (problem.empty())
+    }
+    if (problem.empty()) {
         problem = writeShip(folder);
-    if (problem.empty())
+    }
+    if (problem.empty()) {
         problem = writeScenes(folder, model);
+    }
     return problem;
 }
 

@@ -34,12 +34,14 @@ struct MapBox {
 std::optional<MapBox> boxAround(std::span<const CLLocationCoordinate2D> coordinates) {
     std::optional<MapBox> box;
     for (const CLLocationCoordinate2D& coordinate : coordinates) {
-        if (!CLLocationCoordinate2DIsValid(coordinate))
+        if (!CLLocationCoordinate2DIsValid(coordinate)) {
             continue;
+        }
         WorldMapPoint point = GeoUtils::scenePoint(coordinateOf(coordinate));
         point.y = std::clamp(point.y, 0.0, kWorldSize);
-        if (!box)
+        if (!box) {
             box = MapBox{point, point};
+        }
         box->include(point);
     }
     return box;
@@ -51,10 +53,12 @@ float closestZoom(const MapBox& box, CGSize viewSize) {
     const double fit = std::min(viewSize.width * ratio / box.width(), viewSize.height * ratio / box.height());
     const double zoom = static_cast<double>(ZoomLimits::kSupportedMax) + std::log2(kUsableShare * fit);
     if (!(zoom > static_cast<double>(ZoomLimits::kSupportedMin)) ||
-        !(viewSize.width > 0.0 && viewSize.height > 0.0))
+        !(viewSize.width > 0.0 && viewSize.height > 0.0)) {
         return ZoomLimits::kSupportedMin;
-    if (zoom >= static_cast<double>(ZoomLimits::kSupportedMax))
+    }
+    if (zoom >= static_cast<double>(ZoomLimits::kSupportedMax)) {
         return ZoomLimits::kSupportedMax;
+    }
     const auto narrowed = static_cast<float>(zoom);
     // Rounded down: a zoom rounded up would cut into the margin.
     return static_cast<double>(narrowed) > zoom ? std::nextafter(narrowed, 0.0F) : narrowed;
@@ -65,8 +69,9 @@ float closestZoom(const MapBox& box, CGSize viewSize) {
 std::optional<TrelmixMapEngineCamera> cameraShowing(std::span<const CLLocationCoordinate2D> coordinates,
                                                     CGSize viewSize) {
     const std::optional<MapBox> box = boxAround(coordinates);
-    if (!box)
+    if (!box) {
         return std::nullopt;
+    }
     const Coordinate target = GeoUtils::coordinateOfScenePoint(box->middle());
     return TrelmixMapEngineCamera(locationOf(target), 0, 0, closestZoom(*box, viewSize));
 }

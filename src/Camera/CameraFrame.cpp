@@ -56,8 +56,9 @@ void CameraFrame::setRotation(double rotation, double viewingAngle) {
     // The transpose, in doubles, and not Matrix::inverted: its single precision is worth metres on the ground
     // once the camera has travelled far from the scene's origin.
     for (std::size_t row = 0; row < 3; ++row) {
-        for (std::size_t col = 0; col < 3; ++col)
+        for (std::size_t col = 0; col < 3; ++col) {
             _invertedRotation[row * 3 + col] = _rotation[col * 3 + row];
+        }
     }
 }
 
@@ -110,8 +111,9 @@ WorldMapPoint CameraFrame::unproject(ScreenPoint point) const {
 bool CameraFrame::seesGround(ScreenPoint point) const {
     const double by = (point.y - _halfHeight) / _mapPointsPerMeter;
     const double descent = _invertedRotation[7] * by + _invertedRotation[8] * _focalLength;
-    if (!(descent > 0.0 && _height > 0.0))
+    if (!(descent > 0.0 && _height > 0.0)) {
         return false;
+    }
     const WorldMapPoint ground = unproject(point);
     return std::isfinite(ground.x) && std::isfinite(ground.y);
 }

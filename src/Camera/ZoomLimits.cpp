@@ -16,8 +16,9 @@ bool isSupported(float zoom) {
 }
 
 void store(std::atomic<float>& limit, float zoom) {
-    if (!std::isnan(zoom))
+    if (!std::isnan(zoom)) {
         limit = zoom;
+    }
 }
 
 } // namespace

@@ -37,11 +37,13 @@ double latitudeAt(double y, double scale) {
 /// degrees away, where subtracting 180 no longer changes anything. The remainder is exact, as the steps are
 /// below 1e15.
 double folded(double longitude) {
-    if (longitude >= -180.0 && longitude <= 180.0)
+    if (longitude >= -180.0 && longitude <= 180.0) {
         return longitude;
+    }
     const double rest = std::fmod(longitude, 180.0);
-    if (rest == 0.0)
+    if (rest == 0.0) {
         return longitude < 0.0 ? -180.0 : 180.0;
+    }
     return rest;
 }
 
@@ -49,8 +51,9 @@ double longitudeAt(double x, double scale) {
     const double longitude = (x * HALF_DIM_PI_INV) / (scale * d) - 180.0;
     // At fractional zooms the eastern edge of the world rounds to just beyond 180, which must not be folded
     // to 0.
-    if (x >= 0.0 && x <= kWorldSize * scale)
+    if (x >= 0.0 && x <= kWorldSize * scale) {
         return std::min(longitude, 180.0);
+    }
     return folded(longitude);
 }
 

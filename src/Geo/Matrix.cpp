@@ -32,23 +32,27 @@ std::vector<double> invertedInFloats(const std::vector<double>& values,
 } // namespace
 
 std::optional<Matrix> Matrix::make(std::vector<double> values, std::int64_t rows, std::int64_t cols) {
-    if (!countsMatch(values.size(), rows, cols))
+    if (!countsMatch(values.size(), rows, cols)) {
         return std::nullopt;
+    }
     return Matrix(std::move(values), rows, cols);
 }
 
 std::vector<double> Matrix::operator[](std::int64_t row) const {
-    if (row < 0 || row >= _rows)
+    if (row < 0 || row >= _rows) {
         return {};
+    }
     const auto first = _values.begin() + row * _cols;
     return {first, first + _cols};
 }
 
 std::optional<Matrix> Matrix::inverted(bool useAccelerate) const {
-    if (_rows != _cols)
+    if (_rows != _cols) {
         return std::nullopt;
-    if (!useAccelerate && _rows <= 4)
+    }
+    if (!useAccelerate && _rows <= 4) {
         return smallInverse();
+    }
     return generalInverse();
 }
 
@@ -66,22 +70,26 @@ Matrix Matrix::smallInverse() const {
 }
 
 std::optional<Matrix> Matrix::generalInverse() const {
-    if (_rows > std::numeric_limits<int>::max())
+    if (_rows > std::numeric_limits<int>::max()) {
         return std::nullopt;
+    }
     std::vector<double> working = _values;
-    if (!invertInPlace(working, static_cast<int>(_rows)))
+    if (!invertInPlace(working, static_cast<int>(_rows))) {
         return std::nullopt;
+    }
     return Matrix(std::move(working), _rows, _cols);
 }
 
 std::optional<Matrix> Matrix::product(const Matrix& a, const Matrix& b) {
-    if (a._cols != b._rows)
+    if (a._cols != b._rows) {
         return std::nullopt;
+    }
     const auto rows = static_cast<std::size_t>(a._rows);
     const auto cols = static_cast<std::size_t>(b._cols);
     std::vector<double> values;
-    if (rows > values.max_size() / cols)
+    if (rows > values.max_size() / cols) {
         return std::nullopt;
+    }
     values.resize(rows * cols);
     vDSP_mmulD(a._values.data(), 1, b._values.data(), 1, values.data(), 1, rows, cols,
                static_cast<std::size_t>(a._cols));

@@ -81,8 +81,9 @@ struct ReferenceCamera {
     std::array<Real, 2> groundUnder(ScreenPoint point) const {
         const Real a = point.x - width / 2, b = height / 2 - point.y;
         std::array<Real, 3> ray{};
-        for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t i = 0; i < 3; ++i) {
             ray[i] = right[i] * a + up[i] * b + forward[i] * focal;
+        }
         const Real t = -eye[2] / ray[2];
         const Real x = eye[0] + ray[0] * t, y = -(eye[1] + ray[1] * t);
         return {std::atan(std::sinh(kPi - y / kWorld * 2 * kPi)) / kRadians, x / kWorld * 360 - 180};

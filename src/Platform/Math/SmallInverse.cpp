@@ -15,8 +15,9 @@ FloatMatrix<3> invert_f3(const FloatMatrix<3>& m) {
                            c1, m[0] * m[8] - m[2] * m[6], m[2] * m[3] - m[0] * m[5],
                            c2, m[1] * m[6] - m[0] * m[7], m[0] * m[4] - m[1] * m[3]};
     const float determinant = m[0] * c0 + m[1] * c1 + m[2] * c2;
-    for (float& entry : inverse)
+    for (float& entry : inverse) {
         entry /= determinant;
+    }
     return inverse;
 }
 
@@ -38,8 +39,9 @@ FloatMatrix<4> invert_f4(const FloatMatrix<4>& m) {
                            -m[4] * c3 + m[5] * c1 - m[6] * c0,    m[0] * c3 - m[1] * c1 + m[2] * c0,
                            -m[12] * s3 + m[13] * s1 - m[14] * s0, m[8] * s3 - m[9] * s1 + m[10] * s0};
     const float determinant = s0 * c5 - s1 * c4 + s2 * c3 + s3 * c2 - s4 * c1 + s5 * c0;
-    for (float& entry : inverse)
+    for (float& entry : inverse) {
         entry /= determinant;
+    }
     return inverse;
 }
 

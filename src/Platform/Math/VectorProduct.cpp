@@ -10,8 +10,9 @@ void vDSP_mmulD(const double* a, std::ptrdiff_t strideA, const double* b, std::p
     for (std::size_t row = 0; row < m; ++row) {
         for (std::size_t col = 0; col < n; ++col) {
             double sum = 0;
-            for (std::size_t k = 0; k < p; ++k)
+            for (std::size_t k = 0; k < p; ++k) {
                 sum += a[at(row * p + k, strideA)] * b[at(k * n + col, strideB)];
+            }
             c[at(row * n + col, strideC)] = sum;
         }
     }
