@@ -28,6 +28,8 @@ class SCNView;
 /// which also need the lock while setters may run, are free of races among themselves; `frame()` gives a
 /// snapshot to convert with outside the lock. The protocol's own conversions are the main thread's and need
 /// none. The state stays finite: a setter ignores a number that is not.
+///
+/// Long by its many small names; the arithmetic is CameraFrame's.
 class CameraProjection final : public TrelmixMapProjection {
 public:
     /// An invalid target, or one at a pole, would spoil the scene's origin for good: it becomes (0, 0).

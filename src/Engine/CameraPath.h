@@ -33,7 +33,7 @@ struct CameraChange {
 ///
 /// The order that the delegate sees: the target is written first, then the change is announced, then
 /// rotation, viewing angle and zoom are written. A camera that it sets from inside the announcement ends the
-/// outer change.
+/// outer change. That order is why the whole path stands in one class, long as it is.
 class CameraPath {
 public:
     /// Seconds of every animated camera change.

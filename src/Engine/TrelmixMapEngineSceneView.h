@@ -18,7 +18,8 @@
 namespace trelmix {
 
 /// The engine: a view that hosts the scene and holds the parts that do the work: the camera path, gestures,
-/// taps, and a marker that is dragged. Itself it sets the view up and passes calls on.
+/// taps, and a marker that is dragged. Itself it sets the view up and passes calls on: it is as long as the
+/// protocol is.
 ///
 /// Made by the factory. Its last reference may fall on any thread; it is then destroyed by the main queue.
 class TrelmixMapEngineSceneView final : public ViewNode,

@@ -1,6 +1,5 @@
 #include "Overlays/CircleNode.h"
 
-#include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Scene/SCNAction.h"
 
 #include <algorithm>
@@ -27,24 +26,17 @@ CircleNode::CircleNode() {
     prepareCircle();
 }
 
-CLLocationCoordinate2D CircleNode::presentedCoordinate() const {
-    const MainEntry entry{"presentedCoordinate"};
-    return entry && cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
-                                       : kCLLocationCoordinate2DInvalid;
-}
-
 void CircleNode::setCoordinate(CLLocationCoordinate2D coordinate) {
     if (const MainEntry entry{"setCoordinate"}) {
-        _coordinate = coordinate;
-        place(coordinate);
-        updateCircle(false, TrelmixMapEngineSceneView::kTMXEngineMapAnimationDuration);
+        store(coordinate);
+        showAtOnce();
     }
 }
 
 void CircleNode::setRadius(double radius) {
     if (const MainEntry entry{"setRadius"}) {
         _radius = radius;
-        updateCircle(false, TrelmixMapEngineSceneView::kTMXEngineMapAnimationDuration);
+        showAtOnce();
     }
 }
 
@@ -62,9 +54,13 @@ void CircleNode::updateCircleWithCoordinate(CLLocationCoordinate2D coordinate, d
         return;
     }
     _radius = radius;
-    _coordinate = coordinate;
-    place(coordinate);
-    updateCircle(animated, duration);
+    store(coordinate);
+    if (!animated) {
+        showAtOnce();
+    } else if (isPlaced()) {
+        runAction(SCNAction::group(
+            {SCNAction::moveTo(_place.positionAt(0), duration), SCNAction::scaleTo(diameter(), duration)}));
+    }
 }
 
 void CircleNode::prepareCircle() {
@@ -80,16 +76,15 @@ void CircleNode::prepareCircle() {
 }
 
 /// A centre without a place leaves the circle where it is.
-bool CircleNode::place(CLLocationCoordinate2D coordinate) {
-    const auto position = cameraProjection() && CLLocationCoordinate2DIsValid(coordinate)
-                              ? scenePlaceOf(coordinate, *cameraProjection())
-                              : std::nullopt;
-    if (!position) {
-        return false;
+void CircleNode::store(CLLocationCoordinate2D coordinate) {
+    _coordinate = coordinate;
+    if (cameraProjection()) {
+        _place.moveTo(coordinate, *cameraProjection());
     }
-    _circlePosition = position;
-    _placedCoordinate = coordinate;
-    return true;
+}
+
+bool CircleNode::isPlaced() const {
+    return cameraProjection() && CLLocationCoordinate2DIsValid(_coordinate) && _place.point();
 }
 
 float CircleNode::diameter() {
@@ -98,18 +93,12 @@ float CircleNode::diameter() {
     return static_cast<float>(units > 0 ? std::min(units, kLargestDiameter) : 0.0);
 }
 
-void CircleNode::updateCircle(bool animated, double duration) {
-    if (!cameraProjection() || !CLLocationCoordinate2DIsValid(_coordinate) || !_circlePosition) {
-        return;
+void CircleNode::showAtOnce() {
+    if (isPlaced()) {
+        const float scale = diameter();
+        setExactPosition(_place.positionAt(exactPosition().z));
+        setScale({scale, scale, scale});
     }
-    const float scale = diameter();
-    if (animated) {
-        runAction(SCNAction::group({SCNAction::moveTo({_circlePosition->x, -_circlePosition->y, 0}, duration),
-                                    SCNAction::scaleTo(scale, duration)}));
-        return;
-    }
-    setExactPosition({_circlePosition->x, -_circlePosition->y, exactPosition().z});
-    setScale({scale, scale, scale});
 }
 
 void CircleNode::setup(const std::shared_ptr<CameraProjection>& projection) {
@@ -119,8 +108,9 @@ void CircleNode::setup(const std::shared_ptr<CameraProjection>& projection) {
         prepareCircle();
     }
     // Another engine has another origin: one whose centre has become invalid stays at its last place.
-    if (!CLLocationCoordinate2DIsValid(_coordinate) && place(_placedCoordinate)) {
-        setExactPosition({_circlePosition->x, -_circlePosition->y, kHeight});
+    if (projection && !CLLocationCoordinate2DIsValid(_coordinate) &&
+        _place.moveTo(_place.coordinate(), *projection)) {
+        setExactPosition(_place.positionAt(kHeight));
     }
     setCoordinate(_coordinate);
 }
@@ -128,7 +118,7 @@ void CircleNode::setup(const std::shared_ptr<CameraProjection>& projection) {
 void CircleNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
     OverlayNode::addToMap(mapSceneView);
     // Leaving the scene before may have cut a move short.
-    updateCircle(false, 0);
+    showAtOnce();
 }
 
 std::string CircleNode::description() const {

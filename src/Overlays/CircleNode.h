@@ -14,7 +14,7 @@ class CircleNode final : public OverlayNode<TrelmixMapCircle> {
 public:
     static std::shared_ptr<CircleNode> make();
 
-    CLLocationCoordinate2D presentedCoordinate() const override;
+    CLLocationCoordinate2D presentedCoordinate() const override { return presentedCoordinateOf(*this); }
     CLLocationCoordinate2D coordinate() const override {
         return readOnMain("coordinate", _coordinate, kCLLocationCoordinate2DInvalid);
     }
@@ -34,14 +34,14 @@ public:
 private:
     CircleNode();
     void prepareCircle();
-    bool place(CLLocationCoordinate2D coordinate);
-    void updateCircle(bool animated, double duration);
+    void store(CLLocationCoordinate2D coordinate);
+    /// Whether the circle has a place to show at, and not an invalid centre.
+    bool isPlaced() const;
+    void showAtOnce();
     float diameter();
 
     CLLocationCoordinate2D _coordinate = kCLLocationCoordinate2DInvalid;
-    /// The last one with a place.
-    CLLocationCoordinate2D _placedCoordinate = kCLLocationCoordinate2DInvalid;
-    std::optional<OpenGlPoint> _circlePosition;
+    GroundPlace _place;
     double _radius = 1.0;
     std::optional<UIColor> _color;
     GroundScale _groundScale;

@@ -42,12 +42,6 @@ MarkerNode::MarkerNode() {
     setScale({0, 0, 0});
 }
 
-CLLocationCoordinate2D MarkerNode::presentedCoordinate() const {
-    const MainEntry entry{"presentedCoordinate"};
-    return entry && cameraProjection() ? coordinateAt(presentedPosition(), *cameraProjection())
-                                       : kCLLocationCoordinate2DInvalid;
-}
-
 void MarkerNode::setCoordinate(CLLocationCoordinate2D coordinate) {
     if (const MainEntry entry{"setCoordinate"}) {
         _coordinate = coordinate;
@@ -61,30 +55,24 @@ void MarkerNode::setCoordinate(CLLocationCoordinate2D coordinate, bool animated,
         return;
     }
     _coordinate = coordinate;
-    if (place(coordinate)) {
-        changeMarkerPosition(animated, duration);
+    if (!place(coordinate)) {
+        return;
+    }
+    if (animated) {
+        runAction(SCNAction::moveTo(_place.positionAt(0), duration));
+    } else {
+        standAtPlace();
     }
 }
 
 bool MarkerNode::place(CLLocationCoordinate2D coordinate) {
-    const auto position = CLLocationCoordinate2DIsValid(coordinate)
-                              ? scenePlaceOf(coordinate, *cameraProjection())
-                              : std::nullopt;
-    if (!position) {
-        return false;
-    }
-    _markerPosition = position;
-    _placedCoordinate = coordinate;
-    _needsUpdate = true;
-    return true;
+    const bool isPlaced = _place.moveTo(coordinate, *cameraProjection());
+    _needsUpdate = _needsUpdate || isPlaced;
+    return isPlaced;
 }
 
-void MarkerNode::changeMarkerPosition(bool animated, double duration) {
-    if (animated) {
-        runAction(SCNAction::moveTo({_markerPosition->x, -_markerPosition->y, 0}, duration));
-    } else {
-        setExactPosition({_markerPosition->x, -_markerPosition->y, exactPosition().z});
-    }
+void MarkerNode::standAtPlace() {
+    setExactPosition(_place.positionAt(exactPosition().z));
 }
 
 void MarkerNode::setMarkerIcon(std::shared_ptr<const UIImage> icon) {
@@ -236,7 +224,7 @@ void MarkerNode::updateMarkerRotation() {
 
 void MarkerNode::update(float zoom, float rotation, float viewingAngle) {
     applyRenderingOrder();
-    if (!_markerIcon || !_markerPosition || !cameraProjection()) {
+    if (!_markerIcon || !_place.point() || !cameraProjection()) {
         return;
     }
     const CameraState camera{zoom, rotation, viewingAngle, cameraProjection()->mapPointScreenPointRatio()};
@@ -245,7 +233,8 @@ void MarkerNode::update(float zoom, float rotation, float viewingAngle) {
     }
     _needsUpdate = false;
     _lastCamera = camera;
-    if (const auto scale = _groundScale.unitsPerScreenPoint(camera.ratio, _placedCoordinate.latitude, zoom)) {
+    if (const auto scale =
+            _groundScale.unitsPerScreenPoint(camera.ratio, _place.coordinate().latitude, zoom)) {
         setScale({*scale, *scale, *scale});
     }
     updateMarkerRotation();
@@ -256,8 +245,8 @@ void MarkerNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     // Another engine has another origin: a marker whose coordinate has become invalid stays at its last
     // place.
     const bool isValid = CLLocationCoordinate2DIsValid(_coordinate);
-    if (projection && place(isValid ? _coordinate : _placedCoordinate)) {
-        changeMarkerPosition(false, 0);
+    if (projection && place(isValid ? _coordinate : _place.coordinate())) {
+        standAtPlace();
     }
     // A marker that was cleared has lost its icon's material.
     if (_markerIcon && (!geometry() || geometry()->materials().empty())) {
@@ -268,8 +257,8 @@ void MarkerNode::setup(const std::shared_ptr<CameraProjection>& projection) {
 void MarkerNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
     OverlayNode::addToMap(mapSceneView);
     // Leaving the scene before may have cut a move short.
-    if (_markerPosition) {
-        changeMarkerPosition(false, 0);
+    if (_place.point()) {
+        standAtPlace();
     }
 }
 
@@ -281,11 +270,10 @@ void MarkerNode::clearEverything() {
 
 void MarkerNode::dragBy(OpenGlPoint offset) {
     const SceneLock lock;
-    if (!_markerPosition || !std::isfinite(offset.x) || !std::isfinite(offset.y)) {
-        return;
+    if (_place.point() && std::isfinite(offset.x) && std::isfinite(offset.y)) {
+        _place.shiftBy(offset);
+        standAtPlace();
     }
-    _markerPosition = OpenGlPoint{_markerPosition->x + offset.x, _markerPosition->y + offset.y};
-    setExactPosition({_markerPosition->x, -_markerPosition->y, exactPosition().z});
 }
 
 std::string MarkerNode::description() const {

@@ -11,11 +11,13 @@ namespace trelmix {
 
 /// An icon that keeps its size on screen: upright and turned to the camera, or flat with a rotation of its
 /// own.
+///
+/// Long by its many properties; place and scale, which could stand alone, are in ScenePlace.
 class MarkerNode final : public OverlayNode<TrelmixMapMarker> {
 public:
     static std::shared_ptr<MarkerNode> make();
 
-    CLLocationCoordinate2D presentedCoordinate() const override;
+    CLLocationCoordinate2D presentedCoordinate() const override { return presentedCoordinateOf(*this); }
     CLLocationCoordinate2D coordinate() const override {
         return readOnMain("coordinate", _coordinate, kCLLocationCoordinate2DInvalid);
     }
@@ -45,7 +47,7 @@ public:
     void update(float zoom, float rotation, float viewingAngle) override;
 
     /// Where the marker belongs, apart from a running move; absent until it has been placed.
-    const std::optional<OpenGlPoint>& markerPosition() const { return _markerPosition; }
+    const std::optional<OpenGlPoint>& markerPosition() const { return _place.point(); }
     /// Moves the marker with a finger; its coordinate stays as it is.
     void dragBy(OpenGlPoint offset);
 
@@ -64,7 +66,7 @@ private:
 
     MarkerNode();
     bool place(CLLocationCoordinate2D coordinate);
-    void changeMarkerPosition(bool animated, double duration);
+    void standAtPlace();
     void prepareMarkerIcon();
     void storeRotation(double degrees);
     void updateMarkerRotation();
@@ -72,9 +74,8 @@ private:
     void rotationEnded(std::uint64_t number, float rotation);
 
     CLLocationCoordinate2D _coordinate = kCLLocationCoordinate2DInvalid;
-    /// The last valid one: the latitude of an invalid one would turn the icon inside out.
-    CLLocationCoordinate2D _placedCoordinate = kCLLocationCoordinate2DInvalid;
-    std::optional<OpenGlPoint> _markerPosition;
+    /// Its latitude gives the size: that of an invalid coordinate would turn the icon inside out.
+    GroundPlace _place;
     bool _isFlat = false;
     bool _isDraggable = false;
     double _markerRotation = 0;

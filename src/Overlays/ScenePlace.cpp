@@ -1,6 +1,8 @@
 #include "Overlays/ScenePlace.h"
 
+#include "Engine/GeoNode.h"
 #include "Geo/GeoUtils.h"
+#include "Platform/Foundation/MainEntry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,6 +29,22 @@ CLLocationCoordinate2D coordinateAt(Vector3d scenePosition, const CameraProjecti
     const WorldMapPoint origin = projection.initialMapPoint();
     return locationOf(
         GeoUtils::coordinateOfScenePoint({scenePosition.x + origin.x, origin.y - scenePosition.y}));
+}
+
+CLLocationCoordinate2D presentedCoordinateOf(const GeoNode& node) {
+    const MainEntry entry{"presentedCoordinate"};
+    return entry && node.cameraProjection() ? coordinateAt(node.presentedPosition(), *node.cameraProjection())
+                                            : kCLLocationCoordinate2DInvalid;
+}
+
+bool GroundPlace::moveTo(CLLocationCoordinate2D coordinate, const CameraProjection& projection) {
+    const auto point =
+        CLLocationCoordinate2DIsValid(coordinate) ? scenePlaceOf(coordinate, projection) : std::nullopt;
+    if (point) {
+        _point = point;
+        _coordinate = coordinate;
+    }
+    return point.has_value();
 }
 
 std::string descriptionOf(const std::vector<CLLocation>& locations) {
