@@ -22,7 +22,7 @@ bool isBefore(const DrawItem& a, const DrawItem& b) {
 void setBlending(Placement& placement) {
     const DrawItem& item = *placement.item;
     const bool isFaded = item.opacity < 1 || item.color[3] < 1;
-    placement.isTinted = isFaded || item.color != std::array<float, 4>{1, 1, 1, 1};
+    placement.isMultiplied = isFaded || item.color != std::array<float, 4>{1, 1, 1, 1};
     placement.isTranslucent = placement.icon || isFaded || !item.image->isOpaque();
 }
 
@@ -265,12 +265,12 @@ void DrawPlan::addImage(const Placement& placement, const FrameView& view) {
         DrawRun* last = _runs.empty() ? nullptr : &_runs.back();
         if (last && last->kind == DrawRun::Kind::images && last->texture == texture && last->chunk == chunk) {
             ++last->count;
-            last->isTinted |= placement.isTinted;
+            last->isMultiplied |= placement.isMultiplied;
             last->isTranslucent |= placement.isTranslucent;
             continue;
         }
-        _runs.push_back(
-            {DrawRun::Kind::images, placement.isTranslucent, placement.isTinted, texture, chunk, quad, 1, 0});
+        _runs.push_back({DrawRun::Kind::images, placement.isTranslucent, placement.isMultiplied, texture,
+                         chunk, quad, 1, 0});
     }
 }
 

@@ -37,7 +37,7 @@ struct DrawRun {
     enum class Kind : std::uint8_t { images, discs, sharedFills, largeFill, program };
     Kind kind = Kind::images;
     bool isTranslucent = true;
-    bool isTinted = false;
+    bool isMultiplied = false;
     GLuint texture = 0;
     /// Of quads: where their vertices begin; of shared fills: their batch.
     std::uint32_t chunk = 0;
@@ -49,6 +49,9 @@ struct DrawRun {
 
 /// Follows the draw list from frame to frame: writes what has changed, and finds what is drawn and in how
 /// many calls.
+///
+/// Larger than most classes: following the list, placing what is new and finding the runs all walk the same
+/// placements.
 class DrawPlan {
 public:
     explicit DrawPlan(RenderStores& stores) : _stores(stores) {}

@@ -18,13 +18,13 @@ attribute float a_opacity;
 attribute vec4 a_tint;
 uniform mat4 u_matrix;
 varying vec2 v_place;
-#ifdef TINTED
+#ifdef MULTIPLIED
 varying vec4 v_tint;
 #endif
 void main() {
     gl_Position = u_matrix * vec4(a_position, 1.0);
     v_place = a_place;
-#ifdef TINTED
+#ifdef MULTIPLIED
     v_tint = a_tint * a_opacity;
 #endif
 }
@@ -38,19 +38,19 @@ precision mediump float;
 #endif
 uniform sampler2D u_image;
 varying vec2 v_place;
-#ifdef TINTED
+#ifdef MULTIPLIED
 varying vec4 v_tint;
 #endif
 void main() {
     gl_FragColor = texture2D(u_image, v_place);
-#ifdef TINTED
+#ifdef MULTIPLIED
     gl_FragColor *= v_tint;
 #endif
 }
 )";
 
-std::string tinted(std::string source) {
-    return source.insert(source.find('\n') + 1, "#define TINTED\n");
+std::string multiplied(std::string source) {
+    return source.insert(source.find('\n') + 1, "#define MULTIPLIED\n");
 }
 
 /// The same expression for the same fractions, so that parts that meet share their corners to the last bit.
@@ -64,14 +64,14 @@ Vector3d between(const std::array<Vector3d, 4>& corners, double right, double do
 
 ImagePainter::ImagePainter(std::shared_ptr<GLGraveyard> graveyard) : _slots(std::move(graveyard)) {}
 
-std::string ImagePainter::prepare(bool isTinted, const std::shared_ptr<GLGraveyard>& graveyard) {
-    Program& program = isTinted ? _tinted : _plain;
+std::string ImagePainter::prepare(bool isMultiplied, const std::shared_ptr<GLGraveyard>& graveyard) {
+    Program& program = isMultiplied ? _multiplied : _plain;
     if (program.program) {
         return {};
     }
     const GLAttribute attributes[] = {{0, "a_position"}, {1, "a_place"}, {2, "a_opacity"}, {3, "a_tint"}};
-    auto linked = linkProgram(graveyard, isTinted ? tinted(kVertexShader) : kVertexShader,
-                              isTinted ? tinted(kFragmentShader) : kFragmentShader, attributes);
+    auto linked = linkProgram(graveyard, isMultiplied ? multiplied(kVertexShader) : kVertexShader,
+                              isMultiplied ? multiplied(kFragmentShader) : kFragmentShader, attributes);
     if (!linked) {
         return linked.reason();
     }
@@ -138,14 +138,14 @@ void ImagePainter::writeQuad(std::uint32_t slot, const DrawItem& item, const Fra
     _slots.sphere(slot) = BoundingSphere::around(points, 4);
 }
 
-void ImagePainter::use(bool isTinted, const FrameView& view, VertexArrays& arrays) {
-    Program& program = isTinted ? _tinted : _plain;
+void ImagePainter::use(bool isMultiplied, const FrameView& view, VertexArrays& arrays) {
+    Program& program = isMultiplied ? _multiplied : _plain;
     glUseProgram(program.program.name());
     if (!program.isCurrent) {
         program.isCurrent = true;
         glUniformMatrix4fv(program.matrix, 1, GL_FALSE, view.matrix().data());
     }
-    arrays.enable(isTinted ? 0xF : 0x3);
+    arrays.enable(isMultiplied ? 0xF : 0x3);
     _slots.bind();
 }
 

@@ -26,7 +26,7 @@ public:
 
     explicit ImagePainter(std::shared_ptr<GLGraveyard> graveyard);
     /// Compiles the shaders of one of the two programs, once; empty when it went well.
-    std::string prepare(bool isTinted, const std::shared_ptr<GLGraveyard>& graveyard);
+    std::string prepare(bool isMultiplied, const std::shared_ptr<GLGraveyard>& graveyard);
 
     Slots& slots() { return _slots; }
     const Slots& slots() const { return _slots; }
@@ -35,12 +35,12 @@ public:
 
     /// Makes one of the two programs current, which is prepared: the one for images in their own
     /// colours and of full opacity costs less.
-    void use(bool isTinted, const FrameView& view, VertexArrays& arrays);
+    void use(bool isMultiplied, const FrameView& view, VertexArrays& arrays);
     /// The same for quads of the caller's in clip coordinates, whose buffer is to be bound.
     void useUpright(VertexArrays& arrays);
     static void pointAt(std::uint32_t chunk);
     /// The matrix has to be given again.
-    void startFrame() { _plain.isCurrent = _tinted.isCurrent = false; }
+    void startFrame() { _plain.isCurrent = _multiplied.isCurrent = false; }
 
 private:
     struct Program {
@@ -53,7 +53,7 @@ private:
 
     Slots _slots;
     Program _plain;
-    Program _tinted;
+    Program _multiplied;
 };
 
 } // namespace trelmix

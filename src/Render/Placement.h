@@ -26,7 +26,7 @@ struct Placement {
     bool isDrawn = false;
     bool isTranslucent = false;
     /// An image that is multiplied by an opacity or a colour.
-    bool isTinted = false;
+    bool isMultiplied = false;
     /// First of the item's quads, in the images' or the discs' buffer.
     std::uint32_t slot = kNoSlot;
     ImageTexture* texture = nullptr;

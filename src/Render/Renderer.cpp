@@ -179,7 +179,7 @@ std::string Renderer::Parts::prepare(const std::vector<DrawRun>& runs) {
 std::string Renderer::Parts::prepare(const DrawRun& run) {
     switch (run.kind) {
     case DrawRun::Kind::images:
-        return stores.images.prepare(run.isTinted, graveyard);
+        return stores.images.prepare(run.isMultiplied, graveyard);
     case DrawRun::Kind::discs:
         return stores.discs.prepare(graveyard);
     case DrawRun::Kind::sharedFills:
@@ -288,7 +288,7 @@ void Renderer::Parts::paintScene(const std::vector<DrawRun>& runs, FrameReport& 
 }
 
 void Renderer::Parts::paintImages(const DrawRun& run) {
-    stores.images.use(run.isTinted, view, arrays);
+    stores.images.use(run.isMultiplied, view, arrays);
     stores.images.pointAt(run.chunk);
     stores.indices.bind();
     glBindTexture(GL_TEXTURE_2D, run.texture);

@@ -46,7 +46,8 @@ struct SCNMaterial {
     UIColor multiply = UIColor::whiteColor();
     /// Whether a minified image is drawn from its levels of detail.
     bool diffuseUsesLevels = true;
-    /// Kept as described; painter's order alone decides every pixel.
+    /// These three are kept and have no effect: there is no depth buffer, every plane is seen from both
+    /// sides, and alpha blends.
     bool readsFromDepthBuffer = true;
     bool isDoubleSided = false;
     SCNTransparencyMode transparencyMode = SCNTransparencyMode::aOne;
