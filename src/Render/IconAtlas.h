@@ -18,6 +18,8 @@ namespace trelmix {
 /// Every icon is surrounded by copies of its edge, so that filtering near it sees what it would at the edge
 /// of a texture of its own. A page grows until the driver's limit or 2048 x 4096 texels; then another is
 /// begun.
+///
+/// Larger than most classes: packing, repacking and uploading change the same pages and icons together.
 class IconAtlas {
 public:
     static constexpr int kLargestIcon = 256;

@@ -27,6 +27,9 @@ struct TextureLimits {
 ///
 /// Parts share a border with their neighbours, wide enough that a filter at the edge of one sees the texels
 /// that it would see in the whole. Uploaded piece by piece, so that a large image does not hold up a frame.
+///
+/// Larger than most classes: cutting an image into parts and uploading them piece by piece share the borders'
+/// arithmetic.
 class ImageTexture {
 public:
     struct Part {

@@ -31,6 +31,9 @@ inline constexpr std::int64_t kLevelNotFound = -1337;
 ///
 /// Made from a levels file, immutable afterwards, shared by whoever shows it. Any thread. Numbers that are
 /// not finite give results that are not finite, never a fault.
+///
+/// Larger than most classes: both axes, the check of what the file says, and read access to every number of
+/// it.
 class SideviewProjection final : public TMXSideviewProjection {
 public:
     /// @param path the levels file.

@@ -16,6 +16,9 @@ class UIImage;
 ///
 /// Owned by whoever makes it, on any one thread at a time. Numbers that are not finite make a call do
 /// nothing. A size that no bitmap can have gives a canvas on which nothing appears and which has no image.
+///
+/// Larger than most classes: one call for each thing that can be drawn, each with its guard against
+/// impossible numbers.
 class Canvas {
 public:
     /// @param width,height pixels, 1 to 32767 each and at most `UIImage::kMaximumPixelCount` together.

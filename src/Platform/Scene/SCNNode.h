@@ -28,6 +28,9 @@ struct SCNCamera {
 /// angles and scale has a model value and, while an action runs on it, a presented one, which is what is
 /// drawn. Setting a model value ends a running action on the same property. Scenes are flat: nodes are
 /// children of a scene's root. Guarded by the scene lock.
+///
+/// Larger than most classes: every property has its model and its presented side, and a change of one may end
+/// an action or ask for a new draw item.
 class SCNNode : public std::enable_shared_from_this<SCNNode> {
 public:
     SCNNode();

@@ -19,6 +19,8 @@ class UIView;
 /// Every event runs in four steps, so that nobody sees half of it: all recognisers take it in, those that may
 /// begin begin, the targets are told, and what is over comes to rest. Owned by a `TouchDispatcher`. Main
 /// thread only.
+///
+/// Larger than most classes: the four steps walk the same participants.
 class GestureArbiter : public std::enable_shared_from_this<GestureArbiter> {
 public:
     using Recognizers = std::vector<std::shared_ptr<UIGestureRecognizer>>;

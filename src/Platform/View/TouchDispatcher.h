@@ -26,6 +26,9 @@ class UIView;
 ///
 /// Refers to the root view weakly; may be called and destroyed inside a gesture's action: the call then takes
 /// effect after the event under way. Main thread only; elsewhere a call is a caller's fault and ignored.
+///
+/// Larger than most classes: every kind of event has its check, its turn after the event under way, and its
+/// timer.
 class TouchDispatcher {
 public:
     /// @param fraction points by which all touches are shifted as soon as one moves, and that again to and

@@ -39,6 +39,9 @@ public:
 ///
 /// Shared between its view and whoever reads it; refers to view and delegate weakly. Targets and delegates
 /// may change, disable, remove or release anything, this recogniser included. Main thread only.
+///
+/// Larger than most classes: what every recogniser has, which is a public part, a part for kinds of gestures
+/// and a part for the arbiter.
 class UIGestureRecognizer : public std::enable_shared_from_this<UIGestureRecognizer> {
 public:
     using State = UIGestureRecognizerState;

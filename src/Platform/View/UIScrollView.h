@@ -27,6 +27,8 @@ public:
 /// at zoom 1: they do not depend on zoom or offset. One finger or more pan the content, two pinch it about
 /// their middle. It lies in another view; as the root of a tree it cannot be scrolled by hand. Main thread
 /// only.
+///
+/// Larger than most classes: offset, zoom and content size limit one another with every change of one.
 class UIScrollView : public ViewNode {
 public:
     static std::shared_ptr<UIScrollView> make(CGRect frame = {});
