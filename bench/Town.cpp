@@ -27,7 +27,7 @@ namespace {
 
 /// "/16/35319/20755.png" of the archive, or "not found".
 TileReply answer(const apps::MbtilesArchive& archive, const std::string& path) {
-    apps::TileIndex index;
+    TileIndex index;
     if (std::sscanf(path.c_str(), "/%ld/%ld/%ld.png", &index.zoom, &index.x, &index.y) == 3) {
         if (const auto tile = archive.tile(index); tile && *tile) {
             return TileReply::ok(

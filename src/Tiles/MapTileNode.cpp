@@ -1,9 +1,13 @@
 #include "Tiles/MapTileNode.h"
 
+#include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/Clock.h"
+#include "Platform/Foundation/Thread.h"
+#include "Tiles/TileCoverage.h"
 
 #include <cmath>
-#include <unordered_set>
+#include <set>
+#include <utility>
 
 namespace trelmix {
 
@@ -15,6 +19,8 @@ constexpr float kZoomThreshold = 0.4F;
 constexpr float kAngleThreshold = 0.2F;
 /// Map points of the rounded zoom.
 constexpr double kTargetThreshold = 200.0;
+/// Seconds from the first image that arrives to the clean-up; images arriving meanwhile do not postpone it.
+constexpr double kCleanupDelay = 1.0;
 
 } // namespace
 
@@ -27,38 +33,40 @@ MapTileNode::MapTileNode() {
 }
 
 MapTileNode::~MapTileNode() {
-    if (_tileCleanupTimer) {
-        _tileCleanupTimer->invalidate();
-    }
+    stopTileCleanupTimer();
 }
 
 std::shared_ptr<MapTileNode> MapTileNode::self() {
     return std::static_pointer_cast<MapTileNode>(shared_from_this());
 }
 
+bool MapTileNode::synchronousLayer() const {
+    return readOnMain("synchronousLayer", _images.source().isSynchronous);
+}
+
 void MapTileNode::setSynchronousLayer(bool synchronous) {
     if (const MainEntry entry{"setSynchronousLayer"}) {
-        _synchronousLayer = synchronous;
+        _images.source().isSynchronous = synchronous;
     }
 }
 
 bool MapTileNode::imageUrlLayer() const {
-    return readOnMain("imageUrlLayer", _imageUrlLayer);
+    return readOnMain("imageUrlLayer", _images.source().isUrlLayer);
 }
 
 void MapTileNode::setImageUrlLayer(bool isUrlLayer) {
     if (const MainEntry entry{"setImageUrlLayer"}) {
-        _imageUrlLayer = isUrlLayer;
+        _images.source().isUrlLayer = isUrlLayer;
     }
 }
 
 MapTileNode::ImageUrlConstructor MapTileNode::imageUrlConstructor() const {
-    return readOnMain("imageUrlConstructor", _imageUrlConstructor);
+    return readOnMain("imageUrlConstructor", _images.source().address);
 }
 
 void MapTileNode::setImageUrlConstructor(ImageUrlConstructor constructor) {
     if (const MainEntry entry{"setImageUrlConstructor"}) {
-        _imageUrlConstructor.swap(constructor);
+        _images.source().address.swap(constructor);
         // What the old one holds is the application's, and may call back when it goes.
         callOut([&constructor] { constructor = nullptr; });
     }
@@ -66,14 +74,19 @@ void MapTileNode::setImageUrlConstructor(ImageUrlConstructor constructor) {
 
 std::optional<std::size_t> MapTileNode::imageCacheLimit() const {
     const MainEntry entry{"imageCacheLimit"};
-    return entry ? _mapTileImages.limit() : std::nullopt;
+    return entry ? _images.cache().limit() : std::nullopt;
 }
 
 void MapTileNode::setImageCacheLimit(std::optional<std::size_t> bytes) {
     if (const MainEntry entry{"setImageCacheLimit"}) {
-        _mapTileImages.setLimit(bytes);
+        _images.cache().setLimit(bytes);
         trimImageCache();
     }
+}
+
+void MapTileNode::provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
+                                  std::shared_ptr<const UIImage> image) {
+    _images.provide({x, y, zoom}, {std::move(image), false, {}});
 }
 
 std::string MapTileNode::description() const {
@@ -84,7 +97,7 @@ void MapTileNode::setVisible(bool visible) {
     if (const MainEntry entry{"setVisible"}) {
         setIsHidden(!visible);
         for (const auto& [zoom, tiles] : _mapTiles) {
-            for (const auto& tile : tiles) {
+            for (const auto& [index, tile] : tiles) {
                 tile->setIsHidden(!visible);
             }
         }
@@ -95,7 +108,7 @@ void MapTileNode::setOpacity(double opacity) {
     if (const MainEntry entry{"setOpacity"}) {
         SCNNode::setOpacity(opacity);
         for (const auto& [zoom, tiles] : _mapTiles) {
-            for (const auto& tile : tiles) {
+            for (const auto& [index, tile] : tiles) {
                 tile->SCNNode::setOpacity(SCNNode::opacity());
             }
         }
@@ -108,13 +121,13 @@ TileCounts MapTileNode::tileCounts() const {
     if (!entry) {
         return counts;
     }
-    const auto level = _mapTiles.find(roundedZoom(_lastTileCheckZoom));
+    const auto level = _mapTiles.find(roundedZoom(_lastCheck.zoom));
     if (level == _mapTiles.end()) {
         return counts;
     }
     counts.wanted = level->second.size();
     const TileAnswer* told = nullptr;
-    for (const auto& tile : level->second) {
+    for (const auto& [index, tile] : level->second) {
         const auto& answer = tile->answer();
         if (!answer) {
             continue;
@@ -141,29 +154,16 @@ void MapTileNode::clearEverything() {
 }
 
 void MapTileNode::clearMapData() {
-    ++_generation;
-    _mapTileImages.clear();
-    _downloads.clear();
-    _lostTiles.clear();
-    const auto levels = std::move(_mapTiles);
-    _mapTiles.clear();
+    _images.clear();
+    const auto levels = std::exchange(_mapTiles, {});
     for (const auto& [zoom, tiles] : levels) {
-        for (const auto& tile : tiles) {
+        for (const auto& [index, tile] : tiles) {
             tile->attachTo(nullptr);
         }
     }
-    if (_tileCleanupTimer) {
-        _tileCleanupTimer->invalidate();
-        _tileCleanupTimer = nullptr;
-    }
     // A clean-up that was pending is gone with its timer; the next image schedules another.
-    _startedCleanupTimer = false;
-    _lastTileCheckZoom = 0;
-    _lastTileCheckRotation = -3.4F;
-    _lastTileCheckViewingAngle = -1.0F;
-    _lastTileCheckTarget.reset();
-    _lastTileCheckTimestamp = 0;
-    _lastTilesBeyondBox.clear();
+    stopTileCleanupTimer();
+    _lastCheck = {};
 }
 
 void MapTileNode::update(float zoom, float rotation, float viewingAngle) {
@@ -175,78 +175,172 @@ void MapTileNode::update(float zoom, float rotation, float viewingAngle) {
     if (!needsToRecalculateTiles(publicZoom, rotation, viewingAngle)) {
         return;
     }
-    _lastTileCheckZoom = publicZoom;
-    _lastTileCheckRotation = rotation;
-    _lastTileCheckViewingAngle = viewingAngle;
-    _lastTileCheckTarget = cameraProjection()->cameraTargetMapPoint();
-    _lastTileCheckTimestamp = Clock::now();
     TileNeed need = tilesInView(*cameraProjection(), publicZoom);
-    _lastTilesBeyondBox = std::move(need.beyondBox);
+    _lastCheck = {publicZoom,   rotation,
+                  viewingAngle, cameraProjection()->cameraTargetMapPoint(),
+                  Clock::now(), std::move(need.beyondBox)};
     checkTilesAtCurrentZoomLevel(need.tiles);
 }
 
 bool MapTileNode::needsToRecalculateTiles(float zoom, float rotation, float viewingAngle) {
-    if (Clock::now() - _lastTileCheckTimestamp < kCheckInterval) {
+    if (Clock::now() - _lastCheck.timestamp < kCheckInterval) {
         return false;
     }
     const WorldMapPoint target = cameraProjection()->cameraTargetMapPoint();
-    if (!_lastTileCheckTarget) {
-        _lastTileCheckTarget = target;
+    if (!_lastCheck.target) {
+        _lastCheck.target = target;
         return true;
     }
-    if (std::abs(_lastTileCheckZoom - zoom) > kZoomThreshold ||
-        std::abs(std::round(_lastTileCheckZoom) - std::round(zoom)) >= 0.5F) {
+    if (std::abs(_lastCheck.zoom - zoom) > kZoomThreshold ||
+        std::abs(std::round(_lastCheck.zoom) - std::round(zoom)) >= 0.5F) {
         return true;
     }
     const double s = std::exp2(static_cast<double>(ZOOMLEVEL_MAX) - std::round(static_cast<double>(zoom)));
-    return std::abs(_lastTileCheckTarget->x - target.x) / s > kTargetThreshold ||
-           std::abs(_lastTileCheckTarget->y - target.y) / s > kTargetThreshold ||
-           std::abs(rotation - _lastTileCheckRotation) >= kAngleThreshold ||
-           std::abs(viewingAngle - _lastTileCheckViewingAngle) >= kAngleThreshold;
+    return std::abs(_lastCheck.target->x - target.x) / s > kTargetThreshold ||
+           std::abs(_lastCheck.target->y - target.y) / s > kTargetThreshold ||
+           std::abs(rotation - _lastCheck.rotation) >= kAngleThreshold ||
+           std::abs(viewingAngle - _lastCheck.viewingAngle) >= kAngleThreshold;
 }
 
-/// Removes the nodes of a zoom that are no longer needed or have lost their answer, and from `tiles` those
-/// that have one.
-void MapTileNode::dropUnneeded(std::int64_t zoom, std::vector<TileKey>& tiles) {
-    const std::unordered_set<TileKey, TileKeyHash> needed(tiles.begin(), tiles.end());
-    std::unordered_set<TileKey, TileKeyHash> present;
-    TileList kept;
-    TileList dropped;
-    for (const auto& tile : _mapTiles[zoom]) {
-        const bool isLost = _lostTiles.erase(tile->key()) > 0;
-        if (needed.contains(tile->key()) && !isLost) {
-            present.insert(tile->key());
-            kept.push_back(tile);
-        } else {
-            dropped.push_back(tile);
+/// Takes out the nodes of a zoom that are no longer needed or have lost their answer.
+MapTileNode::Nodes MapTileNode::takeUnneeded(Level& level, const std::vector<TileIndex>& needed) {
+    const std::set<TileIndex> kept(needed.begin(), needed.end());
+    Nodes taken;
+    std::erase_if(level, [&](const auto& entry) {
+        const bool goes = _images.takeLost(entry.first) || !kept.contains(entry.first);
+        if (goes) {
+            taken.push_back(entry.second);
+        }
+        return goes;
+    });
+    return taken;
+}
+
+void MapTileNode::checkTilesAtCurrentZoomLevel(const std::vector<TileIndex>& tiles) {
+    const auto keep = self();
+    Level& level = _mapTiles[roundedZoom(_lastCheck.zoom)];
+    const Nodes dropped = takeUnneeded(level, tiles);
+    Nodes made;
+    for (const TileIndex& index : tiles) {
+        if (const auto [entry, isNew] = level.try_emplace(index); isNew) {
+            entry->second = SingleMapTileNode::make(index, *this);
+            made.push_back(entry->second);
         }
     }
-    _mapTiles[zoom] = std::move(kept);
-    std::erase_if(tiles, [&present](const TileKey& key) { return present.contains(key); });
+    // From here on the lock is released now and then, and the layer may be cleared or taken off the map: by
+    // the application when it is asked for an image, or by another thread.
+    const std::uint64_t generation = _images.generation();
+    const auto map = attachedMap();
     for (const auto& tile : dropped) {
         tile->attachTo(nullptr);
     }
-}
-
-void MapTileNode::checkTilesAtCurrentZoomLevel(const std::vector<TileKey>& tiles) {
-    const auto keep = self();
-    const std::int64_t zoom = roundedZoom(_lastTileCheckZoom);
-    std::vector<TileKey> missing = tiles;
-    dropUnneeded(zoom, missing);
-    TileList made;
-    for (const TileKey& key : missing) {
-        made.push_back(SingleMapTileNode::make(key, keep));
-    }
-    TileList& level = _mapTiles[zoom];
-    level.insert(level.end(), made.begin(), made.end());
-    // Attaching a tile asks the application for its image, and it may clear the layer or take it off the map.
-    const std::uint64_t generation = _generation;
-    const auto map = attachedMap();
     for (const auto& tile : made) {
-        if (_generation != generation || attachedMap() != map) {
+        if (_images.generation() != generation || attachedMap() != map) {
             break;
         }
         tile->attachTo(map);
+        // It counts as its layer among equals.
+        tile->setDrawSequence(drawSequence());
+        _images.request(tile->index());
+    }
+    trimImageCache();
+}
+
+SingleMapTileNode* MapTileNode::shownTile(const TileIndex& tile) const {
+    const auto level = _mapTiles.find(tile.zoom);
+    if (level == _mapTiles.end()) {
+        return nullptr;
+    }
+    const auto found = level->second.find(tile);
+    return found == level->second.end() ? nullptr : found->second.get();
+}
+
+std::shared_ptr<TrelmixMapEngineDelegate> MapTileNode::delegateOfEngine() const {
+    const auto engine = std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(attachedMap());
+    return engine ? engine->currentDelegate() : nullptr;
+}
+
+void MapTileNode::show(const TileIndex& tile, TileAnswer answer) {
+    if (auto* const node = shownTile(tile)) {
+        if (answer.image) {
+            restartTileCleanupTimer();
+        }
+        node->finishLoading(std::move(answer));
+    }
+}
+
+void MapTileNode::trimImageCache() {
+    TileImageCache& cache = _images.cache();
+    if (!cache.isOverLimit()) {
+        return;
+    }
+    std::size_t shown = 0;
+    for (const auto& [zoom, tiles] : _mapTiles) {
+        for (const auto& [index, tile] : tiles) {
+            cache.touch(index);
+            ++shown;
+        }
+    }
+    cache.trim(shown);
+}
+
+void MapTileNode::restartTileCleanupTimer() {
+    if ((_tileCleanupTimer && _tileCleanupTimer->isValid()) || _startedCleanupTimer) {
+        return;
+    }
+    _startedCleanupTimer = true;
+    if (Thread::isMainThread()) {
+        scheduleTileCleanup();
+        return;
+    }
+    DispatchQueue::main().async([weak = std::weak_ptr(self()), generation = _images.generation()] {
+        const SceneLock lock;
+        const auto layer = weak.lock();
+        if (layer && layer->_images.generation() == generation) {
+            layer->scheduleTileCleanup();
+        }
+    });
+}
+
+void MapTileNode::scheduleTileCleanup() {
+    stopTileCleanupTimer();
+    _startedCleanupTimer = true;
+    _tileCleanupTimer = Timer::scheduledTimer(kCleanupDelay, false, [weak = std::weak_ptr(self())] {
+        if (const auto layer = weak.lock()) {
+            layer->checkTilesAtOtherZoomLevels();
+        }
+    });
+}
+
+void MapTileNode::stopTileCleanupTimer() {
+    _startedCleanupTimer = false;
+    if (_tileCleanupTimer) {
+        _tileCleanupTimer->invalidate();
+        _tileCleanupTimer = nullptr;
+    }
+}
+
+void MapTileNode::checkTilesAtOtherZoomLevels() {
+    const SceneLock lock;
+    const auto keep = self();
+    stopTileCleanupTimer();
+    if (!cameraProjection()) {
+        return;
+    }
+    TileLevels levels;
+    for (const auto& [zoom, tiles] : _mapTiles) {
+        for (auto& states = levels[zoom]; const auto& [index, tile] : tiles) {
+            states[index] = {tile->finishedLoading(), tile->tileImage() != nullptr};
+        }
+    }
+    const CoverageNeed need{boundingBoxTiles(*cameraProjection()), roundedZoom(cameraProjection()->mapZoom()),
+                            _lastCheck.beyondBox};
+    Nodes covered;
+    for (const TileIndex& index : coveredTiles(levels, roundedZoom(_lastCheck.zoom), need)) {
+        covered.push_back(_mapTiles[index.zoom].extract(index).mapped());
+    }
+    for (const auto& tile : covered) {
+        tile->attachTo(nullptr);
     }
     trimImageCache();
 }

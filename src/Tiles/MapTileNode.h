@@ -4,29 +4,28 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "Tiles/SingleMapTileNode.h"
 #include "Tiles/TileGround.h"
-#include "Tiles/TileImageCache.h"
+#include "Tiles/TileImages.h"
 
 #include <Trelmix/TrelmixMapTileLayer.h>
 
 #include <map>
 #include <memory>
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 namespace trelmix {
 
-/// A raster map: decides which tiles the view needs, keeps one node for each of them, asks for their images
-/// once, and takes tiles of other zooms away when those of the current one cover them.
+/// A raster map: keeps one node for each tile that the view needs, has `TileImages` get their images, and
+/// takes tiles of other zooms away when those of the current one cover them (`TileCoverage`).
 ///
 /// The check runs in the overlay update, on whichever thread that is; answers and the clean-up on the main
-/// thread. All under the scene lock, which is released around every question to the application.
+/// thread. All under the scene lock. A third of its lines are the layer's public settings, which it hands on.
 class MapTileNode final : public OverlayNode<TrelmixMapTileLayer> {
 public:
     static std::shared_ptr<MapTileNode> make();
     ~MapTileNode() override;
 
-    bool synchronousLayer() const override { return readOnMain("synchronousLayer", _synchronousLayer); }
+    bool synchronousLayer() const override;
     void setSynchronousLayer(bool synchronous) override;
     bool imageUrlLayer() const override;
     void setImageUrlLayer(bool isUrlLayer) override;
@@ -45,68 +44,52 @@ public:
     void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
     void update(float zoom, float rotation, float viewingAngle) override;
 
-    /// Called by a tile node that has no image yet.
-    void requestTileImage(SingleMapTileNode& node);
+    // What TileImages asks and tells.
+    std::shared_ptr<MapTileNode> self();
+    std::shared_ptr<TrelmixMapEngineDelegate> delegateOfEngine() const;
+    bool shows(const TileIndex& tile) const { return shownTile(tile) != nullptr; }
+    /// Gives the answer to the tile's node, if there is one.
+    void show(const TileIndex& tile, TileAnswer answer);
+    void trimImageCache();
+    /// The next check does not wait for the camera to move.
+    void checkWithoutMovement() { _lastCheck.target.reset(); }
 
 private:
-    using TileList = std::vector<std::shared_ptr<SingleMapTileNode>>;
-    struct CoverageNeed;
-    struct Download;
+    using Level = std::map<TileIndex, std::shared_ptr<SingleMapTileNode>>;
+    using Nodes = std::vector<std::shared_ptr<SingleMapTileNode>>;
+
+    /// What the camera was when the tiles were checked last.
+    struct Check {
+        /// Public.
+        float zoom = 0;
+        float rotation = -3.4F;
+        float viewingAngle = -1.0F;
+        std::optional<WorldMapPoint> target;
+        double timestamp = 0;
+        /// What it wanted beyond the bounding box: the clean-up waits for it too.
+        std::vector<TileIndex> beyondBox;
+    };
 
     MapTileNode();
-    std::shared_ptr<MapTileNode> self();
 
-    // Which tiles (MapTileNode.cpp)
     bool needsToRecalculateTiles(float zoom, float rotation, float viewingAngle);
-    void checkTilesAtCurrentZoomLevel(const std::vector<TileKey>& tiles);
-    void dropUnneeded(std::int64_t zoom, std::vector<TileKey>& tiles);
+    void checkTilesAtCurrentZoomLevel(const std::vector<TileIndex>& tiles);
+    Nodes takeUnneeded(Level& level, const std::vector<TileIndex>& needed);
     void clearMapData();
+    SingleMapTileNode* shownTile(const TileIndex& tile) const;
 
-    // Their images (TileImages.cpp)
-    bool readCachedTile(SingleMapTileNode& node);
-    void acceptTile(TileKey key, TileAnswer answer, bool internally);
-    void provideOnMainThread(TileKey key, TileAnswer answer, bool internally);
-    bool loadsFromUrls() const { return _imageUrlLayer && _imageUrlConstructor; }
-    void trimImageCache();
-    std::shared_ptr<SingleMapTileNode> shownTile(const TileKey& key) const;
-    std::shared_ptr<TrelmixMapEngineDelegate> delegateOfEngine() const;
-    void askDelegateAtOnce(const TileKey& key);
-    void askDelegate(const TileKey& key);
-
-    // Their way over the network (TileDownload.cpp)
-    std::optional<URL> addressOf(const TileKey& key) const;
-    void createMapUrlTileDownloadTask(const TileKey& key);
-    void acceptDownload(const TileKey& key, std::uint64_t generation, std::optional<TileAnswer> answer);
-
-    // Tiles of other zooms (TileCleanup.cpp)
+    // Tiles of other zooms, one second after an image came.
     void restartTileCleanupTimer();
     void scheduleTileCleanup();
+    void stopTileCleanupTimer();
     void checkTilesAtOtherZoomLevels();
-    bool isCoveredByLevels(const SingleMapTileNode& node, const std::vector<std::int64_t>& levels,
-                           std::int64_t current, const CoverageNeed& need) const;
-    bool isCoveredByTiles(const SingleMapTileNode& node, std::int64_t level, const CoverageNeed& need) const;
 
-    bool _synchronousLayer = false;
-    bool _imageUrlLayer = false;
-    ImageUrlConstructor _imageUrlConstructor;
-    /// Tiles whose images are on their way from their addresses.
-    std::unordered_set<TileKey, TileKeyHash> _downloads;
-    /// Tiles that nobody is going to answer, as their downloads were dropped: the next check asks anew.
-    std::unordered_set<TileKey, TileKeyHash> _lostTiles;
-    float _lastTileCheckZoom = 0;
-    float _lastTileCheckRotation = -3.4F;
-    float _lastTileCheckViewingAngle = -1.0F;
-    std::optional<WorldMapPoint> _lastTileCheckTarget;
-    double _lastTileCheckTimestamp = 0;
-    /// What the last check wanted beyond the bounding box: the clean-up waits for it too.
-    std::vector<TileKey> _lastTilesBeyondBox;
-    /// By whole zoom, in order of creation.
-    std::map<std::int64_t, TileList> _mapTiles;
-    TileImageCache _mapTileImages;
+    TileImages _images{*this};
+    Check _lastCheck;
+    /// By whole zoom.
+    std::map<std::int64_t, Level> _mapTiles;
     std::shared_ptr<Timer> _tileCleanupTimer;
     bool _startedCleanupTimer = false;
-    /// Counts clearings, so that a check notices that the application cleared the layer while it was asked.
-    std::uint64_t _generation = 0;
 };
 
 } // namespace trelmix

@@ -1,26 +1,23 @@
 #include "Tiles/SingleMapTileNode.h"
 
 #include "Geo/GeoUtils.h"
-#include "Tiles/MapTileNode.h"
 
 #include <cmath>
 
 namespace trelmix {
 
-std::shared_ptr<SingleMapTileNode> SingleMapTileNode::make(TileKey key,
-                                                           const std::shared_ptr<MapTileNode>& layer) {
-    return std::shared_ptr<SingleMapTileNode>(new SingleMapTileNode(key, layer));
+std::shared_ptr<SingleMapTileNode> SingleMapTileNode::make(const TileIndex& index, const SCNNode& layer) {
+    return std::shared_ptr<SingleMapTileNode>(new SingleMapTileNode(index, layer));
 }
 
-SingleMapTileNode::SingleMapTileNode(TileKey key, const std::shared_ptr<MapTileNode>& layer)
-    : _key(key), _mapTileNode(layer) {
-    const double s = std::exp2(static_cast<double>(ZOOMLEVEL_MAX) - static_cast<double>(key.zoom));
+SingleMapTileNode::SingleMapTileNode(const TileIndex& index, const SCNNode& layer) : _index(index) {
+    const double s = std::exp2(static_cast<double>(ZOOMLEVEL_MAX) - static_cast<double>(index.zoom));
     _mapTileDimension = 256.0 * s;
-    _mapTileCenter = {(2.0 * static_cast<double>(key.x) + 1.0) * 128.0 * s,
-                      (2.0 * static_cast<double>(key.y) + 1.0) * 128.0 * s};
-    setLayerIndex(key.zoom);
-    SCNNode::setOpacity(layer->SCNNode::opacity());
-    setIsHidden(layer->isHidden());
+    _mapTileCenter = {(2.0 * static_cast<double>(index.x) + 1.0) * 128.0 * s,
+                      (2.0 * static_cast<double>(index.y) + 1.0) * 128.0 * s};
+    setLayerIndex(index.zoom);
+    SCNNode::setOpacity(layer.opacity());
+    setIsHidden(layer.isHidden());
 }
 
 Coordinate SingleMapTileNode::initialTargetCoordinateForProjection() const {
@@ -29,21 +26,8 @@ Coordinate SingleMapTileNode::initialTargetCoordinateForProjection() const {
 
 void SingleMapTileNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
     GeoNode::addToMap(mapSceneView);
-    // It may be drawn before its first update, and counts as its layer among equals.
+    // It may be drawn before its first update.
     applyRenderingOrder();
-    if (const auto layer = _mapTileNode.lock()) {
-        setDrawSequence(layer->drawSequence());
-    }
-}
-
-void SingleMapTileNode::setup(const std::shared_ptr<CameraProjection>& projection) {
-    GeoNode::setup(projection);
-    if (!tileImage()) {
-        if (const auto layer = _mapTileNode.lock()) {
-            layer->requestTileImage(*this);
-        }
-    }
-    setupTileTexture();
 }
 
 void SingleMapTileNode::finishLoading(TileAnswer answer) {
@@ -58,8 +42,8 @@ void SingleMapTileNode::setupTileTexture() {
         return;
     }
     const WorldMapPoint origin = cameraProjection()->initialMapPoint();
-    const auto column = static_cast<double>(_key.x);
-    const auto row = static_cast<double>(_key.y);
+    const auto column = static_cast<double>(_index.x);
+    const auto row = static_cast<double>(_index.y);
     auto plane = std::make_shared<SCNPlane>(_mapTileDimension, _mapTileDimension);
     plane->setSceneEdges(
         {column * _mapTileDimension - origin.x, (column + 1.0) * _mapTileDimension - origin.x,

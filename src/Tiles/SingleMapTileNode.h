@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Engine/GeoNode.h"
-#include "Tiles/TileGround.h"
 #include "Tiles/TileImageCache.h"
 
 #include <memory>
@@ -9,14 +8,14 @@
 
 namespace trelmix {
 
-class MapTileNode;
-
-/// One square of a tile layer. It keeps its image for life and is never used for another tile.
+/// One square of a tile layer, with the plane that shows its image once that is there. It is never used for
+/// another tile.
 class SingleMapTileNode final : public GeoNode {
 public:
-    static std::shared_ptr<SingleMapTileNode> make(TileKey key, const std::shared_ptr<MapTileNode>& layer);
+    /// As visible and as opaque as its layer is.
+    static std::shared_ptr<SingleMapTileNode> make(const TileIndex& index, const SCNNode& layer);
 
-    const TileKey& key() const { return _key; }
+    const TileIndex& index() const { return _index; }
     std::shared_ptr<const UIImage> tileImage() const { return _answer ? _answer->image : nullptr; }
     /// True once the question for the image has been answered, with an image or with none.
     bool finishedLoading() const { return _answer.has_value(); }
@@ -26,17 +25,15 @@ public:
 
     Coordinate initialTargetCoordinateForProjection() const override;
     void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
-    void setup(const std::shared_ptr<CameraProjection>& projection) override;
 
 private:
-    SingleMapTileNode(TileKey key, const std::shared_ptr<MapTileNode>& layer);
+    SingleMapTileNode(const TileIndex& index, const SCNNode& layer);
     void setupTileTexture();
 
-    TileKey _key;
+    TileIndex _index;
     /// Zoom-22 map points: side and centre.
     double _mapTileDimension;
     WorldMapPoint _mapTileCenter;
-    std::weak_ptr<MapTileNode> _mapTileNode;
     std::optional<TileAnswer> _answer;
 };
 

@@ -1,9 +1,8 @@
-// How a tile's image comes from its address: the cache of answers, the network, a decoder, the main thread.
+#include "Tiles/TileDownload.h"
 
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/WorkerPool.h"
 #include "Platform/Network/SharedNetwork.h"
-#include "Tiles/MapTileNode.h"
 
 #include <new>
 #include <utility>
@@ -39,18 +38,15 @@ TileAnswer decoded(const URL& url, const std::vector<std::byte>& body) {
     }
 }
 
-} // namespace
+/// One tile's way to its image, also when nobody answers since the network is shut down.
+class Download : public std::enable_shared_from_this<Download> {
+public:
+    using Done = std::function<void(std::optional<TileAnswer>)>;
 
-/// One tile's way to its image. It holds the layer weakly and is never cancelled. The layer hears of its end
-/// once, also when nobody answers since the network is shut down.
-struct MapTileNode::Download : std::enable_shared_from_this<Download> {
-    Download(std::weak_ptr<MapTileNode> asking, TileKey tile, std::uint64_t asked, URL address)
-        : layer(std::move(asking)), key(tile), generation(asked), url(std::move(address)) {}
-    Download(const Download&) = delete;
-    Download& operator=(const Download&) = delete;
-
+    Download(URL url, std::weak_ptr<void> asker, Done done)
+        : _url(std::move(url)), _asker(std::move(asker)), _done(std::move(done)) {}
     ~Download() {
-        if (!isAnswered) {
+        if (!_isAnswered) {
             try {
                 end(std::nullopt);
             } catch (const std::bad_alloc&) {
@@ -58,21 +54,25 @@ struct MapTileNode::Download : std::enable_shared_from_this<Download> {
             }
         }
     }
+    Download(const Download&) = delete;
+    Download& operator=(const Download&) = delete;
 
-    void answer(TileAnswer tileAnswer) {
-        isAnswered = true;
-        end(std::move(tileAnswer));
+    /// On a decoder.
+    void start() {
+        const SharedNetwork network = SharedNetwork::get();
+        if (_asker.expired() || !network.session) {
+            return;
+        }
+        if (const auto body = network.cache->cachedBody(_url)) {
+            answer(decoded(_url, *body));
+            return;
+        }
+        network.session->load({_url, kTileTimeout}, [self = shared_from_this()](URLSession::Answer answered) {
+            self->take(std::move(answered));
+        });
     }
 
-    void end(std::optional<TileAnswer> tileAnswer) const {
-        DispatchQueue::main().async(
-            [weak = layer, tile = key, asked = generation, ended = std::move(tileAnswer)]() mutable {
-                if (const auto strong = weak.lock()) {
-                    strong->acceptDownload(tile, asked, std::move(ended));
-                }
-            });
-    }
-
+private:
     void take(URLSession::Answer answered) {
         if (!answered) {
             answer({nullptr, !answered.isAbsent, answered.reason()});
@@ -80,88 +80,43 @@ struct MapTileNode::Download : std::enable_shared_from_this<Download> {
         }
         auto body = std::make_shared<const std::vector<std::byte>>(std::move(*answered));
         WorkerPool::decoders().run([self = shared_from_this(), body = std::move(body)] {
-            TileAnswer tileAnswer = decoded(self->url, *body);
+            TileAnswer tileAnswer = decoded(self->_url, *body);
             const bool isImage = tileAnswer.image != nullptr;
             self->answer(std::move(tileAnswer));
             // Only what can be shown is worth remembering: an outage must leave no holes behind.
             if (const auto cache = SharedNetwork::get().cache; isImage && cache) {
-                cache->store(self->url, body);
+                cache->store(self->_url, body);
             }
         });
     }
 
-    /// On a decoder.
-    void start() {
-        const SharedNetwork network = SharedNetwork::get();
-        if (layer.expired() || !network.session) {
-            return;
-        }
-        if (const auto body = network.cache->cachedBody(url)) {
-            answer(decoded(url, *body));
-            return;
-        }
-        network.session->load({url, kTileTimeout}, [self = shared_from_this()](URLSession::Answer answered) {
-            self->take(std::move(answered));
+    void answer(TileAnswer tileAnswer) {
+        _isAnswered = true;
+        end(std::move(tileAnswer));
+    }
+
+    void end(std::optional<TileAnswer> tileAnswer) const {
+        DispatchQueue::main().async([weak = _asker, done = _done, ended = std::move(tileAnswer)]() mutable {
+            if (const auto asker = weak.lock()) {
+                done(std::move(ended));
+            }
         });
     }
 
-    std::weak_ptr<MapTileNode> layer;
-    TileKey key;
-    std::uint64_t generation;
-    URL url;
-    bool isAnswered = false;
+    URL _url;
+    std::weak_ptr<void> _asker;
+    Done _done;
+    bool _isAnswered = false;
 };
 
-std::optional<URL> MapTileNode::addressOf(const TileKey& key) const {
-    // A copy: the application may replace it while it is called. It goes while the lock is still released.
-    auto copy = _imageUrlConstructor;
-    return callOut([&]() -> std::optional<URL> {
-        const auto constructor = std::move(copy);
-        return constructor(static_cast<std::uint64_t>(key.x), static_cast<std::uint64_t>(key.y),
-                           static_cast<std::uint64_t>(key.zoom));
-    });
-}
+} // namespace
 
-void MapTileNode::createMapUrlTileDownloadTask(const TileKey& key) {
-    if (!isInWorld(key)) {
-        provideOnMainThread(key, {}, true);
-        return;
-    }
-    _lostTiles.erase(key);
-    // A tile that went and came back while its image is on the way is not asked for again.
-    if (!_downloads.insert(key).second) {
-        return;
-    }
-    const std::uint64_t generation = _generation;
-    const auto url = addressOf(key);
-    if (_generation != generation) {
-        return;
-    }
-    if (!url) {
-        _downloads.erase(key);
-        return;
-    }
+void loadTileImage(const URL& url, std::weak_ptr<void> asker,
+                   std::function<void(std::optional<TileAnswer>)> done) {
     // Before the pool, so that at the end of the process the pool's work is done before these go.
     SharedNetwork::get();
-    WorkerPool::decoders().run(
-        [download = std::make_shared<Download>(self(), key, generation, *url)] { download->start(); });
-}
-
-void MapTileNode::acceptDownload(const TileKey& key, std::uint64_t generation,
-                                 std::optional<TileAnswer> answer) {
-    const SceneLock lock;
-    // Answers to what was asked before the layer was cleared belong to nothing.
-    if (generation != _generation) {
-        return;
-    }
-    _downloads.erase(key);
-    if (answer) {
-        acceptTile(key, std::move(*answer), true);
-    } else if (shownTile(key)) {
-        _lostTiles.insert(key);
-        // The next check does not wait for the camera to move.
-        _lastTileCheckTarget.reset();
-    }
+    WorkerPool::decoders().run([download = std::make_shared<Download>(
+                                    url, std::move(asker), std::move(done))] { download->start(); });
 }
 
 } // namespace trelmix

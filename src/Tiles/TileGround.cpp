@@ -204,7 +204,7 @@ private:
         });
     }
 
-    void addOutsideBox(TileKey tile) {
+    void addOutsideBox(TileIndex tile) {
         if (!_box.columns.contains(tile.x) || !_box.rows.contains(tile.y)) {
             _need.beyondBox.push_back(tile);
         }
@@ -213,7 +213,7 @@ private:
         }
     }
 
-    double distanceFromTarget(const TileKey& tile) const {
+    double distanceFromTarget(const TileIndex& tile) const {
         return std::hypot((static_cast<double>(tile.x) + 0.5) * _side - _target.x,
                           (static_cast<double>(tile.y) + 0.5) * _side - _target.y);
     }
@@ -222,9 +222,10 @@ private:
         if (_need.tiles.size() <= kMostTiles) {
             return;
         }
-        std::stable_sort(_need.tiles.begin(), _need.tiles.end(), [this](const TileKey& a, const TileKey& b) {
-            return distanceFromTarget(a) < distanceFromTarget(b);
-        });
+        std::stable_sort(_need.tiles.begin(), _need.tiles.end(),
+                         [this](const TileIndex& a, const TileIndex& b) {
+                             return distanceFromTarget(a) < distanceFromTarget(b);
+                         });
         _need.tiles.resize(kMostTiles);
     }
 
@@ -237,22 +238,6 @@ private:
 };
 
 } // namespace
-
-std::size_t TileKeyHash::operator()(const TileKey& key) const {
-    auto mix = static_cast<std::uint64_t>(key.x) * 0x9E3779B97F4A7C15ULL;
-    mix ^= (static_cast<std::uint64_t>(key.y) + 0x7F4A7C15ULL) * 0xC2B2AE3D27D4EB4FULL + (mix >> 29);
-    mix ^= static_cast<std::uint64_t>(key.zoom) * 0x165667B19E3779F9ULL + (mix << 7);
-    return static_cast<std::size_t>(mix);
-}
-
-bool isInWorld(const TileKey& key) {
-    constexpr std::int64_t kDeepestCountable = 62;
-    if (key.zoom < 0 || key.zoom > kDeepestCountable) {
-        return false;
-    }
-    const std::int64_t side = std::int64_t{1} << key.zoom;
-    return key.x >= 0 && key.x < side && key.y >= 0 && key.y < side;
-}
 
 std::int64_t roundedZoom(float zoom) {
     return std::isfinite(zoom) ? static_cast<std::int64_t>(std::round(std::clamp(zoom, -1000.0F, 1000.0F)))

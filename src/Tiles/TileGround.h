@@ -2,22 +2,12 @@
 
 #include "Camera/CameraProjection.h"
 
+#include <Trelmix/TileIndex.h>
+
 #include <cstdint>
 #include <vector>
 
 namespace trelmix {
-
-/// A tile of the usual grid: column from longitude -180 degrees, row from the north, whole zoom.
-struct TileKey {
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    std::int64_t zoom = 0;
-    friend bool operator==(const TileKey&, const TileKey&) = default;
-};
-
-struct TileKeyHash {
-    std::size_t operator()(const TileKey& key) const;
-};
 
 /// Columns and rows at one zoom: the lowest and the highest column, the lowest and the highest row. The first
 /// two names do not follow the compass; the values do.
@@ -31,13 +21,10 @@ struct TileBox {
 /// What the view needs: a box of tiles, and the tiles beyond it.
 struct TileNeed {
     /// The box with its margin, columns outside, then the others, those nearest the target first.
-    std::vector<TileKey> tiles;
+    std::vector<TileIndex> tiles;
     /// The tiles that the visible ground touches outside the box, in order of columns and rows.
-    std::vector<TileKey> beyondBox;
+    std::vector<TileIndex> beyondBox;
 };
-
-/// Whether the world has such a tile.
-bool isInWorld(const TileKey& key);
 
 /// Whole zoom of a zoom's tiles: the nearest, halves away from zero.
 std::int64_t roundedZoom(float zoom);

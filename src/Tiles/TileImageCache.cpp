@@ -14,22 +14,22 @@ std::size_t bytesOf(const UIImage* image) {
 
 } // namespace
 
-const TileAnswer* TileImageCache::find(const TileKey& key) {
-    const auto found = _index.find(key);
+const TileAnswer* TileImageCache::find(const TileIndex& tile) {
+    const auto found = _index.find(tile);
     if (found == _index.end()) {
         return nullptr;
     }
-    touch(key);
+    touch(tile);
     return &found->second->answer;
 }
 
-void TileImageCache::insert(const TileKey& key, TileAnswer answer) {
-    if (const auto found = _index.find(key); found != _index.end()) {
+void TileImageCache::insert(const TileIndex& tile, TileAnswer answer) {
+    if (const auto found = _index.find(tile); found != _index.end()) {
         erase(found->second);
     }
     const std::size_t bytes = bytesOf(answer.image.get());
-    _entries.push_back({key, std::move(answer), bytes});
-    _index.emplace(key, std::prev(_entries.end()));
+    _entries.push_back({tile, std::move(answer), bytes});
+    _index.emplace(tile, std::prev(_entries.end()));
     _byteCount += bytes;
 }
 
@@ -39,8 +39,8 @@ void TileImageCache::clear() {
     _byteCount = 0;
 }
 
-void TileImageCache::touch(const TileKey& key) {
-    if (const auto found = _index.find(key); found != _index.end()) {
+void TileImageCache::touch(const TileIndex& tile) {
+    if (const auto found = _index.find(tile); found != _index.end()) {
         _entries.splice(_entries.end(), _entries, found->second);
     }
 }
@@ -53,7 +53,7 @@ void TileImageCache::trim(std::size_t keptCount) {
 
 void TileImageCache::erase(Entries::iterator entry) {
     _byteCount -= entry->byteCount;
-    _index.erase(entry->key);
+    _index.erase(entry->tile);
     _entries.erase(entry);
 }
 

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "Tiles/TileGround.h"
-
 #include <Trelmix/Platform/UIImage.h>
+#include <Trelmix/TileIndex.h>
 
 #include <cstddef>
 #include <list>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <utility>
 
 namespace trelmix {
@@ -27,9 +26,9 @@ struct TileAnswer {
 class TileImageCache {
 public:
     /// What was answered; null when nothing was.
-    const TileAnswer* find(const TileKey& key);
+    const TileAnswer* find(const TileIndex& tile);
     /// Replaces an earlier answer.
-    void insert(const TileKey& key, TileAnswer answer);
+    void insert(const TileIndex& tile, TileAnswer answer);
     void clear();
 
     std::optional<std::size_t> limit() const { return _limit; }
@@ -37,7 +36,7 @@ public:
     void setLimit(std::optional<std::size_t> limit) { _limit = limit; }
     bool isOverLimit() const { return _limit && _byteCount > *_limit; }
     /// Marks a tile as in use now.
-    void touch(const TileKey& key);
+    void touch(const TileIndex& tile);
     /// Forgets the least recently used answers until the limit is kept, but none of the `keptCount` that
     /// were touched last.
     void trim(std::size_t keptCount);
@@ -45,7 +44,7 @@ public:
 
 private:
     struct Entry {
-        TileKey key;
+        TileIndex tile;
         TileAnswer answer;
         std::size_t byteCount;
     };
@@ -54,7 +53,7 @@ private:
 
     /// The least recently used first.
     Entries _entries;
-    std::unordered_map<TileKey, Entries::iterator, TileKeyHash> _index;
+    std::map<TileIndex, Entries::iterator> _index;
     std::size_t _byteCount = 0;
     std::optional<std::size_t> _limit;
 };

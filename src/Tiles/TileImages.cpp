@@ -1,120 +1,120 @@
-// Where a tile layer's images come from and how answers are kept.
+#include "Tiles/TileImages.h"
 
-#include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/SceneLock.h"
 #include "Platform/Foundation/Thread.h"
 #include "Tiles/MapTileNode.h"
+#include "Tiles/TileDownload.h"
+
+#include <utility>
 
 namespace trelmix {
 
-bool MapTileNode::readCachedTile(SingleMapTileNode& node) {
-    const auto* const answer = _mapTileImages.find(node.key());
-    if (answer == nullptr) {
-        return false;
-    }
-    node.finishLoading(*answer);
-    if (node.tileImage()) {
-        restartTileCleanupTimer();
-    }
-    return true;
-}
-
-void MapTileNode::requestTileImage(SingleMapTileNode& node) {
-    const auto keep = self();
-    if (readCachedTile(node)) {
-        return;
-    }
-    if (loadsFromUrls()) {
-        createMapUrlTileDownloadTask(node.key());
-    } else if (_synchronousLayer) {
-        askDelegateAtOnce(node.key());
+void TileImages::request(const TileIndex& tile) {
+    if (const auto* const answer = _cache.find(tile)) {
+        _layer.show(tile, *answer);
+    } else if (_source.loadsFromUrls()) {
+        download(tile);
+    } else if (_source.isSynchronous) {
+        askAtOnce(tile);
     } else {
-        askDelegate(node.key());
+        ask(tile);
     }
 }
 
-std::shared_ptr<TrelmixMapEngineDelegate> MapTileNode::delegateOfEngine() const {
-    const auto engine = std::dynamic_pointer_cast<TrelmixMapEngineSceneView>(attachedMap());
-    return engine ? engine->currentDelegate() : nullptr;
-}
-
-void MapTileNode::askDelegate(const TileKey& key) {
-    if (const auto delegate = delegateOfEngine()) {
-        callOut([&, layer = self()] { delegate->tileRequestedForX(key.x, key.y, key.zoom, layer); });
+void TileImages::ask(const TileIndex& tile) {
+    if (const auto delegate = _layer.delegateOfEngine()) {
+        callOut(
+            [&, layer = _layer.self()] { delegate->tileRequestedForX(tile.x, tile.y, tile.zoom, layer); });
     }
 }
 
-void MapTileNode::askDelegateAtOnce(const TileKey& key) {
-    if (!attachedMap()) {
+void TileImages::askAtOnce(const TileIndex& tile) {
+    std::shared_ptr<const UIImage> image;
+    if (const auto delegate = _layer.delegateOfEngine()) {
+        image = callOut([&] { return delegate->tileForX(tile.x, tile.y, tile.zoom); });
+    }
+    acceptOnMainThread(tile, {std::move(image), false, {}}, true);
+}
+
+void TileImages::download(const TileIndex& tile) {
+    if (!isInWorld(tile)) {
+        acceptOnMainThread(tile, {}, true);
         return;
     }
-    std::shared_ptr<const UIImage> image;
-    if (const auto delegate = delegateOfEngine()) {
-        image = callOut([&] { return delegate->tileForX(key.x, key.y, key.zoom); });
+    _lost.erase(tile);
+    // A tile that went and came back while its image is on the way is not asked for again.
+    if (!_downloads.insert(tile).second) {
+        return;
     }
-    provideOnMainThread(key, {std::move(image), false, {}}, true);
+    const std::uint64_t asked = _generation;
+    // A copy: the application may replace it while it is called. It goes while the lock is still released.
+    auto copy = _source.address;
+    const auto url = callOut([&]() -> std::optional<URL> {
+        const auto address = std::move(copy);
+        return address(static_cast<std::uint64_t>(tile.x), static_cast<std::uint64_t>(tile.y),
+                       static_cast<std::uint64_t>(tile.zoom));
+    });
+    if (_generation != asked) {
+        return;
+    }
+    if (!url) {
+        _downloads.erase(tile);
+        return;
+    }
+    loadTileImage(*url, _layer.self(), [this, tile, asked](std::optional<TileAnswer> answer) {
+        endDownload(tile, asked, std::move(answer));
+    });
 }
 
-void MapTileNode::provideTileForX(std::int64_t x, std::int64_t y, std::int64_t zoom,
-                                  std::shared_ptr<const UIImage> image) {
-    provideOnMainThread({x, y, zoom}, {std::move(image), false, {}}, false);
+void TileImages::endDownload(const TileIndex& tile, std::uint64_t generation,
+                             std::optional<TileAnswer> answer) {
+    const SceneLock lock;
+    // Answers to what was asked before the layer was cleared belong to nothing.
+    if (generation != _generation) {
+        return;
+    }
+    _downloads.erase(tile);
+    if (answer) {
+        accept(tile, std::move(*answer), true);
+    } else if (_layer.shows(tile)) {
+        _lost.insert(tile);
+        _layer.checkWithoutMovement();
+    }
 }
 
-void MapTileNode::provideOnMainThread(TileKey key, TileAnswer answer, bool internally) {
+void TileImages::provide(const TileIndex& tile, TileAnswer answer) {
+    acceptOnMainThread(tile, std::move(answer), false);
+}
+
+void TileImages::acceptOnMainThread(const TileIndex& tile, TileAnswer answer, bool isOwn) {
     if (Thread::isMainThread()) {
-        acceptTile(key, std::move(answer), internally);
+        accept(tile, std::move(answer), isOwn);
         return;
     }
     DispatchQueue::main().async(
-        [weak = std::weak_ptr(self()), key, internally, answer = std::move(answer)]() mutable {
+        [this, weak = std::weak_ptr(_layer.self()), tile, isOwn, answer = std::move(answer)]() mutable {
             if (const auto layer = weak.lock()) {
-                layer->acceptTile(key, std::move(answer), internally);
+                accept(tile, std::move(answer), isOwn);
             }
         });
 }
 
-std::shared_ptr<SingleMapTileNode> MapTileNode::shownTile(const TileKey& key) const {
-    const auto level = _mapTiles.find(key.zoom);
-    if (level == _mapTiles.end()) {
-        return nullptr;
-    }
-    for (const auto& tile : level->second) {
-        if (tile->key() == key) {
-            return tile;
-        }
-    }
-    return nullptr;
-}
-
-void MapTileNode::acceptTile(TileKey key, TileAnswer answer, bool internally) {
+void TileImages::accept(const TileIndex& tile, TileAnswer answer, bool isOwn) {
     const SceneLock lock;
-    if (loadsFromUrls() && !internally) {
+    if ((_source.loadsFromUrls() && !isOwn) || !_layer.shows(tile)) {
         return;
     }
-    const auto tile = shownTile(key);
-    if (!tile) {
-        return;
-    }
-    _mapTileImages.insert(key, answer);
-    if (answer.image) {
-        restartTileCleanupTimer();
-    }
-    tile->finishLoading(std::move(answer));
-    trimImageCache();
+    _cache.insert(tile, answer);
+    _layer.show(tile, std::move(answer));
+    _layer.trimImageCache();
 }
 
-void MapTileNode::trimImageCache() {
-    if (!_mapTileImages.isOverLimit()) {
-        return;
-    }
-    std::size_t shown = 0;
-    for (const auto& [zoom, tiles] : _mapTiles) {
-        for (const auto& tile : tiles) {
-            _mapTileImages.touch(tile->key());
-            ++shown;
-        }
-    }
-    _mapTileImages.trim(shown);
+void TileImages::clear() {
+    ++_generation;
+    _cache.clear();
+    _downloads.clear();
+    _lost.clear();
 }
 
 } // namespace trelmix

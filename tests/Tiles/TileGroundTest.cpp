@@ -7,12 +7,12 @@
 
 #include <cmath>
 #include <random>
-#include <unordered_set>
+#include <set>
 
 namespace trelmix {
 namespace {
 
-using TileSet = std::unordered_set<TileKey, TileKeyHash>;
+using TileSet = std::set<TileIndex>;
 
 std::unique_ptr<CameraProjection> projectionFor(ScreenPoint size, float zoom, double rotation = 0,
                                                 double tilt = 0, Coordinate target = {43.7362, 7.4245}) {
@@ -23,7 +23,7 @@ std::unique_ptr<CameraProjection> projectionFor(ScreenPoint size, float zoom, do
     return projection;
 }
 
-TileKey tileAt(WorldMapPoint p, std::int64_t zoom) {
+TileIndex tileAt(WorldMapPoint p, std::int64_t zoom) {
     const double side = 256.0 * std::exp2(22.0 - static_cast<double>(zoom));
     return {static_cast<std::int64_t>(std::floor(p.x / side)),
             static_cast<std::int64_t>(std::floor(p.y / side)), zoom};
@@ -90,7 +90,7 @@ TEST(TileGround, theListBeginsWithTheBoxAndItsMarginColumnByColumn) {
         for (std::int64_t x = box.eastMostTile - 1; x <= box.westMostTile + 1; ++x) {
             for (std::int64_t y = box.northMostTile - 1; y <= box.southMostTile + 1; ++y, ++i) {
                 ASSERT_LT(i, need.tiles.size());
-                EXPECT_EQ(need.tiles[i], (TileKey{x, y, 17}));
+                EXPECT_EQ(need.tiles[i], (TileIndex{x, y, 17}));
             }
         }
         const bool isPortrait = size.x < size.y;

@@ -15,14 +15,6 @@ double latitudeOfRow(double row, double tilesAcross) {
 
 } // namespace
 
-bool isInWorld(const TileIndex& tile) {
-    if (tile.zoom < 0 || tile.zoom > kDeepestTileZoom) {
-        return false;
-    }
-    const std::int64_t across = std::int64_t{1} << tile.zoom;
-    return tile.x >= 0 && tile.x < across && tile.y >= 0 && tile.y < across;
-}
-
 std::string filledTemplate(std::string_view text, const TileIndex& tile) {
     std::string filled;
     for (std::size_t i = 0; i < text.size();) {

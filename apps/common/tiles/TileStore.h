@@ -2,6 +2,7 @@
 
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
+#include <Trelmix/TileIndex.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,21 +13,10 @@
 
 namespace trelmix::apps {
 
-/// A tile of the usual grid: x eastward from longitude -180, y southward from the northern edge.
-struct TileIndex {
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    std::int64_t zoom = 0;
-    friend bool operator==(const TileIndex&, const TileIndex&) = default;
-};
-
 /// The deepest zoom at which indices are still counted.
 inline constexpr std::int64_t kDeepestTileZoom = 30;
 /// Larger tile files are taken for damaged.
 inline constexpr std::uint64_t kMaximumTileBytes = 32ULL << 20U;
-
-/// Whether the world has such a tile.
-bool isInWorld(const TileIndex& tile);
 
 /// The text with the tile's numbers in place of {z}, {x} and {y}.
 std::string filledTemplate(std::string_view text, const TileIndex& tile);

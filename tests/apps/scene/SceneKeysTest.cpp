@@ -196,7 +196,7 @@ std::vector<SectionCase> sections() {
          {{"image", "\"nine.png\"", "plan 9"},
           {"southWest", R"({"lat": 0, "lon": 0})", " 0/0 300/400"},
           {"northEast", R"({"lat": 5, "lon": 5})", " 100/200 500/500"},
-          {"rotation", "15", "turned 15"},
+          {"rotation", "-15", "turned -15"},
           {"level", "3", "level 3"},
           {"attribution", "\"us\"", "attribution us"}}},
         {"markers",

@@ -62,7 +62,7 @@ TEST(TileSource, theNearestAncestorStandsInAndABrokenTileLeavesAGap) {
     EXPECT_EQ(source.faultCount(), 2U);
     EXPECT_TRUE(source.firstFault().starts_with("tile 1/0/1: ")) << source.firstFault();
     for (const TileIndex outside :
-         {TileIndex{-1, 0, 0}, {0, 1, 0}, {2, 0, 1}, {0, 0, -1}, {0, 0, 31}, {0, 0, INT64_MAX}}) {
+         {TileIndex{-1, 0, 0}, {0, 1, 0}, {2, 0, 1}, {0, 0, -1}, {0, 0, 63}, {0, 0, INT64_MAX}}) {
         EXPECT_FALSE(source.imageFor(outside));
     }
 }
