@@ -1,5 +1,5 @@
 // GeoJSON is either read, with coordinates that are on the map and areas that give an outline, or refused.
-#include "common/scene/GeoJson.h"
+#include "common/scene/GeoJsonHoles.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,8 @@
+#include "trelmix/Locate.h"
+
 #include "common/Json.h"
 #include "common/scene/MapScene.h"
-#include "trelmix/Commands.h"
+#include "common/scene/SceneFraming.h"
 
 #include <cmath>
 #include <cstdio>

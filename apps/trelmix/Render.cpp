@@ -1,7 +1,9 @@
+#include "trelmix/Render.h"
+
 #include "common/picture/Drawing.h"
 #include "common/picture/PictureFile.h"
 #include "common/scene/MapScene.h"
-#include "trelmix/Commands.h"
+#include "common/scene/SceneFraming.h"
 
 #include <Trelmix/Host/OffscreenHost.h>
 

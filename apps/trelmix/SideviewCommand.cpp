@@ -2,6 +2,7 @@
 
 #include "common/picture/PictureFile.h"
 #include "common/scene/MapScene.h"
+#include "common/scene/SceneFraming.h"
 #include "common/scene/SceneSideview.h"
 
 #include <Trelmix/Host/SideviewHost.h>

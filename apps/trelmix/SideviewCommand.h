@@ -1,6 +1,8 @@
 #pragma once
 
-#include "trelmix/Commands.h"
+#include "common/options/CommandLine.h"
+
+#include <string>
 
 namespace trelmix::apps {
 

@@ -1,10 +1,9 @@
-#include "trelmix/Commands.h"
+#include "trelmix/View.h"
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <unistd.h>
-#include <vector>
 
 namespace trelmix::apps {
 

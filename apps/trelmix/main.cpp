@@ -1,6 +1,8 @@
 #include "common/Json.h"
-#include "trelmix/Commands.h"
+#include "trelmix/Locate.h"
+#include "trelmix/Render.h"
 #include "trelmix/SideviewCommand.h"
+#include "trelmix/View.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
 #include "view/HitReporter.h"
 
-#include "common/scene/MapScene.h"
+#include "common/scene/SceneOverlays.h"
 
 #include <Trelmix/TrelmixLevelPlanNode.h>
 #include <Trelmix/TrelmixMapCircle.h>

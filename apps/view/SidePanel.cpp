@@ -18,12 +18,12 @@ struct SidePanel::TapListener : TMXSideviewScrollViewDelegate {
     SidePanel& owner;
 };
 
-SidePanel::SidePanel(const SceneSideView& scene, std::string scenePath,
+SidePanel::SidePanel(const SceneSideview& scene, std::string scenePath,
                      std::shared_ptr<TrelmixMapEngine> engine, std::function<void(std::int64_t)> onLevel)
     : _scene(scene), _scenePath(std::move(scenePath)), _engine(std::move(engine)),
       _onLevel(std::move(onLevel)), _taps(std::make_shared<TapListener>(*this)) {}
 
-Result<std::unique_ptr<SidePanel>> SidePanel::make(const SceneSideView& scene, const std::string& scenePath,
+Result<std::unique_ptr<SidePanel>> SidePanel::make(const SceneSideview& scene, const std::string& scenePath,
                                                    const ScreenLayout& layout,
                                                    std::shared_ptr<TrelmixMapEngine> engine,
                                                    std::function<void(std::int64_t)> onLevel) {

@@ -21,7 +21,7 @@ class SidePanel {
 public:
     /// @param onLevel hears the number of each level that is displayed from now on.
     /// @returns a reason that names the file and the place in it when the side view cannot be made.
-    static Result<std::unique_ptr<SidePanel>> make(const SceneSideView& scene, const std::string& scenePath,
+    static Result<std::unique_ptr<SidePanel>> make(const SceneSideview& scene, const std::string& scenePath,
                                                    const ScreenLayout& layout,
                                                    std::shared_ptr<TrelmixMapEngine> engine,
                                                    std::function<void(std::int64_t)> onLevel);
@@ -49,13 +49,13 @@ public:
 private:
     struct TapListener;
 
-    SidePanel(const SceneSideView& scene, std::string scenePath, std::shared_ptr<TrelmixMapEngine> engine,
+    SidePanel(const SceneSideview& scene, std::string scenePath, std::shared_ptr<TrelmixMapEngine> engine,
               std::function<void(std::int64_t)> onLevel);
     std::string build(const ScreenLayout& layout);
     void showLevel(std::int64_t level);
     CGPoint inside(CGPoint point) const;
 
-    SceneSideView _scene;
+    SceneSideview _scene;
     std::string _scenePath;
     std::shared_ptr<TrelmixMapEngine> _engine;
     std::function<void(std::int64_t)> _onLevel;

@@ -1,6 +1,7 @@
 #include "view/ViewApp.h"
 
 #include "common/picture/PictureFile.h"
+#include "common/scene/SceneFraming.h"
 #include "common/scene/SceneImage.h"
 #include "view/CameraControl.h"
 

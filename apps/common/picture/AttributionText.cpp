@@ -1,4 +1,4 @@
-#include "common/picture/Drawing.h"
+#include "common/picture/AttributionText.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 #include "common/picture/Controls.h"
 
+#include "common/picture/AttributionText.h"
 #include "common/picture/Drawing.h"
 #include "common/picture/Sheet.h"
 

@@ -5,8 +5,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace trelmix::apps {
 
@@ -19,13 +17,6 @@ std::shared_ptr<const UIImage> pinImage();
 /// show.
 /// @param scale pixels per point.
 std::shared_ptr<const UIImage> attributionImage(const std::string& text, double scale, double maximumWidth);
-
-/// What can be shown of a text from outside: without bytes that are no UTF-8 and without control characters,
-/// blanks one at a time.
-std::string plainLine(std::string_view text);
-
-/// The texts of several sources as one line: without HTML, each once, separated by bars.
-std::string joinedAttributions(const std::vector<std::string>& texts);
 
 /// A picture with the attribution in its lower right corner; both have the same scale. Without one, the
 /// picture itself.

@@ -1,4 +1,4 @@
-#include "common/scene/GeoJson.h"
+#include "common/scene/GeoJsonHoles.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,5 +1,7 @@
 #include "common/scene/MapScene.h"
 
+#include "common/scene/SceneOverlays.h"
+
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
 namespace trelmix::apps {
@@ -19,22 +21,6 @@ void loadFromUrls(TrelmixMapTileLayer& layer, const std::string& urlTemplate) {
 }
 
 } // namespace
-
-void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay) {
-    if (keys.zIndex) {
-        overlay.setZIndex(*keys.zIndex);
-    }
-    if (keys.visible) {
-        overlay.setVisible(*keys.visible);
-    }
-    if (keys.opacity) {
-        overlay.setOpacity(*keys.opacity);
-    }
-    if (keys.tappable) {
-        overlay.setTappable(*keys.tappable);
-    }
-    overlay.setUserInfo(SceneTag{keys.id, nullptr});
-}
 
 std::shared_ptr<TrelmixMapEngine> makeEngine(const SceneFile& scene, const SceneCamera& camera,
                                              CGSize viewSize) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "common/Json.h"
 #include "common/scene/SceneContent.h"
 #include "common/tiles/TileServer.h"
 
@@ -12,14 +11,6 @@
 #include <vector>
 
 namespace trelmix::apps {
-
-/// What an overlay made from a scene is: its user data (`userInfo`).
-struct SceneTag {
-    /// Empty when the scene gives none.
-    std::string id;
-    /// Those of the GeoJSON feature it was made from; empty for everything else.
-    std::shared_ptr<const JsonValue> properties;
-};
 
 /// An engine with everything a scene describes on it. Main thread only.
 struct MapScene {
@@ -48,13 +39,5 @@ TileCounts countOf(const MapScene& map);
 /// A line for each layer with an address that failed for tiles in view, or gave nothing for any: "31 of 34
 /// tiles of https://... failed: connection refused". Single tiles that a server has not are no failures.
 std::vector<std::string> tileFailures(const MapScene& map);
-
-/// Puts the overlays above the tiles on the engine's map.
-std::vector<std::shared_ptr<TrelmixMapOverlay>>
-addSceneOverlays(const std::shared_ptr<TrelmixMapEngine>& engine, const SceneFile& scene,
-                 const SceneContent& content);
-
-/// What every overlay takes; call it before `setMap`.
-void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay);
 
 } // namespace trelmix::apps

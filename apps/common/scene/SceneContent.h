@@ -36,8 +36,4 @@ struct SceneContent {
 /// wrong with it.
 Result<SceneContent> loadSceneContent(const SceneFile& scene, const std::string& scenePath);
 
-/// The scene's own camera, or one that shows everything the scene holds. Fails, without a path in the reason,
-/// when there is neither.
-Result<SceneCamera> cameraOfScene(const SceneFile& scene, const SceneContent& content, CGSize viewSize);
-
 } // namespace trelmix::apps

@@ -1,7 +1,9 @@
 #include "common/scene/SceneFile.h"
 
 #include "common/Files.h"
+#include "common/scene/SceneFileOverlays.h"
 #include "common/scene/SceneFileReading.h"
+#include "common/scene/SceneFileSideview.h"
 #include "common/tiles/TileStore.h"
 
 #include <Trelmix/Platform/UIImage.h>
@@ -164,7 +166,7 @@ SceneFile readScene(const JsonCursor& root, const std::string& folder) {
     forEachItem(root, "tiles", [&](const JsonCursor& at) { scene.tiles.push_back(readTiles(at, folder)); });
     readOverlaySections(root, folder, scene);
     if (const auto sideView = root.member("sideView")) {
-        scene.sideView = readSideView(*sideView, folder);
+        scene.sideView = readSideview(*sideView, folder);
     }
     refuseDoubledIds(scene);
     return scene;
@@ -261,36 +263,6 @@ std::optional<UIColor> colorFromHex(std::string_view text) {
         components[i] = (high * 16 + low) / 255.0;
     }
     return UIColor{components[0], components[1], components[2], components[3]};
-}
-
-CLLocationCoordinate2D readCoordinate(const JsonCursor& at) {
-    at.expectObject({"lat", "lon"});
-    return {at.required("lat").number(-90, 90), at.required("lon").number(-180, 180)};
-}
-
-SceneBox readBox(const JsonCursor& southWest, const JsonCursor& northEast) {
-    const SceneBox box{readCoordinate(southWest), readCoordinate(northEast)};
-    if (!(box.southWest.latitude < box.northEast.latitude) ||
-        !(box.southWest.longitude < box.northEast.longitude)) {
-        northEast.fail("must lie north and east of southWest");
-    }
-    return box;
-}
-
-UIColor readColor(const JsonCursor& at) {
-    const auto color = colorFromHex(at.text());
-    if (!color) {
-        at.fail("must be a colour like \"#rrggbb\" or \"#rrggbbaa\"");
-    }
-    return *color;
-}
-
-std::string readPath(const JsonCursor& at, const std::string& folder) {
-    const std::string& text = at.text();
-    if (text.empty() || text.find('\0') != std::string::npos) {
-        at.fail("must name a file");
-    }
-    return (std::filesystem::path(folder) / text).string();
 }
 
 } // namespace trelmix::apps

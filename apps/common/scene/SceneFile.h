@@ -135,7 +135,7 @@ struct SceneSidePath {
     std::optional<double> width;
 };
 
-struct SceneSideView {
+struct SceneSideview {
     std::string image;
     std::string levels;
     std::optional<std::int64_t> displayedLevel;
@@ -159,7 +159,7 @@ struct SceneFile {
     std::vector<ScenePolygon> polygons;
     std::vector<ScenePolyline> polylines;
     std::vector<SceneGeoJson> geojson;
-    std::optional<SceneSideView> sideView;
+    std::optional<SceneSideview> sideView;
 };
 
 /// Reads and checks a scene file; the reason begins with the path and names the place in the file. A tile

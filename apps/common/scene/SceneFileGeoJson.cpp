@@ -1,3 +1,5 @@
+#include "common/scene/SceneFileGeoJson.h"
+
 #include "common/scene/GeoJson.h"
 #include "common/scene/SceneFileReading.h"
 

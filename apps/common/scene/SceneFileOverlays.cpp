@@ -1,3 +1,6 @@
+#include "common/scene/SceneFileOverlays.h"
+
+#include "common/scene/SceneFileGeoJson.h"
 #include "common/scene/SceneFileReading.h"
 
 namespace trelmix::apps {
@@ -96,38 +99,6 @@ ScenePolyline readPolyline(const JsonCursor& at) {
 }
 
 } // namespace
-
-std::optional<UIColor> optionalColor(const JsonCursor& at) {
-    const auto color = at.member("color");
-    return color ? std::optional(readColor(*color)) : std::nullopt;
-}
-
-std::optional<double> optionalNumber(const JsonCursor& at, std::string_view key, double least, double most) {
-    const auto number = at.member(key);
-    return number ? std::optional(number->number(least, most)) : std::nullopt;
-}
-
-std::optional<double> optionalWidth(const JsonCursor& at) {
-    return optionalNumber(at, "width", 0, kMaximumLineWidth);
-}
-
-SceneOverlay readOverlay(const JsonCursor& at) {
-    SceneOverlay overlay;
-    if (const auto zIndex = at.member("zIndex")) {
-        overlay.zIndex = zIndex->integer();
-    }
-    if (const auto visible = at.member("visible")) {
-        overlay.visible = visible->boolean();
-    }
-    overlay.opacity = optionalNumber(at, "opacity", 0, 1);
-    if (const auto tappable = at.member("tappable")) {
-        overlay.tappable = tappable->boolean();
-    }
-    if (const auto id = at.member("id")) {
-        overlay.id = id->text();
-    }
-    return overlay;
-}
 
 void readOverlaySections(const JsonCursor& root, const std::string& folder, SceneFile& scene) {
     forEachItem(root, "levelPlans",

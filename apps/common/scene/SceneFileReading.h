@@ -10,7 +10,7 @@
 
 namespace trelmix::apps {
 
-// Shared by the sections' readers; all throw `JsonError`.
+// What the readers of the sections share; all throw `JsonError`.
 
 /// The largest radius of a circle.
 inline constexpr double kMaximumMetres = 2e7;
@@ -28,10 +28,6 @@ std::optional<double> optionalWidth(const JsonCursor& at);
 /// Joined with the folder of the scene file.
 std::string readPath(const JsonCursor& at, const std::string& folder);
 
-/// Fills the sections that hold overlays drawn over the tiles.
-void readOverlaySections(const JsonCursor& root, const std::string& folder, SceneFile& scene);
-SceneGeoJson readGeoJson(const JsonCursor& at, const std::string& folder);
-SceneSideView readSideView(const JsonCursor& at, const std::string& folder);
 /// The keys that every overlay takes; `expectObject` gets the same list.
 SceneOverlay readOverlay(const JsonCursor& at);
 inline constexpr std::array<std::string_view, 5> kOverlayKeys = {"zIndex", "visible", "opacity", "tappable",

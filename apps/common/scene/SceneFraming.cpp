@@ -1,4 +1,4 @@
-#include "common/scene/SceneContent.h"
+#include "common/scene/SceneFraming.h"
 
 #include <Trelmix/CameraFitting.h>
 

@@ -1,5 +1,7 @@
+#include "common/scene/SceneOverlays.h"
+
 #include "common/picture/Drawing.h"
-#include "common/scene/MapScene.h"
+#include "common/scene/GeoJsonHoles.h"
 
 #include <Trelmix/TrelmixLevelPlanNode.h>
 #include <Trelmix/TrelmixMapCircle.h>
@@ -149,6 +151,22 @@ private:
 };
 
 } // namespace
+
+void applyOverlayKeys(const SceneOverlay& keys, TrelmixMapOverlay& overlay) {
+    if (keys.zIndex) {
+        overlay.setZIndex(*keys.zIndex);
+    }
+    if (keys.visible) {
+        overlay.setVisible(*keys.visible);
+    }
+    if (keys.opacity) {
+        overlay.setOpacity(*keys.opacity);
+    }
+    if (keys.tappable) {
+        overlay.setTappable(*keys.tappable);
+    }
+    overlay.setUserInfo(SceneTag{keys.id, nullptr});
+}
 
 std::vector<std::shared_ptr<TrelmixMapOverlay>>
 addSceneOverlays(const std::shared_ptr<TrelmixMapEngine>& engine, const SceneFile& scene,

@@ -37,7 +37,7 @@ void addPath(TMXSideviewScrollView& sideview, const SceneSidePath& path) {
     sideview.drawNavigationPath(locations, path.color.value_or(kPathColor), path.width.value_or(kPathWidth));
 }
 
-std::shared_ptr<TMXSideviewScrollView> make(const SceneSideView& scene, CGSize viewSize,
+std::shared_ptr<TMXSideviewScrollView> make(const SceneSideview& scene, CGSize viewSize,
                                             std::shared_ptr<TrelmixMapEngine> engine) {
     auto sideview = TMXSideviewScrollView::make({{0, 0}, viewSize});
     sideview->setupSideviewWith(imageAt("image", scene.image), scene.levels);
@@ -60,7 +60,7 @@ std::shared_ptr<TMXSideviewScrollView> make(const SceneSideView& scene, CGSize v
 
 } // namespace
 
-Result<std::shared_ptr<TMXSideviewScrollView>> makeSceneSideview(const SceneSideView& scene,
+Result<std::shared_ptr<TMXSideviewScrollView>> makeSceneSideview(const SceneSideview& scene,
                                                                  const std::string& scenePath,
                                                                  CGSize viewSize,
                                                                  std::shared_ptr<TrelmixMapEngine> engine) {

@@ -1,5 +1,6 @@
 #include "common/picture/Drawing.h"
 
+#include "common/picture/AttributionText.h"
 #include "support/Pixels.h"
 
 #include <gtest/gtest.h>

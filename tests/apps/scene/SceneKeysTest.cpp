@@ -1,5 +1,6 @@
 // Every key that docs/scene-file.md lists, set in a scene: it is accepted, and reaches what it is about.
 #include "common/scene/MapScene.h"
+#include "common/scene/SceneOverlays.h"
 #include "common/scene/SceneSideview.h"
 #include "support/Pixels.h"
 #include "support/ScratchFolder.h"

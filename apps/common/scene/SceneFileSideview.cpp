@@ -1,3 +1,5 @@
+#include "common/scene/SceneFileSideview.h"
+
 #include "common/scene/SceneFileReading.h"
 
 namespace trelmix::apps {
@@ -31,9 +33,9 @@ SceneSidePath readSidePath(const JsonCursor& at) {
 
 } // namespace
 
-SceneSideView readSideView(const JsonCursor& at, const std::string& folder) {
+SceneSideview readSideview(const JsonCursor& at, const std::string& folder) {
     at.expectObject({"image", "levels", "displayedLevel", "userPosition", "markers", "path"});
-    SceneSideView view;
+    SceneSideview view;
     view.image = readPath(at.required("image"), folder);
     view.levels = readPath(at.required("levels"), folder);
     if (const auto level = at.member("displayedLevel")) {

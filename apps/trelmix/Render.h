@@ -3,7 +3,6 @@
 #include "common/options/CommandLine.h"
 
 #include <string>
-#include <vector>
 
 namespace trelmix::apps {
 
@@ -16,17 +15,7 @@ struct RenderOptions {
     NetworkOptions network;
 };
 
-struct LocateOptions {
-    ViewOptions view;
-    bool corners = false;
-};
-
 /// Writes the picture of a scene into a file.
 ExitCode render(const RenderOptions& options);
-/// Answers the places on standard input, line by line.
-ExitCode locate(const LocateOptions& options);
-/// Hands over to the program with the window; comes back only when that fails. Takes what stands behind
-/// `view`.
-ExitCode view(const char* ownPath, const std::vector<std::string>& arguments);
 
 } // namespace trelmix::apps
