@@ -1,6 +1,6 @@
 #include "trelmix/Locate.h"
 
-#include "common/Json.h"
+#include "common/JsonCursor.h"
 #include "common/scene/MapScene.h"
 #include "common/scene/SceneFraming.h"
 

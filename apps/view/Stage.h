@@ -3,6 +3,7 @@
 #include "common/scene/MapScene.h"
 #include "view/CameraControl.h"
 #include "view/HitReporter.h"
+#include "view/LoadedScene.h"
 #include "view/ScreenLayout.h"
 #include "view/SidePanel.h"
 #include "view/Window.h"
@@ -19,16 +20,6 @@
 #include <vector>
 
 namespace trelmix::apps {
-
-/// A scene file and what it names.
-struct LoadedScene {
-    /// The scene file's.
-    std::string path;
-    SceneFile file;
-    SceneContent content;
-    /// Size of the side view's picture in points; absent without a side view.
-    std::optional<CGSize> sidePicture;
-};
 
 /// One scene's map: the engine with everything on it, and, once it is in the window, the thread that draws
 /// it. One at a time in a window, which must outlive it. Main thread.

@@ -2,7 +2,6 @@
 
 #include "common/picture/PictureFile.h"
 #include "common/scene/SceneFraming.h"
-#include "common/scene/SceneImage.h"
 #include "view/CameraControl.h"
 
 #include <algorithm>
@@ -17,36 +16,8 @@ namespace {
 
 /// Milliseconds: the longest that an answer on the main queue waits for being taken.
 constexpr int kPatience = 8;
-constexpr std::chrono::seconds kMessageTime{4};
-
 /// The longest that a window keeps its old picture while the new one's tiles come.
 constexpr std::chrono::seconds kLongestHold{10};
-/// Bytes of a message in the window; what is printed is not cut.
-constexpr std::size_t kLongestMessage = 400;
-
-/// Watches also what the scene names where that is what is wrong.
-Result<LoadedScene> load(const ViewOptions& options, FileWatch& watch) {
-    auto file = readScene(options);
-    if (!file) {
-        return Result<LoadedScene>::failure(file.reason());
-    }
-    std::vector<std::string> files = filesNamedBy(*file);
-    files.push_back(options.sceneFile);
-    watch.watch(files);
-    auto content = loadSceneContent(*file, options.sceneFile);
-    if (!content) {
-        return Result<LoadedScene>::failure(content.reason());
-    }
-    LoadedScene scene{options.sceneFile, std::move(*file), std::move(*content), std::nullopt};
-    if (scene.file.sideView) {
-        const auto picture = loadSceneImage(scene.file.sideView->image);
-        if (!picture) {
-            return Result<LoadedScene>::failure(options.sceneFile + ": sideView.image: " + picture.reason());
-        }
-        scene.sidePicture = (*picture)->size();
-    }
-    return scene;
-}
 
 bool isSame(const std::optional<SceneCamera>& a, const std::optional<SceneCamera>& b) {
     if (!a || !b) {
@@ -55,6 +26,12 @@ bool isSame(const std::optional<SceneCamera>& a, const std::optional<SceneCamera
     return a->target.latitude == b->target.latitude && a->target.longitude == b->target.longitude &&
            a->zoom == b->zoom && a->rotation == b->rotation && a->viewingAngle == b->viewingAngle;
 }
+
+constexpr std::pair<Command, CameraStep> kCameraSteps[] = {
+    {Command::rotateLeft, {.rotation = -15}}, {Command::rotateRight, {.rotation = 15}},
+    {Command::tiltMore, {.viewingAngle = 5}}, {Command::tiltLess, {.viewingAngle = -5}},
+    {Command::zoomIn, {.levels = 0.5}},       {Command::zoomOut, {.levels = -0.5}},
+};
 
 /// Whether somebody has taken hold of the window.
 bool isInput(const SDL_Event& event) {
@@ -77,7 +54,7 @@ std::unique_ptr<ViewApp> ViewApp::open(WindowOptions options, Failure& failure) 
 }
 
 ViewApp::Failure ViewApp::openWindow() {
-    auto scene = load(_options.view, _watch);
+    auto scene = loadScene(_options.view, _watch);
     if (!scene) {
         return {ExitCode::badInput, scene.reason()};
     }
@@ -108,14 +85,15 @@ Result<std::unique_ptr<Stage>> ViewApp::makeStage(const LoadedScene& scene, cons
 }
 
 std::string ViewApp::showStage(std::unique_ptr<Stage> stage, bool keepsPicture) {
-    cancelTouches();
     // The window has one stage at a time.
+    _hands.setStage(nullptr);
     _stage.reset();
     _layout = layoutOf(_scene);
     if (std::string fault = stage->enterWindow(_layout, keepsPicture); !fault.empty()) {
         return fault;
     }
     _stage = std::move(stage);
+    _hands.setStage(_stage.get());
     _holdEnd = Clock::now() + kLongestHold;
     updateLayout();
     return {};
@@ -178,7 +156,7 @@ void ViewApp::updateOverlays() {
     state.tiles = countOf(_stage->map());
     state.tileFailures = tileFailures(_stage->map());
     state.attribution = _scene.content.attribution;
-    state.message = Clock::now() < _messageEnd ? _message : std::string();
+    state.message = _message.shown();
     state.showsHelp = _showsHelp;
     std::vector<ViewHost::OverlayImage> images;
     if (const SidePanel* side = _stage->side()) {
@@ -191,7 +169,7 @@ void ViewApp::updateOverlays() {
 }
 
 void ViewApp::reloadScene() {
-    auto scene = load(_options.view, _watch);
+    auto scene = loadScene(_options.view, _watch);
     if (!scene) {
         complainAndShow(scene.reason());
         return;
@@ -218,7 +196,7 @@ void ViewApp::reloadScene() {
         _exitCode = complain(fault, ExitCode::noDriver);
         return;
     }
-    show("Scene read again");
+    _message.set("Scene read again");
 }
 
 Result<std::unique_ptr<Stage>> ViewApp::makeNextStage(const LoadedScene& scene, const SceneCamera& camera) {
@@ -283,31 +261,77 @@ ExitCode ViewApp::writePicture(const std::string& path) {
     return fault.empty() ? ExitCode::done : ExitCode::badInput;
 }
 
+void ViewApp::command(Command command) {
+    if (!_stage) {
+        return;
+    }
+    TrelmixMapEngine& engine = _stage->engine();
+    for (const auto& [moving, step] : kCameraSteps) {
+        if (command == moving) {
+            _stage->keys().moveBy(engine, step);
+        }
+    }
+    switch (command) {
+    case Command::quit:
+        _quits = true;
+        break;
+    case Command::leave:
+        _quits = !_showsHelp;
+        _showsHelp = false;
+        break;
+    case Command::resetCamera:
+        engine.setCamera(std::make_shared<TrelmixMapEngineCamera>(_sceneCamera.target, _sceneCamera.rotation,
+                                                                  _sceneCamera.viewingAngle,
+                                                                  static_cast<float>(_sceneCamera.zoom)),
+                         true);
+        break;
+    case Command::levelUp:
+    case Command::levelDown:
+        stepLevel(command == Command::levelUp ? 1 : -1);
+        break;
+    case Command::toggleSideZoom:
+        toggleSideZoom();
+        break;
+    case Command::toggleHelp:
+        _showsHelp = !_showsHelp;
+        break;
+    case Command::savePicture:
+        savePicture();
+        break;
+    case Command::printCamera:
+        say(cameraArgument(engine));
+        break;
+    default:
+        break;
+    }
+}
+
+void ViewApp::stepLevel(int direction) {
+    if (const auto level = _stage->stepLevel(direction)) {
+        _message.set("Level " + std::to_string(*level));
+    }
+}
+
+void ViewApp::toggleSideZoom() {
+    if (SidePanel* side = _stage->side()) {
+        side->toggleZooming();
+        _message.set(side->sideview().enableZooming() ? "Side view: drag pans, wheel zooms"
+                                                      : "Side view: drag moves the map");
+    }
+}
+
 void ViewApp::say(const std::string& line) {
     if (_options.print) {
         _options.print(line);
     } else {
         std::cout << line << std::endl;
     }
-    show(line);
-}
-
-void ViewApp::show(const std::string& message) {
-    _message = message;
-    if (message.size() > kLongestMessage) {
-        const auto isInsideCharacter = [&](std::size_t at) { return (message[at] & 0xc0) == 0x80; };
-        std::size_t end = kLongestMessage;
-        while (isInsideCharacter(end)) {
-            --end;
-        }
-        _message = message.substr(0, end) + " ...";
-    }
-    _messageEnd = Clock::now() + kMessageTime;
+    _message.set(line);
 }
 
 void ViewApp::complainAndShow(const std::string& message) {
     complain(message, ExitCode::badInput);
-    show(message);
+    _message.set(message);
 }
 
 } // namespace trelmix::apps

@@ -4,11 +4,13 @@
 #include "view/FileWatch.h"
 #include "view/Hud.h"
 #include "view/InputMapper.h"
+#include "view/LoadedScene.h"
+#include "view/MessageLine.h"
 #include "view/Stage.h"
+#include "view/StageInput.h"
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,6 +31,9 @@ struct WindowOptions {
 
 /// The program with the window: takes events, keeps the pictures over the map up to date, and follows the
 /// scene file. One at a time in a process. Main thread.
+///
+/// Longer than other classes, as here everything meets that a window has: each key's command, the loop, and
+/// the change from one scene to the next, a few lines each.
 class ViewApp final : private InputTarget {
 public:
     struct Failure {
@@ -52,11 +57,10 @@ public:
     Window& window() const { return *_window; }
     const ScreenLayout& layout() const { return _layout; }
     /// The last line that was printed, or what went wrong last; shown in the window for some seconds.
-    const std::string& message() const { return _message; }
+    const std::string& message() const { return _message.last(); }
 
 private:
     using Clock = std::chrono::steady_clock;
-    enum class Owner { map, side, northArrow };
 
     explicit ViewApp(WindowOptions options);
     Failure openWindow();
@@ -72,18 +76,18 @@ private:
     void savePicture();
     ExitCode writePicture(const std::string& path);
     void say(const std::string& line);
-    void show(const std::string& message);
     void complainAndShow(const std::string& message);
 
-    void touch(Phase phase, std::int64_t identifier, CGPoint point, double time) override;
-    void cancelTouches() override;
-    void wheel(CGPoint point, double notches) override;
-    void turn(CGPoint start, CGPoint distance) override;
+    void touch(Phase phase, std::int64_t identifier, CGPoint point, double time) override {
+        _hands.touch(phase, identifier, point, time);
+    }
+    void cancelTouches() override { _hands.cancelTouches(); }
+    void wheel(CGPoint point, double notches) override { _hands.wheel(point, notches); }
+    void turn(CGPoint start, CGPoint distance) override { _hands.turn(start, distance); }
     void command(Command command) override;
-    void windowChanged() override;
+    void windowChanged() override { _layoutIsStale = true; }
     void stepLevel(int direction);
     void toggleSideZoom();
-    void touchMap(Phase phase, std::int64_t identifier, CGPoint point, double time);
 
     WindowOptions _options;
     InputMapper _input{*this};
@@ -94,9 +98,8 @@ private:
     std::unique_ptr<Window> _window;
     ScreenLayout _layout;
     std::unique_ptr<Stage> _stage;
-    std::map<std::int64_t, Owner> _touches;
-    std::string _message;
-    Clock::time_point _messageEnd;
+    StageInput _hands{_hud, _layout};
+    MessageLine _message;
     /// When the window is to show a new scene, complete or not.
     Clock::time_point _holdEnd;
     Clock::time_point _start = Clock::now();

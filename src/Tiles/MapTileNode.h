@@ -19,7 +19,8 @@ namespace trelmix {
 /// takes tiles of other zooms away when those of the current one cover them (`TileCoverage`).
 ///
 /// The check runs in the overlay update, on whichever thread that is; answers and the clean-up on the main
-/// thread. All under the scene lock. A third of its lines are the layer's public settings, which it hands on.
+/// thread. All under the scene lock. Longer than other classes, as a third of it hands the
+/// layer's public settings on.
 class MapTileNode final : public OverlayNode<TrelmixMapTileLayer> {
 public:
     static std::shared_ptr<MapTileNode> make();

@@ -1,6 +1,7 @@
 #include "common/scene/GeoJson.h"
 
 #include "common/Files.h"
+#include "common/JsonCursor.h"
 #include "common/scene/SceneFile.h"
 
 namespace trelmix::apps {

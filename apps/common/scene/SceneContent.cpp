@@ -1,6 +1,6 @@
 #include "common/scene/SceneContent.h"
 
-#include "common/Json.h"
+#include "common/JsonCursor.h"
 #include "common/picture/AttributionText.h"
 #include "common/picture/Drawing.h"
 #include "common/scene/SceneImage.h"

@@ -147,7 +147,7 @@ struct SceneSideview {
 };
 
 /// A scene as its file describes it; nothing that it names has been opened. Paths are joined with the file's
-/// folder.
+/// folder. Longer than others, as a scene has many sections; the overlays' are read in sources of their own.
 struct SceneFile {
     SceneView view;
     std::optional<SceneCamera> camera;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/Json.h"
+#include "common/JsonCursor.h"
 #include "common/scene/SceneFile.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 #include "common/scene/SceneSideview.h"
 
-#include "common/Json.h"
+#include "common/JsonCursor.h"
 #include "common/scene/SceneImage.h"
 
 namespace trelmix::apps {

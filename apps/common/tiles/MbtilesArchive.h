@@ -10,7 +10,8 @@ struct sqlite3_stmt;
 
 namespace trelmix::apps {
 
-/// Raster tiles in one SQLite file, rows counted from the south. Opened for reading only.
+/// Raster tiles in one SQLite file, rows counted from the south. Opened for reading only. Longer than other
+/// classes, as whatever may be wrong with somebody else's file is met here.
 class MbtilesArchive final : public TileStore {
 public:
     /// The reason begins with the path: a missing or damaged file, one that is no archive, one with vector

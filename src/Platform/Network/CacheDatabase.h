@@ -16,6 +16,8 @@ namespace trelmix {
 
 /// The disk cache's file, open. Every operation that fails leaves SQLite's code in `fault`; the next one that
 /// goes well takes it away. One thread at a time.
+///
+/// Longer than other classes, as each of its statements needs the one connection, its shelf and its fault.
 class CacheDatabase {
 public:
     explicit CacheDatabase(std::string path);

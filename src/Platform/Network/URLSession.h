@@ -26,6 +26,8 @@ struct URLRequest {
 /// Follows up to five redirects, to http and https only; checks certificates; repeats what failed for a
 /// passing reason (connection refused or reset, a body cut short, status 429 and 5xx) while the request's
 /// time lasts. The destructor drops everything that is under way, uncalled, and waits for the thread.
+///
+/// Its source is longer than others, as it holds the thread's loop too, which shares every word of its state.
 class URLSession {
 public:
     static constexpr std::size_t kMostAtOnce = 64;
