@@ -12,6 +12,8 @@
 
 namespace trelmix::sample {
 
+/// The names in the town, placed so that none covers another. Longer than other classes, as the names of
+/// places stand upright in lines and those of streets run letter by letter along them.
 class TownLabels {
 public:
     TownLabels(const TownModel& model, int zoom);

@@ -12,7 +12,8 @@ namespace trelmix::sample {
 
 /// Any two pictures of one zoom continue each other: nothing depends on where a picture begins.
 ///
-/// `paint` may run on several threads at once; the model must outlive the painter.
+/// `paint` may run on several threads at once; the model must outlive the painter. Longer than other classes,
+/// as each kind of thing in the town has its strokes here.
 class TownPainter {
 public:
     TownPainter(const TownModel& model, int zoom);
