@@ -5,19 +5,20 @@
 
 #include <Trelmix/Platform/UIImage.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <span>
 #include <string>
 #include <vector>
 
-#include <turbojpeg.h>
 #include <zlib.h>
 
 namespace {
 
 using trelmix::FileBytes;
 using trelmix::PngSpec;
+using trelmix::UIImage;
 
 constexpr std::uint32_t kSide = 23;
 
@@ -37,15 +38,19 @@ std::vector<FileBytes> goodFiles() {
     PngSpec grey{kSide, kSide, 1, 0};
     grey.transparentGrey = 1;
     const int side = kSide;
+    std::vector<std::uint8_t> pixels(std::size_t{kSide} * kSide * 4, 255);
+    const auto opaque = UIImage::withPixels(side, side, pixels);
+    std::fill(pixels.begin(), pixels.begin() + kSide * 4, std::uint8_t{90});
+    const auto translucent = UIImage::withPixels(side, side, pixels);
     return {png({kSide, kSide}, kSide * 4),
             png(interlaced, kSide * 8),
             png(palette, (kSide + 1) / 2),
             png(grey, (kSide + 7) / 8),
-            trelmix::jpegFile(side, side, samples),
-            trelmix::jpegFile(side, side, samples, TJFLAG_PROGRESSIVE),
+            trelmix::progressiveJpegFile(side, side, samples),
             trelmix::inkJpegFile(side, side, samples),
-            trelmix::webpFile(side, side, samples, true),
-            trelmix::webpFile(side, side, samples, false)};
+            translucent->jpegData(),
+            translucent->webpData(),
+            opaque->webpData()};
 }
 
 /// Gives every chunk that is there the checksum of its edited content.
