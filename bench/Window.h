@@ -47,6 +47,8 @@ public:
     }
 
     ViewHost& host() { return *_host; }
+    /// As showing a window's picture does, waits until the driver has drawn it: else frames pile up in there.
+    static void present() { glFinish(); }
     const GLCapabilities& capabilities() const { return _context->capabilities(); }
 
 private:
