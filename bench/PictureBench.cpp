@@ -128,7 +128,7 @@ void run(const std::string& archive) {
                     inOwnProcess([&] { return picturesPerSecond(archive, samples, asPng); }),
                     "pictures/s",
                     {},
-                    Goal{Goal::Kind::atLeast, asPng ? 25.0 : 60.0}});
+                    Goal{Goal::Kind::atLeast, asPng && samples == 1 ? 100.0 : 60.0}});
         }
     }
     startTable("peak memory, 800x600, one tile layer");

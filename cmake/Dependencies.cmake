@@ -2,7 +2,7 @@
 find_package(Threads REQUIRED)
 find_package(LAPACK REQUIRED)
 find_package(PkgConfig REQUIRED)
-foreach(entry "EGL:egl" "GLES:glesv2" "GLU:glu" "SPNG:spng" "JPEG:libturbojpeg" "WEBP:libwebp"
+foreach(entry "EGL:egl" "GLES:glesv2" "GLU:glu" "SPNG:spng" "DEFLATE:libdeflate" "JPEG:libturbojpeg" "WEBP:libwebp"
               "CAIRO:cairo" "SQLITE:sqlite3" "CURL:libcurl")
     string(REPLACE ":" ";" pair ${entry})
     list(GET pair 0 name)

@@ -20,7 +20,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TrelmixConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/TrelmixConfigVersion.cmake DESTINATION ${package_folder} COMPONENT development)
 
 # Only who links the static library needs what it was built with, so no Requires.private, which is looked up always.
-set(private ${EGL_LDFLAGS} ${GLES_LDFLAGS} ${GLU_LDFLAGS} ${SPNG_LDFLAGS} ${JPEG_LDFLAGS} ${WEBP_LDFLAGS}
+set(private ${EGL_LDFLAGS} ${GLES_LDFLAGS} ${GLU_LDFLAGS} ${SPNG_LDFLAGS} ${DEFLATE_LDFLAGS}
+    ${JPEG_LDFLAGS} ${WEBP_LDFLAGS}
     ${CAIRO_LDFLAGS} ${SQLITE_LDFLAGS} ${CURL_LDFLAGS} ${LAPACK_LIBRARIES} ${CMAKE_THREAD_LIBS_INIT})
 list(REMOVE_DUPLICATES private)
 list(JOIN private " " TRELMIX_PC_PRIVATE)
@@ -71,7 +72,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtrelmix-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libtrelmix${TRELMIX_ABI} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "libegl-dev, libgles-dev, libglu1-mesa-dev, libspng-dev, \
-libturbojpeg0-dev, libwebp-dev, libcairo2-dev, libsqlite3-dev, libcurl4-openssl-dev, liblapack-dev")
+libdeflate-dev, libturbojpeg0-dev, libwebp-dev, libcairo2-dev, libsqlite3-dev, libcurl4-openssl-dev, liblapack-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Headers, the CMake package, the pkg-config file and the static library, which needs what the package suggests.")
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME trelmix)

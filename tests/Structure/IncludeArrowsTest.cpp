@@ -48,6 +48,7 @@ const std::map<std::string, Names> kArrows{
 /// The one room of each outside library, by the beginning of its headers' names.
 const std::vector<std::pair<std::string, std::string>> kLibraryRooms{
     {"spng", "Platform/Graphics"},
+    {"libdeflate", "Platform/Graphics"},
     {"turbojpeg", "Platform/Graphics"},
     {"webp/", "Platform/Graphics"},
     {"cairo", "Platform/Graphics"},

@@ -1,20 +1,25 @@
 #include "Platform/Graphics/ImageEncoder.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <string_view>
 
-#include <spng.h>
+#include <libdeflate.h>
 #include <turbojpeg.h>
 #include <webp/encode.h>
 
 namespace trelmix {
 namespace {
 
-// Measured on map pictures: three times faster than the usual level at little more size, and one fixed filter
-// (the difference from the row above) is twice as fast as trying all.
-constexpr int kCompressionLevel = 2;
+// Measured on map pictures against level 2 of zlib: in half of its time 3 to 5 % smaller. One fixed filter
+// (the difference from the row above) does better on photographs than none, and takes a fifth of what trying
+// all takes.
+constexpr int kCompressionLevel = 1;
+constexpr std::uint8_t kDifferenceFromAbove = 2;
+constexpr std::size_t kLargestChunk = 0x7FFFFFFF;
 
 void copyOpaqueRow(std::span<const std::uint8_t> rgba, std::span<std::uint8_t> rgb) {
     for (std::size_t from = 0, to = 0; from < rgba.size(); from += 4, to += 3) {
@@ -35,21 +40,57 @@ void copyRowWithoutAlphaFactor(std::span<const std::uint8_t> from, std::span<std
     }
 }
 
-bool writeRows(spng_ctx* context, std::size_t width, std::size_t height, std::span<const std::uint8_t> pixels,
-               bool isOpaque) {
-    std::vector<std::uint8_t> row(width * (isOpaque ? 3 : 4));
-    int status = 0;
-    for (std::size_t y = 0; y < height && status == 0; ++y) {
+/// The rows as the format compresses them: each behind its filter's number.
+std::vector<std::uint8_t> filteredRows(std::size_t width, std::size_t height,
+                                       std::span<const std::uint8_t> pixels, bool isOpaque) {
+    const std::size_t bytes = width * (isOpaque ? 3 : 4);
+    std::vector<std::uint8_t> above(bytes);
+    std::vector<std::uint8_t> row(bytes);
+    std::vector<std::uint8_t> rows((bytes + 1) * height);
+    for (std::size_t y = 0; y < height; ++y) {
         const auto source = pixels.subspan(y * width * 4, width * 4);
         if (isOpaque) {
             copyOpaqueRow(source, row);
         } else {
             copyRowWithoutAlphaFactor(source, row);
         }
-        status = spng_encode_row(context, row.data(), row.size());
+        std::uint8_t* const filtered = &rows[y * (bytes + 1)];
+        filtered[0] = kDifferenceFromAbove;
+        for (std::size_t i = 0; i < bytes; ++i) {
+            filtered[i + 1] = static_cast<std::uint8_t>(row[i] - above[i]);
+        }
+        row.swap(above);
     }
-    // The last row answers with the end of the image.
-    return status == SPNG_EOI;
+    return rows;
+}
+
+void appendNumber(std::vector<std::byte>& file, std::uint32_t number) {
+    for (const int shift : {24, 16, 8, 0}) {
+        file.push_back(static_cast<std::byte>(number >> shift & 255U));
+    }
+}
+
+/// Length, type, content, and the checksum of the last two.
+void appendChunk(std::vector<std::byte>& file, std::string_view type, std::span<const std::byte> content) {
+    appendNumber(file, static_cast<std::uint32_t>(content.size()));
+    const std::size_t start = file.size();
+    const auto letters = std::as_bytes(std::span(type));
+    file.insert(file.end(), letters.begin(), letters.end());
+    file.insert(file.end(), content.begin(), content.end());
+    appendNumber(file, libdeflate_crc32(0, &file[start], file.size() - start));
+}
+
+/// In the format of zlib; empty when there is no memory.
+std::vector<std::byte> compressed(std::span<const std::uint8_t> bytes) {
+    const std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> compressor(
+        libdeflate_alloc_compressor(kCompressionLevel), &libdeflate_free_compressor);
+    if (!compressor) {
+        return {};
+    }
+    std::vector<std::byte> out(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()));
+    out.resize(
+        libdeflate_zlib_compress(compressor.get(), bytes.data(), bytes.size(), out.data(), out.size()));
+    return out;
 }
 
 /// Three channels; what is translucent lies on white.
@@ -72,35 +113,30 @@ std::vector<std::byte> bytesOf(const std::uint8_t* file, std::size_t size) {
 } // namespace
 
 std::vector<std::byte> encodePng(int width, int height, std::span<const std::uint8_t> pixels, bool isOpaque) {
-    const std::unique_ptr<spng_ctx, decltype(&spng_ctx_free)> context(spng_ctx_new(SPNG_CTX_ENCODER),
-                                                                      &spng_ctx_free);
-    if (!context) {
-        return {};
-    }
-    spng_ctx* const png = context.get();
-    spng_ihdr header{};
-    header.width = static_cast<std::uint32_t>(width);
-    header.height = static_cast<std::uint32_t>(height);
-    header.bit_depth = 8;
-    header.color_type = isOpaque ? SPNG_COLOR_TYPE_TRUECOLOR : SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
-    spng_set_option(png, SPNG_ENCODE_TO_BUFFER, 1);
-    spng_set_option(png, SPNG_IMG_COMPRESSION_LEVEL, kCompressionLevel);
-    spng_set_option(png, SPNG_FILTER_CHOICE, SPNG_FILTER_CHOICE_UP);
-    if (spng_set_ihdr(png, &header) != 0 ||
-        spng_encode_image(png, nullptr, 0, SPNG_FMT_PNG, SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE) !=
-            0) {
-        return {};
-    }
+    constexpr std::array<std::uint8_t, 8> kSignature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    constexpr std::uint8_t kWithAlpha = 6;
+    constexpr std::uint8_t kWithoutAlpha = 2;
     try {
-        if (!writeRows(png, header.width, header.height, pixels, isOpaque)) {
+        const auto content = compressed(filteredRows(static_cast<std::size_t>(width),
+                                                     static_cast<std::size_t>(height), pixels, isOpaque));
+        if (content.empty() || content.size() > kLargestChunk) {
             return {};
         }
-        std::size_t size = 0;
-        int error = 0;
-        const std::unique_ptr<void, decltype(&std::free)> file(spng_get_png_buffer(png, &size, &error),
-                                                               &std::free);
-        const auto* first = static_cast<const std::byte*>(file.get());
-        return file ? std::vector<std::byte>(first, first + size) : std::vector<std::byte>();
+        std::vector<std::byte> header;
+        appendNumber(header, static_cast<std::uint32_t>(width));
+        appendNumber(header, static_cast<std::uint32_t>(height));
+        const std::array<std::uint8_t, 5> eightBits{8, isOpaque ? kWithoutAlpha : kWithAlpha, 0, 0, 0};
+        const auto formatBytes = std::as_bytes(std::span(eightBits));
+        header.insert(header.end(), formatBytes.begin(), formatBytes.end());
+
+        std::vector<std::byte> file;
+        file.reserve(content.size() + 64);
+        const auto signature = std::as_bytes(std::span(kSignature));
+        file.insert(file.end(), signature.begin(), signature.end());
+        appendChunk(file, "IHDR", header);
+        appendChunk(file, "IDAT", content);
+        appendChunk(file, "IEND", {});
+        return file;
     } catch (const std::bad_alloc&) {
         return {};
     }
