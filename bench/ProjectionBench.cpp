@@ -162,7 +162,7 @@ void cameraChange(benchmark::State& state) {
     CameraProjection projection(kOrigin, kSize);
     double rotation = 0;
     for (auto _ : state) {
-        projection.setMapRotation(rotation += 0.01);
+        projection.setMapRotation({rotation += 0.01});
         benchmark::DoNotOptimize(projection.exactCameraPosition());
     }
 }

@@ -37,18 +37,18 @@ CameraFrame::CameraFrame(const CameraPose& pose, const CameraStage& stage)
       _halfWidth(stage.mapDimensions.x * 0.5), _halfHeight(stage.mapDimensions.y * 0.5),
       _mapPointsPerMeter(GeoUtils::mapPointsPerMeter(pose.latitude, pose.zoom)),
       _focalLength(stage.mapDimensions.y / _mapPointsPerMeter * 0.5 * kCosHalfView / kSinHalfView),
-      _height(_distance * std::cos(pose.viewingAngle)), _isTilted(pose.viewingAngle != 0.0),
-      _tangentOfElevation(std::tan(pi / 2.0 - pose.viewingAngle)),
+      _height(_distance * std::cos(pose.viewingAngle.value)), _isTilted(pose.viewingAngle.value != 0.0),
+      _tangentOfElevation(std::tan(pi / 2.0 - pose.viewingAngle.value)),
       _planeShift(_isTilted ? zeroIfNotANumber(-_height / _tangentOfElevation) : 0.0) {
     setRotation(pose.rotation, pose.viewingAngle);
     placeCamera(pose);
 }
 
-void CameraFrame::setRotation(double rotation, double viewingAngle) {
-    const double sx = std::sin(viewingAngle);
-    const double cx = std::cos(viewingAngle);
-    _sinRotation = std::sin(rotation);
-    _cosRotation = std::cos(rotation);
+void CameraFrame::setRotation(Radians rotation, Radians viewingAngle) {
+    const double sx = std::sin(viewingAngle.value);
+    const double cx = std::cos(viewingAngle.value);
+    _sinRotation = std::sin(rotation.value);
+    _cosRotation = std::cos(rotation.value);
     const std::array<double, 9> aboutX{1, 0, 0, 0, cx, sx, 0, -sx, cx};
     const std::array<double, 9> aboutZ{
         _cosRotation, _sinRotation, 0, -_sinRotation, _cosRotation, 0, 0, 0, 1};
@@ -65,8 +65,8 @@ void CameraFrame::setRotation(double rotation, double viewingAngle) {
 void CameraFrame::placeCamera(const CameraPose& pose) {
     // Not the root of distance squared minus height squared: its rounding leaves metres where there is no
     // tilt, and with fused multiplication the radicand falls below zero.
-    const double horizontal = std::abs(_distance * std::sin(pose.viewingAngle)) * _mapPointsPerMeterMax;
-    const double opposite = pose.rotation - pi;
+    const double horizontal = std::abs(_distance * std::sin(pose.viewingAngle.value)) * _mapPointsPerMeterMax;
+    const double opposite = pose.rotation.value - pi;
     _cameraOffset = {_target.x - std::sin(opposite) * horizontal - _initialMapPoint.x,
                      _target.y - std::cos(opposite) * horizontal - _initialMapPoint.y};
     _cameraOffsetMeters = {_cameraOffset.x / _mapPointsPerMeterMax, _cameraOffset.y / _mapPointsPerMeterMax};

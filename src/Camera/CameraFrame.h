@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Geo/GeoTypes.h"
+#include "Geo/Radians.h"
 #include "Platform/Scene/SCNVector.h"
 
 #include <array>
@@ -15,10 +15,10 @@ struct CameraPose {
     double latitude = 0;
     /// Internal: one less than the public zoom.
     float zoom = 0;
-    /// Radians; minus the public heading.
-    double rotation = 0;
-    /// Radians from the vertical.
-    double viewingAngle = 0;
+    /// Minus the public heading.
+    Radians rotation;
+    /// From the vertical.
+    Radians viewingAngle;
 };
 
 /// The plane that the camera looks at and the view that it looks through.
@@ -69,7 +69,7 @@ public:
 private:
     Vector3d toCamera(WorldMapPoint point) const;
     OpenGlPoint groundOffset(ScreenPoint point) const;
-    void setRotation(double rotation, double viewingAngle);
+    void setRotation(Radians rotation, Radians viewingAngle);
     void placeCamera(const CameraPose& pose);
 
     WorldMapPoint _initialMapPoint;

@@ -48,10 +48,9 @@ float zoomFor(double viewSize, double fraction) {
 } // namespace
 
 CameraProjection::CameraProjection(Coordinate target, ScreenPoint dimensions)
-    : _cameraTarget(soundOrigin(target)),
-      _stage(stageAt(_cameraTarget, dimensions)), _pose{_stage.initialMapPoint, _cameraTarget.lat,
-                                                        kPlaceholderZoom, 0, 0},
-      _frame(_pose, _stage), _mapPointScreenPointRatio(currentRatio()), _public{_frame, dimensions} {}
+    : _cameraTarget(soundOrigin(target)), _stage(stageAt(_cameraTarget, dimensions)),
+      _pose{_stage.initialMapPoint, _cameraTarget.lat, kPlaceholderZoom, {}, {}}, _frame(_pose, _stage),
+      _mapPointScreenPointRatio(currentRatio()), _public{_frame, dimensions} {}
 
 CameraProjection::~CameraProjection() = default;
 
@@ -104,8 +103,7 @@ WorldMapPoint CameraProjection::worldMapPoint(ScreenPoint point, const CameraPos
 }
 
 TrelmixMapEngineCamera CameraProjection::cameraRecord() const {
-    return {locationOf(_cameraTarget), -_pose.rotation / DEG_TO_RAD_CONST,
-            _pose.viewingAngle / DEG_TO_RAD_CONST, mapZoom()};
+    return {locationOf(_cameraTarget), (-_pose.rotation).degrees(), _pose.viewingAngle.degrees(), mapZoom()};
 }
 
 float CameraProjection::zoomLevelSanitised(float mapZoom) {
@@ -137,16 +135,16 @@ void CameraProjection::setCameraTarget(WorldMapPoint mapPoint, Coordinate coordi
     cameraChanged();
 }
 
-void CameraProjection::setMapRotation(double rotation) {
-    if (!std::isfinite(rotation)) {
+void CameraProjection::setMapRotation(Radians rotation) {
+    if (!rotation.isFinite()) {
         return;
     }
     _pose.rotation = rotation;
     cameraChanged();
 }
 
-void CameraProjection::setMapViewingAngle(double angle) {
-    if (!std::isfinite(angle)) {
+void CameraProjection::setMapViewingAngle(Radians angle) {
+    if (!angle.isFinite()) {
         return;
     }
     _pose.viewingAngle = angle;
@@ -161,7 +159,7 @@ void CameraProjection::setInternalZoom(float zoom) {
     cameraChanged();
 }
 
-void CameraProjection::setPose(double rotation, double viewingAngle, float mapZoom) {
+void CameraProjection::setPose(Radians rotation, Radians viewingAngle, float mapZoom) {
     _pose.rotation = rotation;
     _pose.viewingAngle = viewingAngle;
     _pose.zoom = mapZoom - 1.0F;
@@ -178,7 +176,7 @@ void CameraProjection::setMapDimensions(ScreenPoint dimensions) {
 }
 
 double CameraProjection::currentRatio() const {
-    const CameraFrame straightDown = frame({_pose.target, _pose.latitude, ZOOMLEVEL_MAX, 0, 0});
+    const CameraFrame straightDown = frame({_pose.target, _pose.latitude, ZOOMLEVEL_MAX, {}, {}});
     const double width = _stage.mapDimensions.x;
     return (straightDown.unproject({width, 0}).x - straightDown.unproject({0, 0}).x) / width;
 }

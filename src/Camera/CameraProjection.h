@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Camera/CameraFrame.h"
-#include "Geo/GeoTypes.h"
 #include "Platform/Scene/SCNVector.h"
 
 #include <Trelmix/TrelmixMapEngineCamera.h>
@@ -79,12 +78,12 @@ public:
     Coordinate cameraTarget() const { return _cameraTarget; }
     void setCameraTarget(WorldMapPoint mapPoint, Coordinate coordinate);
 
-    /// Radians; 0 shows north at the top; minus the public heading.
-    double mapRotation() const { return _pose.rotation; }
-    void setMapRotation(double rotation);
-    /// Radians from the vertical.
-    double mapViewingAngle() const { return _pose.viewingAngle; }
-    void setMapViewingAngle(double angle);
+    /// 0 shows north at the top; minus the public heading.
+    Radians mapRotation() const { return _pose.rotation; }
+    void setMapRotation(Radians rotation);
+    /// From the vertical.
+    Radians mapViewingAngle() const { return _pose.viewingAngle; }
+    void setMapViewingAngle(Radians angle);
     /// Public zoom: one more than the internal one, which overlays and tiles are updated with.
     float mapZoom() const { return _pose.zoom + 1.0F; }
     void setMapZoom(float zoom) { setInternalZoom(zoom - 1.0F); }
@@ -92,7 +91,7 @@ public:
     void setInternalZoom(float zoom);
 
     /// Both angles and the public zoom in one write; finite.
-    void setPose(double rotation, double viewingAngle, float mapZoom);
+    void setPose(Radians rotation, Radians viewingAngle, float mapZoom);
 
     /// Size of the view in screen points.
     ScreenPoint mapDimensions() const { return _stage.mapDimensions; }

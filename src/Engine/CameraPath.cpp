@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace trelmix {
 
@@ -18,9 +17,9 @@ constexpr int kDeepestNesting = 8;
 /// Seconds from the last step of a gesture to the report that the camera rests.
 constexpr double kIdleDelay = 0.05;
 
-float limitedViewingAngle(float angle) {
-    constexpr float kHighest = CameraPath::kHighestViewingAngle;
-    return std::isnan(angle) ? kHighest : std::clamp(angle, 0.0F, kHighest);
+Radians limitedViewingAngle(Radians angle) {
+    constexpr Radians kHighest = CameraPath::kHighestViewingAngle;
+    return std::isnan(angle.value) ? kHighest : std::clamp(angle, Radians{}, kHighest);
 }
 
 } // namespace
@@ -74,15 +73,17 @@ void CameraPath::applyInitialZoom(float zoom) {
 CameraChange CameraPath::current() const {
     CameraChange change;
     change.target = _projection->cameraTargetMapPoint();
-    change.rotation = static_cast<float>(_projection->mapRotation());
-    change.viewingAngle = static_cast<float>(_projection->mapViewingAngle());
+    change.rotation = _projection->mapRotation();
+    change.viewingAngle = _projection->mapViewingAngle();
     change.zoom = _projection->mapZoom();
     return change;
 }
 
-void CameraPath::set(const CameraChange& change) {
+void CameraPath::set(CameraChange change) {
+    change.rotation = change.rotation.narrowed();
+    change.viewingAngle = change.viewingAngle.narrowed();
     const bool isFinite = std::isfinite(change.target.x) && std::isfinite(change.target.y) &&
-                          std::isfinite(change.rotation) && std::isfinite(change.zoom);
+                          change.rotation.isFinite() && std::isfinite(change.zoom);
     if (!isFinite || _changeDepth >= kDeepestNesting) {
         return;
     }
@@ -117,8 +118,8 @@ bool CameraPath::apply(const CameraChange& change) {
     const float startZoom = _hasCamera ? _projection->mapZoom() : goalZoom;
     const bool placesAtOnce = !change.animated || !_hasCamera;
     _hasCamera = true;
-    const double rotation = rotationShortWay(change.rotation);
-    const float viewingAngle = limitedViewingAngle(change.viewingAngle);
+    const Radians rotation = shortestTurn(change.rotation, _projection->mapRotation());
+    const Radians viewingAngle = limitedViewingAngle(change.viewingAngle);
     _projection->setPose(rotation, viewingAngle, goalZoom);
     auto turn = performMapEulerRotate(viewingAngle, rotation, !placesAtOnce);
     if (placesAtOnce) {
@@ -149,22 +150,12 @@ void CameraPath::runAnimation(float startZoom, float goalZoom, std::shared_ptr<c
         });
 }
 
-double CameraPath::rotationShortWay(float rotation) const {
-    constexpr double kTurn = 2.0 * std::numbers::pi;
-    const double goal = std::fmod(static_cast<double>(rotation), kTurn);
-    const double difference = goal - _projection->mapRotation();
-    if (std::abs(difference) <= std::numbers::pi) {
-        return goal;
-    }
-    return difference > 0 ? goal - kTurn : goal + kTurn;
-}
-
-std::shared_ptr<const SCNAction> CameraPath::performMapEulerRotate(double viewingAngle, double rotation,
+std::shared_ptr<const SCNAction> CameraPath::performMapEulerRotate(Radians viewingAngle, Radians rotation,
                                                                    bool animated) {
     if (animated) {
-        return SCNAction::rotateTo(viewingAngle, 0, rotation, kDuration);
+        return SCNAction::rotateTo(viewingAngle.value, 0, rotation.value, kDuration);
     }
-    _engine.cameraNode()->setExactEulerAngles({viewingAngle, 0, rotation});
+    _engine.cameraNode()->setExactEulerAngles({viewingAngle.value, 0, rotation.value});
     return nullptr;
 }
 
@@ -213,12 +204,12 @@ OpenGlPoint CameraPath::normalisedOpenGlPoint(ScreenPoint displacement) const {
     if (!_projection) {
         return {0, 0};
     }
-    const double rotation = _projection->mapRotation();
+    const double rotation = _projection->mapRotation().value;
     const double metresPerPoint =
         GeoUtils::metersPerMapPoint(_projection->cameraTarget().lat, _projection->internalZoom());
     const double mapPoints = _projection->mapPointsPerMeterMax() / (1.0 / metresPerPoint) *
                              _projection->mapPointScreenPointRatio() /
-                             std::cos(_projection->mapViewingAngle());
+                             std::cos(_projection->mapViewingAngle().value);
     const double a = std::cos(rotation) * displacement.x + std::sin(rotation) * displacement.y;
     const double b = std::sin(rotation) * displacement.x - std::cos(rotation) * displacement.y;
     return {-a * mapPoints, b * mapPoints};

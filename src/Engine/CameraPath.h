@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Camera/CameraProjection.h"
-#include "Geo/GeoTypes.h"
+#include "Geo/Radians.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/SCNAction.h"
 
@@ -15,11 +15,11 @@ namespace trelmix {
 
 class TrelmixMapEngineSceneView;
 
-/// A camera as the one camera path takes it. Angles in radians, the rotation counter-clockwise; public zoom.
+/// A camera as the one camera path takes it: the rotation counter-clockwise; public zoom.
 struct CameraChange {
     WorldMapPoint target;
-    float rotation = 0;
-    float viewingAngle = 0;
+    Radians rotation;
+    Radians viewingAngle;
     float zoom = 0;
     bool fromGesture = false;
     bool animated = false;
@@ -38,8 +38,8 @@ class CameraPath {
 public:
     /// Seconds of every animated camera change.
     static constexpr double kDuration = 0.2;
-    /// 55 degrees in radians.
-    static constexpr float kHighestViewingAngle = 0.9599311F;
+    /// 55 degrees in single precision, as cameras are given.
+    static constexpr Radians kHighestViewingAngle = Radians{0.9599311}.narrowed();
 
     explicit CameraPath(TrelmixMapEngineSceneView& engine) : _engine(engine) {}
     ~CameraPath();
@@ -61,8 +61,8 @@ public:
 
     /// The projection's camera as a change that changes nothing; needs a projection.
     CameraChange current() const;
-    /// Numbers that are not finite (but for the viewing angle) change nothing.
-    void set(const CameraChange& change);
+    /// Numbers that are not finite (but for the viewing angle) change nothing. Angles are narrowed.
+    void set(CameraChange change);
     /// Updates the overlays, and tells the delegate from the main queue.
     void informDelegateAboutIdle();
 
@@ -79,10 +79,8 @@ private:
     /// False when the delegate has made another camera meanwhile, and this one stops.
     bool announce(bool fromGesture);
     bool apply(const CameraChange& change);
-    /// The same rotation, within half a turn of the camera's.
-    double rotationShortWay(float rotation) const;
     /// Turns the camera node; animated, answers the action that does.
-    std::shared_ptr<const SCNAction> performMapEulerRotate(double viewingAngle, double rotation,
+    std::shared_ptr<const SCNAction> performMapEulerRotate(Radians viewingAngle, Radians rotation,
                                                            bool animated);
     void runAnimation(float startZoom, float goalZoom, std::shared_ptr<const SCNAction> turn);
     WorldMapPoint canSetCameraToTarget(WorldMapPoint target) const;

@@ -104,7 +104,7 @@ void EngineGestures::rotate(UIGestureRecognizer& recognizer) {
     rotation.setRotation(0);
     if (flags.rotation) {
         CameraChange change = _engine.currentCamera();
-        change.rotation = static_cast<float>(turned + _engine.cameraProjection()->mapRotation());
+        change.rotation = Radians{turned} + _engine.cameraProjection()->mapRotation();
         change.fromGesture = true;
         _engine.internalSetCamera(change);
     }
@@ -129,7 +129,7 @@ void EngineGestures::pan(UIGestureRecognizer& recognizer) {
     } else if (flags.tilt) {
         CameraChange change = _engine.currentCamera();
         change.viewingAngle =
-            static_cast<float>(translation.y * kTiltPerPoint + _engine.cameraProjection()->mapViewingAngle());
+            Radians{translation.y * kTiltPerPoint} + _engine.cameraProjection()->mapViewingAngle();
         change.fromGesture = true;
         _engine.internalSetCamera(change);
     }

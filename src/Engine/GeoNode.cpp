@@ -82,7 +82,7 @@ void GeoNode::applyRenderingOrder() {
     setRenderingOrder(_zIndex < lowest + kBelow ? lowest : _zIndex - kBelow);
 }
 
-void GeoNode::update(float, float, float) {
+void GeoNode::update(float, Radians, Radians) {
     applyRenderingOrder();
 }
 

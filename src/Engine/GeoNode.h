@@ -43,9 +43,8 @@ public:
     virtual void setupInitialCameraZoom(TrelmixMapEngineSceneView& mapSceneView);
     virtual void addToMap(TrelmixMapEngineSceneView& mapSceneView);
     virtual void setup(const std::shared_ptr<CameraProjection>& projection);
-    /// Once a frame. @param zoom the internal zoom, one less than the public one. @param
-    /// rotation,viewingAngle radians.
-    virtual void update(float zoom, float rotation, float viewingAngle);
+    /// Once a frame. @param zoom the internal zoom, one less than the public one.
+    virtual void update(float zoom, Radians rotation, Radians viewingAngle);
 
 protected:
     GeoNode() = default;

@@ -14,7 +14,7 @@ void clearNodes(SCNScene& scene) {
     }
 }
 
-void updatePossibleGeoNodes(SCNScene& scene, float zoom, float rotation, float viewingAngle) {
+void updatePossibleGeoNodes(SCNScene& scene, float zoom, Radians rotation, Radians viewingAngle) {
     // Updates call the application, which may add and remove anything: the walk has its own list.
     const auto nodes = scene.childNodes();
     for (const auto& node : *nodes) {

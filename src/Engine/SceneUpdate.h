@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Geo/Radians.h"
 #include "Platform/Scene/SCNScene.h"
 
 #include <Trelmix/TrelmixMapTileLayer.h>
@@ -10,8 +11,7 @@ namespace trelmix {
 void clearNodes(SCNScene& scene);
 
 /// Tells every overlay of a scene about the camera, in order of addition. @param zoom the internal zoom.
-/// @param rotation,viewingAngle radians.
-void updatePossibleGeoNodes(SCNScene& scene, float zoom, float rotation, float viewingAngle);
+void updatePossibleGeoNodes(SCNScene& scene, float zoom, Radians rotation, Radians viewingAngle);
 
 /// Of all tile layers of a scene together.
 TileCounts tileCounts(SCNScene& scene);

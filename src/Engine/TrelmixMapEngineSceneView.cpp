@@ -190,8 +190,8 @@ void TrelmixMapEngineSceneView::setCamera(const std::shared_ptr<TrelmixMapEngine
     const CLLocationCoordinate2D target = camera->target();
     CameraChange change;
     change.target = GeoUtils::scenePoint({target.latitude, target.longitude});
-    change.rotation = static_cast<float>(-(camera->rotation() * DEG_TO_RAD_CONST));
-    change.viewingAngle = static_cast<float>(camera->viewingAngle() * DEG_TO_RAD_CONST);
+    change.rotation = -Radians::fromDegrees(camera->rotation());
+    change.viewingAngle = Radians::fromDegrees(camera->viewingAngle());
     change.zoom = camera->zoom();
     change.animated = animated;
     internalSetCamera(change);
@@ -204,8 +204,8 @@ void TrelmixMapEngineSceneView::setCameraWithRotation(double rotation, double vi
         return;
     }
     CameraChange change = currentCamera();
-    change.rotation = static_cast<float>(-(rotation * DEG_TO_RAD_CONST));
-    change.viewingAngle = static_cast<float>(viewingAngle * DEG_TO_RAD_CONST);
+    change.rotation = -Radians::fromDegrees(rotation);
+    change.viewingAngle = Radians::fromDegrees(viewingAngle);
     change.zoom = zoom;
     change.animated = animated;
     internalSetCamera(change);
@@ -235,8 +235,8 @@ void TrelmixMapEngineSceneView::reportIdleToDelegate() {
 
 void TrelmixMapEngineSceneView::updateOverlays() {
     updatePossibleGeoNodes(*_defaultScene, cameraProjection()->internalZoom(),
-                           static_cast<float>(cameraProjection()->mapRotation()),
-                           static_cast<float>(cameraProjection()->mapViewingAngle()));
+                           cameraProjection()->mapRotation().narrowed(),
+                           cameraProjection()->mapViewingAngle().narrowed());
 }
 
 void TrelmixMapEngineSceneView::rendererUpdateAtTime(SCNView& view, double) {

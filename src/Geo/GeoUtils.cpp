@@ -64,23 +64,23 @@ double squareOfSine(double angle) {
 
 } // namespace
 
-double GeoUtils::bearing(Coordinate from, Coordinate to) {
+Radians GeoUtils::bearing(Coordinate from, Coordinate to) {
     const double difference = to.lon * d - from.lon * d;
     const double y = std::sin(difference) * std::cos(to.lat * d);
     const double x = std::cos(from.lat * d) * std::sin(to.lat * d) -
                      std::sin(from.lat * d) * std::cos(to.lat * d) * std::cos(difference);
-    return std::fmod(std::atan2(y, x) + 2.0 * pi, 2.0 * pi);
+    return {std::fmod(std::atan2(y, x) + 2.0 * pi, 2.0 * pi)};
 }
 
-Coordinate GeoUtils::coordinate(Coordinate from, double withBearing, double distance) {
+Coordinate GeoUtils::coordinate(Coordinate from, Radians withBearing, double distance) {
     const double latitude = from.lat * d;
     const double angle = distance / EARTH_RADIUS;
-    const double sine =
-        std::sin(latitude) * std::cos(angle) + std::cos(latitude) * std::sin(angle) * std::cos(withBearing);
+    const double sine = std::sin(latitude) * std::cos(angle) +
+                        std::cos(latitude) * std::sin(angle) * std::cos(withBearing.value);
     // Exactly to a pole the sum rounds to just above 1.
     const double arrival = std::asin(std::clamp(sine, -1.0, 1.0));
     const double longitude =
-        from.lon * d + std::atan2(std::sin(withBearing) * std::sin(angle) * std::cos(latitude),
+        from.lon * d + std::atan2(std::sin(withBearing.value) * std::sin(angle) * std::cos(latitude),
                                   std::cos(angle) - std::sin(latitude) * std::sin(arrival));
     return {arrival / d, longitude / d};
 }

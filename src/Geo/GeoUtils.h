@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Geo/GeoTypes.h"
+#include "Geo/Radians.h"
 
 #include <span>
 
@@ -10,8 +10,8 @@ namespace trelmix {
 /// TrelmixMapEngineGeoUtils, its public face.
 class GeoUtils {
 public:
-    static double bearing(Coordinate from, Coordinate to);
-    static Coordinate coordinate(Coordinate from, double withBearing, double distance);
+    static Radians bearing(Coordinate from, Coordinate to);
+    static Coordinate coordinate(Coordinate from, Radians withBearing, double distance);
     static double distanceBetween(Coordinate coordinate1, Coordinate coordinate2);
 
     static WorldMapPoint convertCoordinateToMap(Coordinate coordinate, float zoom);

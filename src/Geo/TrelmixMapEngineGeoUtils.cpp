@@ -5,12 +5,12 @@
 namespace trelmix {
 
 double TrelmixMapEngineGeoUtils::getBearingFrom(CLLocationCoordinate2D from, CLLocationCoordinate2D to) {
-    return GeoUtils::bearing(coordinateOf(from), coordinateOf(to));
+    return GeoUtils::bearing(coordinateOf(from), coordinateOf(to)).value;
 }
 
 CLLocationCoordinate2D TrelmixMapEngineGeoUtils::getCoordinateFrom(CLLocationCoordinate2D from,
                                                                    double withBearing, double distance) {
-    return locationOf(GeoUtils::coordinate(coordinateOf(from), withBearing, distance));
+    return locationOf(GeoUtils::coordinate(coordinateOf(from), {withBearing}, distance));
 }
 
 double TrelmixMapEngineGeoUtils::getDistanceBetweenWithCoordinate1(CLLocationCoordinate2D coordinate1,

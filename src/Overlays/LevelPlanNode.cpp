@@ -92,7 +92,7 @@ void LevelPlanNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     }
     rectangle->setMaterials({std::move(material)});
     setExactPosition({centre->x, -centre->y, exactPosition().z});
-    setExactEulerAngles({0, 0, DEG_TO_RAD_CONST * _levelPlanRotation});
+    setExactEulerAngles({0, 0, Radians::fromDegrees(_levelPlanRotation).value});
     setGeometry(std::move(rectangle));
 }
 

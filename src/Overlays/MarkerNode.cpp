@@ -4,24 +4,12 @@
 
 #include <atomic>
 #include <cmath>
-#include <numbers>
 
 namespace trelmix {
 
 namespace {
 
-constexpr double kTurn = 2.0 * std::numbers::pi;
-
 std::atomic<double> kTMXEngineMarkerAnimationDuration{0.2};
-
-/// The same direction as `goal`, at most half a turn from `current`.
-double shortestTurn(double goal, double current) {
-    const double difference = goal - current;
-    if (std::abs(difference) > std::numbers::pi) {
-        return difference > 0 ? goal - kTurn : goal + kTurn;
-    }
-    return goal;
-}
 
 } // namespace
 
@@ -150,9 +138,9 @@ void MarkerNode::prepareMarkerIcon() {
 
 void MarkerNode::storeRotation(double degrees) {
     _markerRotation = degrees;
-    const auto radians = static_cast<float>(degrees * DEG_TO_RAD_CONST);
-    if (std::isfinite(radians)) {
-        _markerRotationRad = radians;
+    const Radians rotation = Radians::fromDegrees(degrees).narrowed();
+    if (rotation.isFinite()) {
+        _shownRotation = rotation;
     }
     _needsUpdate = true;
 }
@@ -177,13 +165,13 @@ void MarkerNode::setRotation(double degrees, bool animated, double duration) {
 }
 
 void MarkerNode::rotateTo(double degrees, double duration) {
-    const double goal = std::fmod(static_cast<float>(degrees * -DEG_TO_RAD_CONST), kTurn);
-    if (!std::isfinite(goal)) {
+    const Radians goal = -Radians::fromDegrees(degrees).narrowed();
+    if (!goal.isFinite()) {
         return;
     }
-    const auto target = static_cast<float>(shortestTurn(goal, presentedEulerAngles().z));
+    const Radians target = shortestTurn(goal, {presentedEulerAngles().z}).narrowed();
     const std::uint64_t number = ++_rotationNumber;
-    runAction(SCNAction::rotateTo(0, 0, target, duration), [weak = weak_from_this(), number, target] {
+    runAction(SCNAction::rotateTo(0, 0, target.value, duration), [weak = weak_from_this(), number, target] {
         if (const auto node = weak.lock()) {
             const SceneLock lock;
             static_cast<MarkerNode&>(*node).rotationEnded(number, -target);
@@ -193,9 +181,9 @@ void MarkerNode::rotateTo(double degrees, double duration) {
     _markerRotationActive = true;
 }
 
-void MarkerNode::rotationEnded(std::uint64_t number, float rotation) {
+void MarkerNode::rotationEnded(std::uint64_t number, Radians rotation) {
     if (number == _rotationNumber) {
-        _markerRotationRad = rotation;
+        _shownRotation = rotation;
         _markerRotationActive = false;
         _needsUpdate = true;
     }
@@ -213,16 +201,15 @@ void MarkerNode::updateMarkerRotation() {
     if (!_lastCamera || _markerRotationActive) {
         return;
     }
-    const double current = presentedEulerAngles().z;
-    const double goal = _isFlat ? -_markerRotationRad : _lastCamera->rotation;
-    const double z = shortestTurn(std::fmod(goal, kTurn), current);
-    const double x = _isFlat ? 0.0 : _lastCamera->viewingAngle;
-    if (std::isfinite(z) && std::isfinite(x)) {
-        setExactEulerAngles({x, 0, z});
+    const Radians goal = _isFlat ? -_shownRotation : _lastCamera->rotation;
+    const Radians turn = shortestTurn(goal, {presentedEulerAngles().z});
+    const Radians tilt = _isFlat ? Radians{} : _lastCamera->viewingAngle;
+    if (turn.isFinite() && tilt.isFinite()) {
+        setExactEulerAngles({tilt.value, 0, turn.value});
     }
 }
 
-void MarkerNode::update(float zoom, float rotation, float viewingAngle) {
+void MarkerNode::update(float zoom, Radians rotation, Radians viewingAngle) {
     applyRenderingOrder();
     if (!_markerIcon || !_place.point() || !cameraProjection()) {
         return;

@@ -44,7 +44,7 @@ public:
     Coordinate initialTargetCoordinateForProjection() const override { return coordinateOf(_coordinate); }
     void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
     void setup(const std::shared_ptr<CameraProjection>& projection) override;
-    void update(float zoom, float rotation, float viewingAngle) override;
+    void update(float zoom, Radians rotation, Radians viewingAngle) override;
 
     /// Where the marker belongs, apart from a running move; absent until it has been placed.
     const std::optional<OpenGlPoint>& markerPosition() const { return _place.point(); }
@@ -58,8 +58,8 @@ private:
     /// What the last update that did something was given.
     struct CameraState {
         float zoom;
-        float rotation;
-        float viewingAngle;
+        Radians rotation;
+        Radians viewingAngle;
         double ratio;
         friend bool operator==(const CameraState&, const CameraState&) = default;
     };
@@ -71,7 +71,7 @@ private:
     void storeRotation(double degrees);
     void updateMarkerRotation();
     void rotateTo(double degrees, double duration);
-    void rotationEnded(std::uint64_t number, float rotation);
+    void rotationEnded(std::uint64_t number, Radians rotation);
 
     CLLocationCoordinate2D _coordinate = kCLLocationCoordinate2DInvalid;
     /// Its latitude gives the size: that of an invalid coordinate would turn the icon inside out.
@@ -79,7 +79,8 @@ private:
     bool _isFlat = false;
     bool _isDraggable = false;
     double _markerRotation = 0;
-    float _markerRotationRad = 0;
+    /// The same in single precision, the last that was finite.
+    Radians _shownRotation;
     bool _markerRotationActive = false;
     /// Counts animated rotations: an older one's end must not pass for a newer one's.
     std::uint64_t _rotationNumber = 0;

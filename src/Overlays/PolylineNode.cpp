@@ -17,8 +17,9 @@ constexpr double kReversalBeyond = 6.19591884457987;
 
 bool turnsBack(const CLLocation& from, const CLLocation& at, const CLLocation& to) {
     const Coordinate middle = coordinateOf(at.coordinate());
-    const double difference = std::abs(GeoUtils::bearing(coordinateOf(from.coordinate()), middle) -
-                                       GeoUtils::bearing(coordinateOf(to.coordinate()), middle));
+    const double difference = std::abs((GeoUtils::bearing(coordinateOf(from.coordinate()), middle) -
+                                        GeoUtils::bearing(coordinateOf(to.coordinate()), middle))
+                                           .value);
     return difference <= kReversal || difference >= kReversalBeyond;
 }
 
@@ -120,7 +121,7 @@ bool PolylineNode::updateGeometry(const std::vector<OpenGlPoint>& points) {
     return true;
 }
 
-void PolylineNode::update(float zoom, float, float) {
+void PolylineNode::update(float zoom, Radians, Radians) {
     if (!cameraProjection() || _polylineVertices.empty()) {
         return;
     }

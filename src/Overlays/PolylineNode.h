@@ -28,7 +28,7 @@ public:
     Coordinate initialTargetCoordinateForProjection() const override;
     void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
     void setup(const std::shared_ptr<CameraProjection>& projection) override;
-    void update(float zoom, float rotation, float viewingAngle) override;
+    void update(float zoom, Radians rotation, Radians viewingAngle) override;
 
     float widthInMapPoints() const { return _uniforms->widthInMapPoints(); }
     double hitMargin() const override { return static_cast<double>(widthInMapPoints()) * 0.5; }

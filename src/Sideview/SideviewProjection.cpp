@@ -15,6 +15,7 @@ namespace {
 using Made = Result<std::shared_ptr<const SideviewProjection>>;
 
 constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr Radians kHalfTurn{std::numbers::pi};
 
 } // namespace
 
@@ -37,8 +38,8 @@ Made SideviewProjection::make(LevelsFile file, double dimensionX, double dimensi
 SideviewProjection::SideviewProjection(LevelsFile file, double dimensionX, double dimensionY)
     : _file(std::move(file)), _dimensionX(dimensionX), _dimensionY(dimensionY),
       // Absolute values: the axis always points towards growing x (east) and growing y (south).
-      _sine(std::abs(std::sin(_file.bearing * DEG_TO_RAD_CONST))),
-      _cosine(std::abs(std::cos(_file.bearing * DEG_TO_RAD_CONST))) {
+      _sine(std::abs(std::sin(Radians::fromDegrees(_file.bearing).value))),
+      _cosine(std::abs(std::cos(Radians::fromDegrees(_file.bearing).value))) {
     projectBox();
     _mirrored = runsAgainstBearing();
     addUpHeights();
@@ -88,7 +89,7 @@ void SideviewProjection::addUpHeights() {
 // Whether the box's diagonal, from the minimum to the maximum corner, runs against the bearing. The reduced
 // angles are compared without wrapping round at 180 degrees: due south must arrive here as exactly 180.
 bool SideviewProjection::runsAgainstBearing() const {
-    const double diagonal = std::remainder(_bearingToTarget / DEG_TO_RAD_CONST, 360.0);
+    const double diagonal = std::remainder(_bearingToTarget.degrees(), 360.0);
     const double bearing = std::remainder(_file.bearing, 360.0);
     const double difference = std::abs(diagonal - bearing);
     return bearing < 180.0 ? difference > 90.0 : difference < 90.0;
@@ -113,7 +114,7 @@ std::string SideviewProjection::faultOfBox() const {
     }
     // A map point is at most 4 cm: a smaller extent is only what rounding left of none.
     constexpr double kSmallestExtent = 1e-3;
-    if (!_boxIsFinite || !std::isfinite(_bearingToTarget) || !std::isfinite(_boundsDistance)) {
+    if (!_boxIsFinite || !_bearingToTarget.isFinite() || !std::isfinite(_boundsDistance)) {
         return std::string(kItemBearing) + ", " + kItemWestLongitude + ", " + kItemEastLongitude +
                ": give the box no place on the map";
     }
@@ -200,7 +201,7 @@ CGPoint SideviewProjection::point(CLLocationCoordinate2D coordinate, std::int64_
 CLLocationCoordinate2D SideviewProjection::coordinate(CGPoint point) const {
     const bool left = _file.bowPosition == SideviewBowPosition::left;
     const Coordinate start = left ? _maximumCoordinate : _minimumCoordinate;
-    const double bearing = left ? _bearingToTarget - std::numbers::pi : _bearingToTarget;
+    const Radians bearing = left ? _bearingToTarget - kHalfTurn : _bearingToTarget;
     const double distance = point.x / _dimensionX * _boundsDistance;
     return locationOf(GeoUtils::coordinate(start, bearing, distance));
 }
@@ -303,9 +304,9 @@ SideviewProjection::cameraForSideviewPoint(CGPoint point, const TrelmixMapEngine
     const double currentX = this->point(currentCamera.target(), levelNumber(point)).x;
     const bool back =
         _file.bowPosition == SideviewBowPosition::right ? point.x < currentX : currentX < point.x;
-    double bearing = _file.bearing * DEG_TO_RAD_CONST;
+    Radians bearing = Radians::fromDegrees(_file.bearing);
     if (back) {
-        bearing -= std::numbers::pi;
+        bearing = bearing - kHalfTurn;
     }
     // One metre along the structure is as long in the image as one metre of height.
     const double distance = std::abs(point.x - currentX) / imagePointsPerMeter();

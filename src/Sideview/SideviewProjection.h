@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Geo/GeoTypes.h"
+#include "Geo/Radians.h"
 #include "Sideview/LevelsFile.h"
 
 #include <Trelmix/Platform/CGGeometry.h>
@@ -84,8 +84,8 @@ public:
     Coordinate minimumCoordinate() const { return _minimumCoordinate; }
     double upperProjectionBoundsPoint() const { return _upperBound; }
     Coordinate maximumCoordinate() const { return _maximumCoordinate; }
-    /// From the minimum to the maximum corner, radians in [0, 2 pi), 0 is north.
-    double bearingToTarget() const { return _bearingToTarget; }
+    /// From the minimum to the maximum corner, in [0, 2 pi), 0 is north.
+    Radians bearingToTarget() const { return _bearingToTarget; }
     double projectedPointDimension() const { return _upperBound - _lowerBound; }
     /// From the minimum to the maximum corner, metres.
     double boundsDistance() const { return _boundsDistance; }
@@ -134,7 +134,7 @@ private:
     double _upperBound = 0;
     Coordinate _minimumCoordinate{};
     Coordinate _maximumCoordinate{};
-    double _bearingToTarget = 0;
+    Radians _bearingToTarget;
     double _boundsDistance = 0;
     bool _mirrored = false;
     double _netLevelHeights = 0;

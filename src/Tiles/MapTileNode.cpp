@@ -16,11 +16,16 @@ namespace {
 /// Seconds between two checks, however far the camera moves.
 constexpr double kCheckInterval = 1.0;
 constexpr float kZoomThreshold = 0.4F;
+/// Radians.
 constexpr float kAngleThreshold = 0.2F;
 /// Map points of the rounded zoom.
 constexpr double kTargetThreshold = 200.0;
 /// Seconds from the first image that arrives to the clean-up; images arriving meanwhile do not postpone it.
 constexpr double kCleanupDelay = 1.0;
+
+bool isFarFrom(Radians a, Radians b) {
+    return std::abs(static_cast<float>((a - b).value)) >= kAngleThreshold;
+}
 
 } // namespace
 
@@ -166,7 +171,7 @@ void MapTileNode::clearMapData() {
     _lastCheck = {};
 }
 
-void MapTileNode::update(float zoom, float rotation, float viewingAngle) {
+void MapTileNode::update(float zoom, Radians rotation, Radians viewingAngle) {
     applyRenderingOrder();
     if (!attachedMap() || !cameraProjection()) {
         return;
@@ -182,7 +187,7 @@ void MapTileNode::update(float zoom, float rotation, float viewingAngle) {
     checkTilesAtCurrentZoomLevel(need.tiles);
 }
 
-bool MapTileNode::needsToRecalculateTiles(float zoom, float rotation, float viewingAngle) {
+bool MapTileNode::needsToRecalculateTiles(float zoom, Radians rotation, Radians viewingAngle) {
     if (Clock::now() - _lastCheck.timestamp < kCheckInterval) {
         return false;
     }
@@ -198,8 +203,7 @@ bool MapTileNode::needsToRecalculateTiles(float zoom, float rotation, float view
     const double s = std::exp2(static_cast<double>(ZOOMLEVEL_MAX) - std::round(static_cast<double>(zoom)));
     return std::abs(_lastCheck.target->x - target.x) / s > kTargetThreshold ||
            std::abs(_lastCheck.target->y - target.y) / s > kTargetThreshold ||
-           std::abs(rotation - _lastCheck.rotation) >= kAngleThreshold ||
-           std::abs(viewingAngle - _lastCheck.viewingAngle) >= kAngleThreshold;
+           isFarFrom(rotation, _lastCheck.rotation) || isFarFrom(viewingAngle, _lastCheck.viewingAngle);
 }
 
 /// Takes out the nodes of a zoom that are no longer needed or have lost their answer.

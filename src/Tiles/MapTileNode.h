@@ -43,7 +43,7 @@ public:
 
     void clearEverything() override;
     void addToMap(TrelmixMapEngineSceneView& mapSceneView) override;
-    void update(float zoom, float rotation, float viewingAngle) override;
+    void update(float zoom, Radians rotation, Radians viewingAngle) override;
 
     // What TileImages asks and tells.
     std::shared_ptr<MapTileNode> self();
@@ -63,8 +63,8 @@ private:
     struct Check {
         /// Public.
         float zoom = 0;
-        float rotation = -3.4F;
-        float viewingAngle = -1.0F;
+        Radians rotation{-3.4};
+        Radians viewingAngle{-1.0};
         std::optional<WorldMapPoint> target;
         double timestamp = 0;
         /// What it wanted beyond the bounding box: the clean-up waits for it too.
@@ -73,7 +73,7 @@ private:
 
     MapTileNode();
 
-    bool needsToRecalculateTiles(float zoom, float rotation, float viewingAngle);
+    bool needsToRecalculateTiles(float zoom, Radians rotation, Radians viewingAngle);
     void checkTilesAtCurrentZoomLevel(const std::vector<TileIndex>& tiles);
     Nodes takeUnneeded(Level& level, const std::vector<TileIndex>& needed);
     void clearMapData();

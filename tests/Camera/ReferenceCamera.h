@@ -57,7 +57,7 @@ struct ReferenceCamera {
     Real focal, width, height;
 
     explicit ReferenceCamera(const RandomCamera& c) : width(c.size.x), height(c.size.y) {
-        const Real r = c.pose.rotation, v = c.pose.viewingAngle;
+        const Real r = c.pose.rotation.value, v = c.pose.viewingAngle.value;
         right = {std::cos(r), std::sin(r), 0};
         up = {-std::sin(r) * std::cos(v), std::cos(r) * std::cos(v), std::sin(v)};
         forward = {-std::sin(r) * std::sin(v), std::cos(r) * std::sin(v), -std::cos(v)};

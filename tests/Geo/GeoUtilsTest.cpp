@@ -102,7 +102,7 @@ TEST(Sphere, polesAndAntipodesAreNumbers) {
     for (double latitude = -90; latitude <= 90; latitude += 0.37) {
         const Coordinate from{latitude, 12.34};
         const double toThePole = (90 - latitude) * DEG_TO_RAD_CONST * EARTH_RADIUS;
-        ASSERT_NEAR(GeoUtils::coordinate(from, 0, toThePole).lat, 90, 1e-5);
+        ASSERT_NEAR(GeoUtils::coordinate(from, {}, toThePole).lat, 90, 1e-5);
         ASSERT_NEAR(GeoUtils::distanceBetween(from, {-latitude, 12.34 - 180}), pi * EARTH_RADIUS, 1);
     }
 }

@@ -18,8 +18,8 @@ std::unique_ptr<CameraProjection> projectionFor(ScreenPoint size, float zoom, do
                                                 double tilt = 0, Coordinate target = {43.7362, 7.4245}) {
     auto projection = std::make_unique<CameraProjection>(target, size);
     projection->setMapZoom(zoom);
-    projection->setMapRotation(rotation);
-    projection->setMapViewingAngle(tilt);
+    projection->setMapRotation({rotation});
+    projection->setMapViewingAngle({tilt});
     return projection;
 }
 
@@ -46,7 +46,7 @@ void expectEveryVisiblePointCovered(const CameraProjection& projection, const Ti
                 ASSERT_TRUE(tiles.contains(tileAt(p, zoom)))
                     << "screen column " << i << " of 40, row " << j << " of 30, view " << size.x << " x "
                     << size.y << ", zoom " << projection.mapZoom() << ", rotation "
-                    << projection.mapRotation() << ", tilt " << projection.mapViewingAngle();
+                    << projection.mapRotation().value << ", tilt " << projection.mapViewingAngle().value;
             }
         }
     }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Geo/GeoTypes.h"
+
+#include <cmath>
+
+namespace trelmix {
+
+/// An angle inside the engine. Degrees stand only at the public edge, in files, and in coordinates.
+struct Radians {
+    double value = 0;
+
+    static constexpr Radians fromDegrees(double degrees) { return {degrees * DEG_TO_RAD_CONST}; }
+    constexpr double degrees() const { return value / DEG_TO_RAD_CONST; }
+    /// To single precision, in which cameras and markers are given.
+    constexpr Radians narrowed() const { return {static_cast<double>(static_cast<float>(value))}; }
+    bool isFinite() const { return std::isfinite(value); }
+
+    constexpr Radians operator-() const { return {-value}; }
+    friend constexpr Radians operator+(Radians a, Radians b) { return {a.value + b.value}; }
+    friend constexpr Radians operator-(Radians a, Radians b) { return {a.value - b.value}; }
+    friend constexpr auto operator<=>(const Radians&, const Radians&) = default;
+};
+
+/// The direction of `goal`, its whole turns taken off, at most half a turn from a `current` within one turn.
+Radians shortestTurn(Radians goal, Radians current);
+
+} // namespace trelmix
