@@ -27,7 +27,7 @@ void ViewTreeState::add(const UIView& view) {
         _images.push_back(image->image());
     }
     if (const auto* sideview = dynamic_cast<const SideviewScrollView*>(&view)) {
-        _numbers.push_back(sideview->navigationPathRevision());
+        _numbers.push_back(sideview->overlays().pathRevision());
     }
     _numbers.push_back(static_cast<double>(view.subviews().size()));
     for (const std::shared_ptr<UIView>& child : view.subviews()) {

@@ -1,4 +1,4 @@
-// Taps and drags on the side view, and the mode in which a drag moves the map instead of the picture.
+#include "Sideview/SideviewGestures.h"
 
 #include "Platform/Foundation/SceneLock.h"
 #include "Platform/View/UILongPressGestureRecognizer.h"
@@ -17,78 +17,84 @@ bool isActive(const UIGestureRecognizer& recogniser) {
 
 } // namespace
 
-void SideviewScrollView::setupGestureRecognisers() {
-    const auto tap = std::make_shared<UITapGestureRecognizer>();
-    const auto longPress = std::make_shared<UILongPressGestureRecognizer>();
-    addRecogniser(tap, &SideviewScrollView::tapOnSideview);
-    addRecogniser(longPress, &SideviewScrollView::longPressOnSideview);
-    longPress->requireGestureRecognizerToFail(tap);
-    addRecogniser(std::make_shared<UIPanGestureRecognizer>(), &SideviewScrollView::dragRecogniser);
+void SideviewGestures::setup() {
+    const auto tapping = std::make_shared<UITapGestureRecognizer>();
+    const auto pressing = std::make_shared<UILongPressGestureRecognizer>();
+    add(tapping, &SideviewGestures::tap);
+    add(pressing, &SideviewGestures::longPress);
+    pressing->requireGestureRecognizerToFail(tapping);
+    add(std::make_shared<UIPanGestureRecognizer>(), &SideviewGestures::drag);
 }
 
-void SideviewScrollView::addRecogniser(const std::shared_ptr<UIGestureRecognizer>& recogniser,
-                                       GestureAction action) {
+void SideviewGestures::add(const std::shared_ptr<UIGestureRecognizer>& recogniser, Handler handler) {
     // What a removed hierarchy still reports is no longer about what shows.
-    recogniser->addTarget([weak = std::weak_ptr(self()), hierarchy = std::weak_ptr(_scrollView),
-                           action](UIGestureRecognizer& sender) {
+    recogniser->addTarget([weak = std::weak_ptr(_sideview.self()),
+                           hierarchy = std::weak_ptr(_sideview.scrollView()),
+                           handler](UIGestureRecognizer& sender) {
         const auto sideview = weak.lock();
-        if (sideview && sideview->_scrollView && sideview->_scrollView == hierarchy.lock()) {
-            ((*sideview).*action)(sender);
+        if (sideview && sideview->scrollView() && sideview->scrollView() == hierarchy.lock()) {
+            (sideview->gestures().*handler)(sender);
         }
     });
-    recogniser->setDelegate(self());
-    _scrollView->addGestureRecognizer(recogniser);
+    recogniser->setDelegate(_sideview.self());
+    _sideview.scrollView()->addGestureRecognizer(recogniser);
 }
 
-bool SideviewScrollView::canMoveCamera() const {
-    return _projection && _mapEngine && _mapEngine->camera() && _mapEngine->projection();
+bool SideviewGestures::isDraggingCamera() const {
+    return _sideview.enableZooming() && !_sideview.scrollView()->isScrollEnabled();
 }
 
-void SideviewScrollView::moveCameraTo(CGPoint imagePoint, bool animated) {
-    const std::shared_ptr<TrelmixMapEngine> engine = _mapEngine;
-    if (const auto camera = _projection->cameraForSideviewPoint(imagePoint, *engine->camera())) {
+bool SideviewGestures::canMoveCamera() const {
+    const auto& engine = _sideview.mapEngine();
+    return _sideview.projection() && engine && engine->camera() && engine->projection();
+}
+
+void SideviewGestures::moveCameraTo(CGPoint imagePoint, bool animated) {
+    const std::shared_ptr<TrelmixMapEngine> engine = _sideview.mapEngine();
+    if (const auto camera = _sideview.projection()->cameraForSideviewPoint(imagePoint, *engine->camera())) {
         callOut([&] { engine->setCamera(camera, animated); });
     }
 }
 
 template <class Report>
-void SideviewScrollView::reportAndMove(UIGestureRecognizer& recogniser, Report report, bool animated) {
+void SideviewGestures::reportAndMove(UIGestureRecognizer& recogniser, Report report, bool animated) {
     if (!canMoveCamera()) {
         return;
     }
-    const auto hierarchy = _scrollView;
-    if (const auto delegate = _delegate.lock()) {
+    const auto hierarchy = _sideview.scrollView();
+    if (const auto delegate = _sideview.delegate()) {
         callOut([&] { report(*delegate); });
     }
     // The application may have connected another engine meanwhile, or set everything up anew.
-    if (hierarchy == _scrollView && canMoveCamera()) {
-        moveCameraTo(recogniser.locationInView(_imageView), animated);
+    if (hierarchy == _sideview.scrollView() && canMoveCamera()) {
+        moveCameraTo(recogniser.locationInView(_sideview.sideviewImageView()), animated);
     }
 }
 
-void SideviewScrollView::tapOnSideview(UIGestureRecognizer& recogniser) {
+void SideviewGestures::tap(UIGestureRecognizer& recogniser) {
     if (recogniser.state() == UIGestureRecognizerState::ended && !isDraggingCamera()) {
         reportAndMove(
             recogniser, [](TMXSideviewScrollViewDelegate& d) { d.sideViewDidReceiveTap(); }, true);
     }
 }
 
-void SideviewScrollView::longPressOnSideview(UIGestureRecognizer& recogniser) {
-    if (_enableZooming && _scrollView->isScrollEnabled() && isActive(recogniser)) {
-        _scrollView->setScrollEnabled(false);
+void SideviewGestures::longPress(UIGestureRecognizer& recogniser) {
+    UIScrollView& scrollView = *_sideview.scrollView();
+    if (_sideview.enableZooming() && scrollView.isScrollEnabled() && isActive(recogniser)) {
+        scrollView.setScrollEnabled(false);
     }
 }
 
-void SideviewScrollView::dragRecogniser(UIGestureRecognizer& recogniser) {
-    if (_enableZooming && _scrollView->isScrollEnabled()) {
+void SideviewGestures::drag(UIGestureRecognizer& recogniser) {
+    if (_sideview.enableZooming() && _sideview.scrollView()->isScrollEnabled()) {
         return;
     }
     if (isActive(recogniser)) {
         reportAndMove(
             recogniser, [](TMXSideviewScrollViewDelegate& d) { d.sideViewDidScroll(); }, false);
-    } else if (_enableZooming) {
+    } else if (_sideview.enableZooming()) {
         // However the drag came to its end, and whether or not it moved anything: the mode ends with it.
-        _scrollView->setScrollEnabled(true);
+        _sideview.scrollView()->setScrollEnabled(true);
     }
 }
 

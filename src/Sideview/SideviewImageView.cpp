@@ -25,14 +25,14 @@ void SideviewImageView::draw(Canvas& canvas) const {
 
 void SideviewImageView::strokePath(Canvas& canvas) const {
     const auto parent = _parent.lock();
-    if (parent && parent->navigationPath()) {
-        canvas.strokePath(*parent->navigationPath(), parent->navigationPathColor());
+    if (parent && parent->overlays().path()) {
+        canvas.strokePath(*parent->overlays().path(), parent->overlays().pathColor());
     }
 }
 
 std::shared_ptr<const UIImage> SideviewImageView::createImage() const {
     const auto parent = _parent.lock();
-    if (!parent || !parent->navigationPath() || parent->navigationPath()->isEmpty()) {
+    if (!parent || !parent->overlays().path() || parent->overlays().path()->isEmpty()) {
         return _originalImage;
     }
     Canvas canvas(*_originalImage);

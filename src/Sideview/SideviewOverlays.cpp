@@ -1,7 +1,4 @@
-// What stands on the side view's bitmap: the user's position, the markers and the path.
-
-#include "Platform/Foundation/MainEntry.h"
-#include "Sideview/SideviewScrollView.h"
+#include "Sideview/SideviewOverlays.h"
 
 #include <cmath>
 #include <utility>
@@ -22,8 +19,31 @@ std::optional<std::int64_t> levelOf(const CLLocation& location) {
 
 } // namespace
 
-std::optional<CGPoint> SideviewScrollView::imagePoint(CLLocationCoordinate2D coordinate,
-                                                      std::int64_t levelNumber) const {
+void SideviewOverlays::startOn(std::shared_ptr<UIScrollView> scrollView, std::shared_ptr<UIView> imageView,
+                               std::shared_ptr<const SideviewProjection> projection) {
+    _scrollView = std::move(scrollView);
+    _imageView = std::move(imageView);
+    _projection = std::move(projection);
+}
+
+void SideviewOverlays::clear() {
+    startOn(nullptr, nullptr, nullptr);
+    _userPositionMarker.reset();
+    _markers.clear();
+    _path.reset();
+    ++_pathRevision;
+}
+
+void SideviewOverlays::followZoom() {
+    if (_path) {
+        _path->setLineWidth(_pathWidth / _scrollView->zoomScale());
+    }
+    updateUserPositionIcon();
+    updateMarkers();
+}
+
+std::optional<CGPoint> SideviewOverlays::imagePoint(CLLocationCoordinate2D coordinate,
+                                                    std::int64_t levelNumber) const {
     const CGPoint point = _projection->point(coordinate, levelNumber);
     if (!std::isfinite(point.x) || !std::isfinite(point.y)) {
         return std::nullopt;
@@ -31,28 +51,25 @@ std::optional<CGPoint> SideviewScrollView::imagePoint(CLLocationCoordinate2D coo
     return point;
 }
 
-CGRect SideviewScrollView::iconFrame(CGSize iconSize, CGPoint centre) const {
+CGRect SideviewOverlays::iconFrame(CGSize iconSize, CGPoint centre) const {
     const double zoom = _scrollView->zoomScale();
     const CGSize size{iconSize.width / zoom, iconSize.height / zoom};
     return {{centre.x - size.width * 0.5, centre.y - size.height * 0.5}, size};
 }
 
-std::shared_ptr<UIImageView> SideviewScrollView::addIconView() {
+std::shared_ptr<UIImageView> SideviewOverlays::addIconView() {
     auto added = UIImageView::make(CGRect{});
     _imageView->addSubview(added);
     return added;
 }
 
-void SideviewScrollView::setUserPositionIcon(std::shared_ptr<const UIImage> icon) {
-    if (const MainEntry entry{"setUserPositionIcon"}) {
-        _userPositionIcon = std::move(icon);
-        updateUserPositionIcon();
-    }
+void SideviewOverlays::setUserPositionIcon(std::shared_ptr<const UIImage> icon) {
+    _userPositionIcon = std::move(icon);
+    updateUserPositionIcon();
 }
 
-void SideviewScrollView::updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) {
-    const MainEntry entry{"updateUserPosition"};
-    if (!entry || !_projection || !CLLocationCoordinate2DIsValid(coordinate)) {
+void SideviewOverlays::updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) {
+    if (!_projection || !CLLocationCoordinate2DIsValid(coordinate)) {
         return;
     }
     if (const auto point = imagePoint(coordinate, levelNumber)) {
@@ -64,7 +81,7 @@ void SideviewScrollView::updateUserPosition(CLLocationCoordinate2D coordinate, s
     }
 }
 
-void SideviewScrollView::updateUserPositionIcon() {
+void SideviewOverlays::updateUserPositionIcon() {
     if (_userPositionMarker) {
         _userPositionMarker->setImage(_userPositionIcon);
         if (_userPositionIcon) {
@@ -73,14 +90,13 @@ void SideviewScrollView::updateUserPositionIcon() {
     }
 }
 
-void SideviewScrollView::removeUserPosition() {
-    const MainEntry entry{"removeUserPosition"};
-    if (entry && _userPositionMarker) {
+void SideviewOverlays::removeUserPosition() {
+    if (_userPositionMarker) {
         std::exchange(_userPositionMarker, nullptr)->removeFromSuperview();
     }
 }
 
-SideviewMarker& SideviewScrollView::markerNamed(const std::string& identifier) {
+SideviewMarker& SideviewOverlays::markerNamed(const std::string& identifier) {
     const auto [place, isNew] = _markers.try_emplace(identifier);
     if (isNew) {
         place->second.identifier = identifier;
@@ -89,30 +105,26 @@ SideviewMarker& SideviewScrollView::markerNamed(const std::string& identifier) {
     return place->second;
 }
 
-void SideviewScrollView::updateSideviewMarkerWithIdentifier(const std::string& identifier,
-                                                            std::shared_ptr<const UIImage> icon) {
-    const MainEntry entry{"updateSideviewMarkerWithIdentifier"};
-    if (entry && _imageView) {
+void SideviewOverlays::updateMarker(const std::string& identifier, std::shared_ptr<const UIImage> icon) {
+    if (_imageView) {
         markerNamed(identifier).icon = std::move(icon);
-        updateSideviewMarkers();
+        updateMarkers();
     }
 }
 
-void SideviewScrollView::updateSideviewMarkerWithIdentifier(const std::string& identifier,
-                                                            CLLocationCoordinate2D coordinate,
-                                                            std::int64_t levelNumber) {
-    const MainEntry entry{"updateSideviewMarkerWithIdentifier"};
-    if (!entry || !_projection) {
+void SideviewOverlays::updateMarker(const std::string& identifier, CLLocationCoordinate2D coordinate,
+                                    std::int64_t levelNumber) {
+    if (!_projection) {
         return;
     }
     SideviewMarker& marker = markerNamed(identifier);
     if (const auto point = imagePoint(coordinate, levelNumber)) {
         marker.position = point;
     }
-    updateSideviewMarkers();
+    updateMarkers();
 }
 
-void SideviewScrollView::updateSideviewMarkers() {
+void SideviewOverlays::updateMarkers() {
     for (const auto& [identifier, marker] : _markers) {
         if (marker.position) {
             marker.imageView->setImage(marker.icon);
@@ -123,22 +135,18 @@ void SideviewScrollView::updateSideviewMarkers() {
     }
 }
 
-void SideviewScrollView::removeSideviewMarkerWithIdentifier(const std::string& identifier) {
-    if (const MainEntry entry{"removeSideviewMarkerWithIdentifier"}) {
-        if (const auto removed = _markers.extract(identifier)) {
-            removed.mapped().imageView->removeFromSuperview();
-        }
+void SideviewOverlays::removeMarker(const std::string& identifier) {
+    if (const auto removed = _markers.extract(identifier)) {
+        removed.mapped().imageView->removeFromSuperview();
     }
 }
 
-void SideviewScrollView::drawNavigationPath(const std::vector<CLLocation>& path, UIColor color,
-                                            double width) {
-    const MainEntry entry{"drawNavigationPath"};
-    if (!entry || !_projection) {
+void SideviewOverlays::drawPath(const std::vector<CLLocation>& path, UIColor color, double width) {
+    if (!_projection) {
         return;
     }
-    _navigationPathColor = color;
-    _navigationPathWidth = width;
+    _pathColor = color;
+    _pathWidth = width;
     UIBezierPath drawn;
     drawn.setLineWidth(width / _scrollView->zoomScale());
     for (const CLLocation& location : path) {
@@ -147,8 +155,8 @@ void SideviewScrollView::drawNavigationPath(const std::vector<CLLocation>& path,
             drawn.addLineToPoint(_projection->point(location.coordinate(), *level));
         }
     }
-    _navigationPath = std::move(drawn);
-    ++_navigationPathRevision;
+    _path = std::move(drawn);
+    ++_pathRevision;
 }
 
 } // namespace trelmix

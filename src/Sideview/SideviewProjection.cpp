@@ -19,6 +19,8 @@ constexpr Radians kHalfTurn{std::numbers::pi};
 
 } // namespace
 
+TMXSideviewProjection::~TMXSideviewProjection() = default;
+
 Made SideviewProjection::make(const std::string& path, double dimensionX, double dimensionY) {
     Result<LevelsFile> file = readLevelsFile(path);
     if (!file) {

@@ -12,15 +12,6 @@ namespace trelmix {
 
 namespace {
 
-constexpr double kFootprintAlpha = 0.4;
-// Image points.
-constexpr CGRect kInitialPositionStrip{{0, 2}, {0, 15}};
-
-bool isFinite(const CGRect& rect) {
-    return std::isfinite(rect.origin.x) && std::isfinite(rect.origin.y) && std::isfinite(rect.size.width) &&
-           std::isfinite(rect.size.height);
-}
-
 void pin(ViewNode& superview, const char* format, const LayoutConstraint::Metrics& metrics,
          const LayoutConstraint::Views& views) {
     if (auto constraints = LayoutConstraint::constraintsWithVisualFormat(format, metrics, views)) {
@@ -28,18 +19,10 @@ void pin(ViewNode& superview, const char* format, const LayoutConstraint::Metric
     }
 }
 
-std::shared_ptr<UIView> addTintedView(UIView& superview, CGRect frame, UIColor color) {
-    auto added = UIView::make(frame);
-    added->setBackgroundColor(color.colorWithAlphaComponent(kFootprintAlpha));
-    superview.addSubview(added);
-    return added;
-}
-
 } // namespace
 
 TMXSideviewScrollViewDelegate::~TMXSideviewScrollViewDelegate() = default;
 TMXSideviewScrollView::~TMXSideviewScrollView() = default;
-TMXSideviewProjection::~TMXSideviewProjection() = default;
 
 std::shared_ptr<TMXSideviewScrollView> TMXSideviewScrollView::make(CGRect frame) {
     return SideviewScrollView::make(frame);
@@ -111,10 +94,11 @@ void SideviewScrollView::setupSideviewWith(std::shared_ptr<const UIImage> image,
     addScrollView();
     addImageView(image);
     fitToWidth(image->size());
-    addRectangles();
+    _footprint.addTo(*_imageView);
+    _overlays.startOn(_scrollView, _imageView, _projection);
     layoutIfNeeded();
     mapViewIdle();
-    setupGestureRecognisers();
+    _gestures.setup();
 }
 
 void SideviewScrollView::removeHierarchy() {
@@ -123,12 +107,8 @@ void SideviewScrollView::removeHierarchy() {
     }
     _scrollView.reset();
     _imageView.reset();
-    _cameraRectangle.reset();
-    _positionRectangle.reset();
-    _userPositionMarker.reset();
-    _markers.clear();
-    _navigationPath.reset();
-    ++_navigationPathRevision;
+    _footprint.clear();
+    _overlays.clear();
 }
 
 void SideviewScrollView::addScrollView() {
@@ -161,11 +141,6 @@ void SideviewScrollView::fitToWidth(CGSize imageSize) {
     _scrollView->setZoomScale(_scrollView->minimumZoomScale(), false);
 }
 
-void SideviewScrollView::addRectangles() {
-    _cameraRectangle = addTintedView(*_imageView, {}, UIColor::redColor());
-    _positionRectangle = addTintedView(*_imageView, kInitialPositionStrip, UIColor::blueColor());
-}
-
 void SideviewScrollView::setDisplayedLevel(std::int64_t level, std::shared_ptr<TrelmixMapEngine> engine) {
     if (const MainEntry entry{"setDisplayedLevel"}) {
         _levelNumber = level;
@@ -184,25 +159,9 @@ void SideviewScrollView::mapViewIdle() {
     if (!entry || !_projection || !_mapEngine) {
         return;
     }
-    const std::shared_ptr<TrelmixMapProjection> map = _mapEngine->projection();
-    if (!map) {
-        return;
+    if (const std::shared_ptr<TrelmixMapProjection> map = _mapEngine->projection()) {
+        _footprint.follow(*map, *_projection, _levelNumber);
     }
-    const std::int64_t level = shouldCameraRectangleBeVisible() ? _levelNumber : kInvalidLevel;
-    const CGRect footprint = _projection->cameraBoundingRectangle(*map, level);
-    if (!isFinite(footprint)) {
-        return;
-    }
-    _cameraRectangle->setFrame(footprint);
-    CGRect strip = _positionRectangle->frame();
-    strip.origin.x = footprint.origin.x;
-    strip.size.width = footprint.size.width;
-    _positionRectangle->setFrame(strip);
-}
-
-bool SideviewScrollView::shouldCameraRectangleBeVisible() const {
-    return !_cameraRectangle->isHidden() &&
-           _cameraRectangle->backgroundColor().value_or(UIColor::blackColor()).alpha > 0;
 }
 
 std::vector<std::int64_t> SideviewScrollView::levelNumbers() const {
@@ -221,6 +180,52 @@ std::optional<std::int64_t> SideviewScrollView::levelAt(CGPoint point) const {
     return _projection ? _projection->levelAt(convertPointToView(point, _imageView)) : std::nullopt;
 }
 
+void SideviewScrollView::setUserPositionIcon(std::shared_ptr<const UIImage> icon) {
+    if (const MainEntry entry{"setUserPositionIcon"}) {
+        _overlays.setUserPositionIcon(std::move(icon));
+    }
+}
+
+void SideviewScrollView::updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) {
+    if (const MainEntry entry{"updateUserPosition"}) {
+        _overlays.updateUserPosition(coordinate, levelNumber);
+    }
+}
+
+void SideviewScrollView::removeUserPosition() {
+    if (const MainEntry entry{"removeUserPosition"}) {
+        _overlays.removeUserPosition();
+    }
+}
+
+void SideviewScrollView::updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                                            std::shared_ptr<const UIImage> icon) {
+    if (const MainEntry entry{"updateSideviewMarkerWithIdentifier"}) {
+        _overlays.updateMarker(identifier, std::move(icon));
+    }
+}
+
+void SideviewScrollView::updateSideviewMarkerWithIdentifier(const std::string& identifier,
+                                                            CLLocationCoordinate2D coordinate,
+                                                            std::int64_t levelNumber) {
+    if (const MainEntry entry{"updateSideviewMarkerWithIdentifier"}) {
+        _overlays.updateMarker(identifier, coordinate, levelNumber);
+    }
+}
+
+void SideviewScrollView::removeSideviewMarkerWithIdentifier(const std::string& identifier) {
+    if (const MainEntry entry{"removeSideviewMarkerWithIdentifier"}) {
+        _overlays.removeMarker(identifier);
+    }
+}
+
+void SideviewScrollView::drawNavigationPath(const std::vector<CLLocation>& path, UIColor color,
+                                            double width) {
+    if (const MainEntry entry{"drawNavigationPath"}) {
+        _overlays.drawPath(path, color, width);
+    }
+}
+
 void SideviewScrollView::zoomBy(double factor, CGPoint point) {
     if (!_scrollView || !std::isfinite(point.x) || !std::isfinite(point.y)) {
         return;
@@ -234,10 +239,10 @@ void SideviewScrollView::zoomBy(double factor, CGPoint point) {
 }
 
 void SideviewScrollView::revealDisplayedLevel() {
-    if (!_scrollView || !_cameraRectangle || !(_cameraRectangle->frame().size.height > 0)) {
+    if (!_scrollView || !(_footprint.cameraRectangle()->frame().size.height > 0)) {
         return;
     }
-    const CGRect footprint = _cameraRectangle->frame();
+    const CGRect footprint = _footprint.cameraRectangle()->frame();
     const double zoom = _scrollView->zoomScale();
     const double top = footprint.origin.y * zoom;
     const double bottom = top + footprint.size.height * zoom;
@@ -253,11 +258,7 @@ std::shared_ptr<UIView> SideviewScrollView::viewForZoomingInScrollView(UIScrollV
 }
 
 void SideviewScrollView::scrollViewDidZoom(UIScrollView&) {
-    if (_navigationPath) {
-        _navigationPath->setLineWidth(_navigationPathWidth / _scrollView->zoomScale());
-    }
-    updateUserPositionIcon();
-    updateSideviewMarkers();
+    _overlays.followZoom();
 }
 
 } // namespace trelmix

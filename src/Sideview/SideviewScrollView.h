@@ -1,26 +1,26 @@
 #pragma once
 
-#include "Platform/Graphics/UIBezierPath.h"
-#include "Platform/View/UIGestureRecognizer.h"
 #include "Platform/View/UIScrollView.h"
 #include "Platform/View/ViewNode.h"
+#include "Sideview/SideviewFootprint.h"
+#include "Sideview/SideviewGestures.h"
 #include "Sideview/SideviewImageView.h"
-#include "Sideview/SideviewMarker.h"
+#include "Sideview/SideviewOverlays.h"
 #include "Sideview/SideviewProjection.h"
 
 #include <Trelmix/TMXSideviewScrollView.h>
 #include <Trelmix/TMXSideviewScrollViewDelegate.h>
 #include <Trelmix/TrelmixMapEngine.h>
 
-#include <map>
-
 namespace trelmix {
 
 /// The side view: a scroll view that holds the bitmap, which in turn holds the camera's footprint, the strip
 /// and the icons, in the order in which they came.
 ///
-/// There is no hierarchy before the set-up and no projection after one that failed. Scrolling that is off
-/// while zooming is enabled means that a long press has started a camera drag.
+/// There is no hierarchy before the set-up and no projection after one that failed.
+///
+/// Long by the interface, whose every entry stands here and is forwarded; what it does itself is the
+/// hierarchy.
 class SideviewScrollView final : public ViewNode,
                                  public TMXSideviewScrollView,
                                  public UIScrollViewDelegate,
@@ -47,11 +47,12 @@ public:
     std::shared_ptr<const TMXSideviewProjection> sideviewProjection() const override { return _projection; }
     std::vector<std::int64_t> levelNumbers() const override;
     std::optional<std::int64_t> levelAt(CGPoint point) const override;
-    std::shared_ptr<UIView> sideviewCameraRectangle() const override { return _cameraRectangle; }
-    std::shared_ptr<UIView> sideviewPositionRectangle() const override { return _positionRectangle; }
+    std::shared_ptr<UIView> sideviewCameraRectangle() const override { return _footprint.cameraRectangle(); }
+    std::shared_ptr<UIView> sideviewPositionRectangle() const override {
+        return _footprint.positionRectangle();
+    }
 
-    // Overlays (SideviewOverlays.cpp)
-    std::shared_ptr<const UIImage> userPositionIcon() const override { return _userPositionIcon; }
+    std::shared_ptr<const UIImage> userPositionIcon() const override { return _overlays.userPositionIcon(); }
     void setUserPositionIcon(std::shared_ptr<const UIImage> icon) override;
     void updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) override;
     void removeUserPosition() override;
@@ -61,12 +62,13 @@ public:
                                             std::int64_t levelNumber) override;
     void removeSideviewMarkerWithIdentifier(const std::string& identifier) override;
     void drawNavigationPath(const std::vector<CLLocation>& path, UIColor color, double width) override;
-    /// Image points, as wide as it is on screen now; null without one.
-    const UIBezierPath* navigationPath() const { return _navigationPath ? &*_navigationPath : nullptr; }
-    UIColor navigationPathColor() const { return _navigationPathColor; }
-    /// Another number for every path.
-    int navigationPathRevision() const { return _navigationPathRevision; }
 
+    // For its parts and its host.
+    std::shared_ptr<SideviewScrollView> self();
+    const SideviewOverlays& overlays() const { return _overlays; }
+    SideviewGestures& gestures() { return _gestures; }
+    const std::shared_ptr<const SideviewProjection>& projection() const { return _projection; }
+    const std::shared_ptr<TrelmixMapEngine>& mapEngine() const { return _mapEngine; }
     /// Empty before the set-up.
     const std::shared_ptr<UIScrollView>& scrollView() const { return _scrollView; }
     const std::shared_ptr<SideviewImageView>& sideviewImageView() const { return _imageView; }
@@ -84,35 +86,11 @@ public:
 
 private:
     explicit SideviewScrollView(CGRect frame) : ViewNode(frame) {}
-    std::shared_ptr<SideviewScrollView> self();
     void removeHierarchy();
     void addScrollView();
     void addImageView(const std::shared_ptr<const UIImage>& image);
     void fitToWidth(CGSize imageSize);
-    void addRectangles();
     void applyEnableZooming();
-    bool shouldCameraRectangleBeVisible() const;
-
-    // Gestures (SideviewGestures.cpp)
-    using GestureAction = void (SideviewScrollView::*)(UIGestureRecognizer&);
-    void setupGestureRecognisers();
-    void addRecogniser(const std::shared_ptr<UIGestureRecognizer>& recogniser, GestureAction action);
-    void tapOnSideview(UIGestureRecognizer& recogniser);
-    void longPressOnSideview(UIGestureRecognizer& recogniser);
-    void dragRecogniser(UIGestureRecognizer& recogniser);
-    bool isDraggingCamera() const { return _enableZooming && !_scrollView->isScrollEnabled(); }
-    bool canMoveCamera() const;
-    void moveCameraTo(CGPoint imagePoint, bool animated);
-    template <class Report>
-    void reportAndMove(UIGestureRecognizer& recogniser, Report report, bool animated);
-
-    // Overlays
-    CGRect iconFrame(CGSize iconSize, CGPoint centre) const;
-    std::optional<CGPoint> imagePoint(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) const;
-    std::shared_ptr<UIImageView> addIconView();
-    void updateUserPositionIcon();
-    void updateSideviewMarkers();
-    SideviewMarker& markerNamed(const std::string& identifier);
 
     std::weak_ptr<TMXSideviewScrollViewDelegate> _delegate;
     std::shared_ptr<TrelmixMapEngine> _mapEngine;
@@ -121,17 +99,10 @@ private:
     std::string _setupFailure;
     std::shared_ptr<UIScrollView> _scrollView;
     std::shared_ptr<SideviewImageView> _imageView;
-    std::shared_ptr<UIView> _cameraRectangle;
-    std::shared_ptr<UIView> _positionRectangle;
     bool _enableZooming = true;
-    std::shared_ptr<const UIImage> _userPositionIcon;
-    std::shared_ptr<UIImageView> _userPositionMarker;
-    CGPoint _userPosition;
-    std::map<std::string, SideviewMarker> _markers;
-    std::optional<UIBezierPath> _navigationPath;
-    UIColor _navigationPathColor;
-    double _navigationPathWidth = 0;
-    int _navigationPathRevision = 0;
+    SideviewFootprint _footprint;
+    SideviewOverlays _overlays;
+    SideviewGestures _gestures{*this};
 };
 
 } // namespace trelmix

@@ -106,7 +106,7 @@ TEST_F(SideviewPicture, thePathLiesOnTheBitmapAndUnderEverythingElse) {
     const std::vector<CLLocation> path{CLLocation({kLatitude, longitudeAt(0)}, 0),
                                        CLLocation({kLatitude, longitudeAt(1500)}, 0)};
     sideview->drawNavigationPath(path, UIColor::blackColor(), 4);
-    EXPECT_EQ(sideview->navigationPath()->lineWidth(), 16);
+    EXPECT_EQ(sideview->overlays().path()->lineWidth(), 16);
     sideview->setUserPositionIcon(plainImage(20, 20, {0, 255, 0, 255}));
     sideview->updateUserPosition({kLatitude, longitudeAt(400)}, 0);
     compose();
@@ -142,7 +142,7 @@ TEST_F(SideviewPicture, aPathLeavesOutWhatHasNoPlace) {
     path.emplace_back(here, 1.9);
     path.emplace_back(here, 5);
     sideview->drawNavigationPath(path, UIColor{kNaN, 7, -1, 1}, 4);
-    const auto& elements = sideview->navigationPath()->elements();
+    const auto& elements = sideview->overlays().path()->elements();
     ASSERT_EQ(elements.size(), 3U);
     EXPECT_NEAR(elements[0].point.y, kMiddle[0], 1e-9);
     EXPECT_NEAR(elements[1].point.y, kMiddle[1], 1e-9);

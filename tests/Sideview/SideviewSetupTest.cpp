@@ -115,7 +115,7 @@ TEST_F(SideviewSetup, aSecondSetupReplacesTheFirstWholly) {
     setUp();
     EXPECT_EQ(viewCount(*sideview), count);
     EXPECT_TRUE(oldScroll.expired());
-    EXPECT_EQ(sideview->navigationPath(), nullptr);
+    EXPECT_EQ(sideview->overlays().path(), nullptr);
     EXPECT_EQ(sideview->scrollView()->zoomScale(), 0.25);
     EXPECT_GT(sideview->sideviewCameraRectangle()->frame().size.width, 0) << "the engine is still there";
     sideview->updateSideviewMarkerWithIdentifier("b", plainImage(4, 4));
