@@ -100,8 +100,8 @@ struct Fixture {
         auto camera = std::make_shared<CameraProjection>(kOrigin, kSize);
         camera->setCameraTarget(GeoUtils::scenePoint(kTarget), kTarget);
         camera->setInternalZoom(kInternalZoom);
-        camera->setMapRotation(kRotation);
-        camera->setMapViewingAngle(kTilt);
+        camera->setMapRotation({kRotation});
+        camera->setMapViewingAngle({kTilt});
         projection = camera;
         std::mt19937_64 random(1);
         std::uniform_real_distribution<double> x(0, kSize.x), y(0, kSize.y);

@@ -57,7 +57,7 @@ class Stage : public UIGestureRecognizerDelegate,
               public UIScrollViewDelegate,
               public std::enable_shared_from_this<Stage> {
 public:
-    Stage(Bytes& bytes) : bytes(bytes) {}
+    Stage(Bytes& bytes) : _bytes(bytes) {}
 
     void build() {
         root->addSubview(scroll);
@@ -72,7 +72,7 @@ public:
     }
     bool gestureRecognizerShouldRecognizeSimultaneouslyWith(UIGestureRecognizer&,
                                                             UIGestureRecognizer&) override {
-        return (answers = answers * 5 + 3) & 4;
+        return (_answers = _answers * 5 + 3) & 4;
     }
     std::shared_ptr<UIView> viewForZoomingInScrollView(UIScrollView&) override { return content; }
 
@@ -90,7 +90,7 @@ private:
         doubleTap->setNumberOfTapsRequired(2);
         tap->requireGestureRecognizerToFail(doubleTap);
         tap->requireGestureRecognizerToFail(press);
-        press->requireGestureRecognizerToFail(bytes.next() & 1 ? tap : doubleTap);
+        press->requireGestureRecognizerToFail(_bytes.next() & 1 ? tap : doubleTap);
         const std::shared_ptr<UIGestureRecognizer> added[] = {std::make_shared<UIPinchGestureRecognizer>(),
                                                               std::make_shared<UIRotationGestureRecognizer>(),
                                                               std::make_shared<UIPanGestureRecognizer>(),
@@ -116,11 +116,11 @@ private:
             (pan && !std::isfinite(pan->velocity(root).x + pan->translation(content).y))) {
             std::abort();
         }
-        const std::uint8_t what = bytes.next();
+        const std::uint8_t what = _bytes.next();
         if (what == 250) {
             sender.setIsEnabled(false);
         } else if (what == 251) {
-            recognizers[bytes.next() % recognizers.size()]->setIsEnabled(bytes.next() & 1);
+            recognizers[_bytes.next() % recognizers.size()]->setIsEnabled(_bytes.next() & 1);
         } else if (what == 252) {
             scroll->removeFromSuperview();
         } else if (what == 253) {
@@ -132,8 +132,8 @@ private:
         }
     }
 
-    Bytes& bytes;
-    unsigned answers = 0;
+    Bytes& _bytes;
+    unsigned _answers = 0;
 };
 
 void feed(Stage& stage, Bytes& bytes) {

@@ -38,7 +38,7 @@ class TreeBuilder {
 public:
     using json = nlohmann::json;
 
-    explicit TreeBuilder(std::string_view whole) : text(whole) {}
+    explicit TreeBuilder(std::string_view whole) : _text(whole) {}
 
     JsonValue root;
     std::string reason;
@@ -57,15 +57,15 @@ public:
     bool start_object(std::size_t) { return open(JsonValue{JsonValue::Object{}}); }
     bool start_array(std::size_t) { return open(JsonValue{JsonValue::Array{}}); }
     bool end_array() {
-        stack.pop_back();
+        _stack.pop_back();
         return true;
     }
     bool key(json::string_t& name) {
-        std::get<JsonValue::Object>(stack.back()->value).push_back({std::move(name), {}});
+        std::get<JsonValue::Object>(_stack.back()->value).push_back({std::move(name), {}});
         return true;
     }
     bool end_object() {
-        const auto& members = std::get<JsonValue::Object>(stack.back()->value);
+        const auto& members = std::get<JsonValue::Object>(_stack.back()->value);
         std::vector<std::string_view> keys;
         keys.reserve(members.size());
         for (const auto& member : members) {
@@ -77,42 +77,42 @@ public:
             reason = "the key " + quotedJson(*twice) + " comes twice in one object";
             return false;
         }
-        stack.pop_back();
+        _stack.pop_back();
         return true;
     }
     bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& error) {
-        reason = lineAndColumn(text, position) + ": " + plainReason(error.what());
+        reason = lineAndColumn(_text, position) + ": " + plainReason(error.what());
         return false;
     }
 
 private:
     JsonValue* slot() {
-        if (stack.empty()) {
+        if (_stack.empty()) {
             return &root;
         }
-        if (auto* array = std::get_if<JsonValue::Array>(&stack.back()->value)) {
+        if (auto* array = std::get_if<JsonValue::Array>(&_stack.back()->value)) {
             return &array->emplace_back();
         }
-        return &std::get<JsonValue::Object>(stack.back()->value).back().value;
+        return &std::get<JsonValue::Object>(_stack.back()->value).back().value;
     }
     bool place(JsonValue value) {
         *slot() = std::move(value);
         return true;
     }
     bool open(JsonValue value) {
-        if (stack.size() >= kMaximumJsonDepth) {
+        if (_stack.size() >= kMaximumJsonDepth) {
             reason = "is nested deeper than " + std::to_string(kMaximumJsonDepth) + " levels";
             return false;
         }
         JsonValue* target = slot();
         *target = std::move(value);
         // Only the innermost container grows, so pointers to the outer ones stay good.
-        stack.push_back(target);
+        _stack.push_back(target);
         return true;
     }
 
-    std::string_view text;
-    std::vector<JsonValue*> stack;
+    std::string_view _text;
+    std::vector<JsonValue*> _stack;
 };
 
 } // namespace

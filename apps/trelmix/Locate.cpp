@@ -21,7 +21,7 @@ constexpr std::size_t kMaximumLineLength = 65536;
 class Locator {
 public:
     Locator(std::shared_ptr<TrelmixMapProjection> projectionOfEngine, double viewingAngle, double height)
-        : projection(std::move(projectionOfEngine)), horizon(horizonOf(viewingAngle, height)) {}
+        : _projection(std::move(projectionOfEngine)), _horizon(horizonOf(viewingAngle, height)) {}
 
     /// Throws `JsonError` for what is no question.
     std::string answer(const JsonCursor& question) const {
@@ -29,22 +29,22 @@ public:
         if (asksForGround) {
             question.expectObject({"x", "y"});
             const CGPoint point{numberOf(question, "x"), numberOf(question, "y")};
-            return point.y > horizon ? text(projection->worldCoordinateFor(point))
-                                     : error("above the horizon");
+            return point.y > _horizon ? text(_projection->worldCoordinateFor(point))
+                                      : error("above the horizon");
         }
         question.expectObject({"lat", "lon"});
         const CLLocationCoordinate2D place{question.required("lat").number(-90, 90),
                                            question.required("lon").number(-180, 180)};
-        const CGPoint point = projection->screenCoordinateFor(place);
+        const CGPoint point = _projection->screenCoordinateFor(place);
         // What lies behind the camera is mirrored through it, to above the horizon.
-        return point.y > horizon ? text(point) : error("behind the camera");
+        return point.y > _horizon ? text(point) : error("behind the camera");
     }
 
     std::string corners() const {
-        return "{\"topLeft\":" + text(projection->topLeftCoordinate()) +
-               ",\"topRight\":" + text(projection->topRightCoordinate()) +
-               ",\"bottomLeft\":" + text(projection->bottomLeftCoordinate()) +
-               ",\"bottomRight\":" + text(projection->bottomRightCoordinate()) + "}";
+        return "{\"topLeft\":" + text(_projection->topLeftCoordinate()) +
+               ",\"topRight\":" + text(_projection->topRightCoordinate()) +
+               ",\"bottomLeft\":" + text(_projection->bottomLeftCoordinate()) +
+               ",\"bottomRight\":" + text(_projection->bottomRightCoordinate()) + "}";
     }
 
 private:
@@ -72,8 +72,8 @@ private:
         return slope > 0 ? height / 2 - height / 2 / slope : -std::numeric_limits<double>::infinity();
     }
 
-    std::shared_ptr<TrelmixMapProjection> projection;
-    double horizon;
+    std::shared_ptr<TrelmixMapProjection> _projection;
+    double _horizon;
 };
 
 /// Ends early when nobody takes the answers.

@@ -19,20 +19,20 @@ namespace {
 class ProgressLine {
 public:
     ~ProgressLine() {
-        if (isShown) {
+        if (_isShown) {
             std::cerr << "\r\033[K" << std::flush;
         }
     }
     void show(const TileCounts& count) {
-        if (isTerminal && count.wanted > 0) {
+        if (_isTerminal && count.wanted > 0) {
             std::cerr << "\rtiles " << count.answered << "/" << count.wanted << "\033[K" << std::flush;
-            isShown = true;
+            _isShown = true;
         }
     }
 
 private:
-    bool isTerminal = ::isatty(STDERR_FILENO) == 1;
-    bool isShown = false;
+    bool _isTerminal = ::isatty(STDERR_FILENO) == 1;
+    bool _isShown = false;
 };
 
 TileCounts drawAll(OffscreenHost& host, const MapScene& map, double timeoutSeconds) {

@@ -25,23 +25,23 @@ class Canvas {
 public:
     /// Transparent at first, or opaque black without `hasAlpha`.
     Canvas(int width, int height, bool hasAlpha)
-        : surface(
+        : _surface(
               cairo_image_surface_create(hasAlpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, width, height),
               &cairo_surface_destroy),
-          context(cairo_create(surface.get()), &cairo_destroy) {}
+          _context(cairo_create(_surface.get()), &cairo_destroy) {}
 
-    cairo_t* cairo() const { return context.get(); }
-    cairo_surface_t* image() const { return surface.get(); }
+    cairo_t* cairo() const { return _context.get(); }
+    cairo_surface_t* image() const { return _surface.get(); }
 
     /// Writes the picture as a PNG file; false when the disk refuses.
     bool writePng(const std::string& path) const {
-        cairo_surface_flush(surface.get());
-        return cairo_surface_write_to_png(surface.get(), path.c_str()) == CAIRO_STATUS_SUCCESS;
+        cairo_surface_flush(_surface.get());
+        return cairo_surface_write_to_png(_surface.get(), path.c_str()) == CAIRO_STATUS_SUCCESS;
     }
 
 private:
-    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface;
-    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context;
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> _surface;
+    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> _context;
 };
 
 void setInk(cairo_t* cr, Ink ink);

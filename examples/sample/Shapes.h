@@ -65,11 +65,11 @@ inline double smoothStep(double from, double to, double value) {
 /// Random numbers that are the same on every machine and with every library.
 class Dice {
 public:
-    explicit Dice(std::uint64_t seed) : state(seed * 0x9E3779B97F4A7C15ULL + 0x1234567ULL) {}
+    explicit Dice(std::uint64_t seed) : _state(seed * 0x9E3779B97F4A7C15ULL + 0x1234567ULL) {}
 
     std::uint64_t next() {
-        state += 0x9E3779B97F4A7C15ULL;
-        std::uint64_t z = state;
+        _state += 0x9E3779B97F4A7C15ULL;
+        std::uint64_t z = _state;
         z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
         z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
         return z ^ (z >> 31);
@@ -81,7 +81,7 @@ public:
     bool chance(double probability) { return between(0, 1) < probability; }
 
 private:
-    std::uint64_t state;
+    std::uint64_t _state;
 };
 
 } // namespace trelmix::sample

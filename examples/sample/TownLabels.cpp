@@ -47,10 +47,10 @@ double lengthOf(const Path& line) {
 } // namespace
 
 TownLabels::TownLabels(const TownModel& model, int zoomLevel)
-    : zoom(zoomLevel), scale(pixelsPerMetre(zoomLevel)) {
+    : _zoom(zoomLevel), _scale(pixelsPerMetre(zoomLevel)) {
     const Canvas measure(8, 8, true);
     for (const Place& place : model.places) {
-        if (zoom >= place.fromZoom && zoom <= place.toZoom) {
+        if (_zoom >= place.fromZoom && _zoom <= place.toZoom) {
             addPlace(measure.cairo(), place);
         }
     }
@@ -94,30 +94,30 @@ void TownLabels::applyFont(cairo_t* cr, const Style& style) {
 
 bool TownLabels::claim(Label label, const std::vector<Box>& rooms) {
     for (const Box& room : rooms) {
-        for (const Box& other : taken) {
+        for (const Box& other : _taken) {
             if (room.touches(other)) {
                 return false;
             }
         }
     }
     for (const Box& room : rooms) {
-        taken.push_back(room.grownBy(3));
+        _taken.push_back(room.grownBy(3));
         label.box.add({room.left, room.top});
         label.box.add({room.right, room.bottom});
     }
-    labels.push_back(std::move(label));
+    _labels.push_back(std::move(label));
     return true;
 }
 
 void TownLabels::addPlace(cairo_t* cr, const Place& place) {
-    const Style style = placeStyle(place.kind, zoom);
+    const Style style = placeStyle(place.kind, _zoom);
     applyFont(cr, style);
     if (place.angle != 0) {
         // A name that follows the quays is set along a straight line through its place.
         const double half =
             (textWidth(cr, place.text) + style.letterGap * static_cast<double>(place.text.size())) / 2;
         const Pt along = Pt{std::cos(place.angle), std::sin(place.angle)} * (half + 2);
-        const Pt middle = place.place * scale;
+        const Pt middle = place.place * _scale;
         addAlong(cr, {middle - along, middle + along}, 2, place.text, style);
         return;
     }
@@ -131,7 +131,7 @@ void TownLabels::addPlace(cairo_t* cr, const Place& place) {
             width += textWidth(cr, std::string(1, c)) + style.letterGap;
         }
         const double down = (static_cast<double>(i) - static_cast<double>(lines.size() - 1) / 2) * lineHeight;
-        Pt pen = place.place * scale + Pt{-width / 2, down + style.size * 0.36};
+        Pt pen = place.place * _scale + Pt{-width / 2, down + style.size * 0.36};
         rooms.push_back({pen.x - 2, pen.y - style.size, pen.x + width + 2, pen.y + style.size * 0.3});
         for (const char c : lines[i]) {
             const std::string letter(1, c);
@@ -144,17 +144,17 @@ void TownLabels::addPlace(cairo_t* cr, const Place& place) {
 
 void TownLabels::addStreet(cairo_t* cr, const Street& street) {
     const bool isGreat = street.kind == StreetKind::Primary || street.kind == StreetKind::Secondary;
-    if (zoom < (isGreat ? 16 : 17) || (street.kind == StreetKind::Footpath && zoom < 18)) {
+    if (_zoom < (isGreat ? 16 : 17) || (street.kind == StreetKind::Footpath && _zoom < 18)) {
         return;
     }
     Path line;
     for (const Pt p : street.line) {
-        line.push_back(p * scale);
+        line.push_back(p * _scale);
     }
     if (line.back().x < line.front().x) {
         std::reverse(line.begin(), line.end());
     }
-    const double size = zoom <= 16 ? 9.5 : zoom == 17 ? 10.5 : zoom == 18 ? 12 : 13;
+    const double size = _zoom <= 16 ? 9.5 : _zoom == 17 ? 10.5 : _zoom == 18 ? 12 : 13;
     const Style style{size, false, false, isGreat ? 0x6B5A3AU : 0x6C6862U, 0.35};
     applyFont(cr, style);
     const double width =
@@ -199,12 +199,12 @@ bool TownLabels::addAlong(cairo_t* cr, const Path& line, double from, const std:
 }
 
 void TownLabels::paint(cairo_t* cr, std::int64_t left, std::int64_t top, int width, int height) const {
-    const GlobalPixel centre = globalPixelAt(kCentre, zoom);
+    const GlobalPixel centre = globalPixelAt(kCentre, _zoom);
     const Pt origin{static_cast<double>(left) - centre.x, static_cast<double>(top) - centre.y};
     const Box view = Box{origin.x, origin.y, origin.x + width, origin.y + height}.grownBy(12);
     cairo_save(cr);
     cairo_translate(cr, -origin.x, -origin.y);
-    for (const Label& label : labels) {
+    for (const Label& label : _labels) {
         if (!label.box.touches(view)) {
             continue;
         }

@@ -48,10 +48,10 @@ private:
     /// Keeps the label unless another has taken its room.
     bool claim(Label label, const std::vector<Box>& rooms);
 
-    int zoom;
-    double scale;
-    std::vector<Label> labels;
-    std::vector<Box> taken;
+    int _zoom;
+    double _scale;
+    std::vector<Label> _labels;
+    std::vector<Box> _taken;
 };
 
 } // namespace trelmix::sample

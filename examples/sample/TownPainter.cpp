@@ -103,20 +103,20 @@ Ink shaded(Ink ink, double factor) {
 } // namespace
 
 TownPainter::TownPainter(const TownModel& town, int zoomLevel)
-    : model(town), zoom(zoomLevel), scale(pixelsPerMetre(zoomLevel)), labels(town, zoomLevel) {}
+    : _model(town), _zoom(zoomLevel), _scale(pixelsPerMetre(zoomLevel)), _labels(town, zoomLevel) {}
 
 void TownPainter::paint(cairo_t* cr, std::int64_t left, std::int64_t top, int width, int height) const {
     const auto x = static_cast<double>(left);
     const auto y = static_cast<double>(top);
-    const Pt from = groundAt({x, y}, zoom);
-    const Pt to = groundAt({x + width, y + height}, zoom);
+    const Pt from = groundAt({x, y}, _zoom);
+    const Pt to = groundAt({x + width, y + height}, _zoom);
     Box view;
     view.add(from);
     view.add(to);
-    view = view.grownBy(40 / scale);
+    view = view.grownBy(40 / _scale);
 
     cairo_save(cr);
-    cairo_scale(cr, scale, scale);
+    cairo_scale(cr, _scale, _scale);
     cairo_translate(cr, -from.x, -from.y);
     setInk(cr, kLand);
     cairo_paint(cr);
@@ -125,18 +125,18 @@ void TownPainter::paint(cairo_t* cr, std::int64_t left, std::int64_t top, int wi
     paintFootpaths(cr, view);
     paintStreets(cr, view);
     paintRailways(cr, view);
-    paintBoats(cr, model, view, scale);
-    paintShip(cr, view, scale);
+    paintBoats(cr, _model, view, _scale);
+    paintShip(cr, view, _scale);
     paintShadows(cr, view);
     paintBuildings(cr, view);
     paintTrees(cr, view);
-    paintLighthouses(cr, model, scale);
+    paintLighthouses(cr, _model, _scale);
     cairo_restore(cr);
-    labels.paint(cr, left, top, width, height);
+    _labels.paint(cr, left, top, width, height);
 }
 
 void TownPainter::paintAreas(cairo_t* cr, const Box& view) const {
-    for (const Area& area : model.areas) {
+    for (const Area& area : _model.areas) {
         if (!area.box.touches(view)) {
             continue;
         }
@@ -149,9 +149,9 @@ void TownPainter::paintAreas(cairo_t* cr, const Box& view) const {
             stroke(cr, area.outline, true, {0xFFFFFF, 0.8}, 1.2);
         }
         if (area.kind == AreaKind::Pond) {
-            stroke(cr, area.outline, true, {0x8DBBD6}, std::max(0.5, 0.8 / scale));
+            stroke(cr, area.outline, true, {0x8DBBD6}, std::max(0.5, 0.8 / _scale));
         }
-        if (area.kind == AreaKind::Parking && scale > 1.2) {
+        if (area.kind == AreaKind::Parking && _scale > 1.2) {
             stroke(cr, area.outline, true, {0xCFCFD8}, 0.8);
         }
         if (area.kind == AreaKind::Residential) {
@@ -194,40 +194,40 @@ void TownPainter::paintSea(cairo_t* cr, const Area& sea, const Box& view) const 
     }
     cairo_new_path(cr);
     cairo_restore(cr);
-    stroke(cr, sea.outline, true, {0x93BFD8}, std::max(0.6, 0.9 / scale));
+    stroke(cr, sea.outline, true, {0x93BFD8}, std::max(0.6, 0.9 / _scale));
 }
 
 void TownPainter::paintQuays(cairo_t* cr, const Box& view) const {
-    for (const Line& edge : model.quayEdges) {
+    for (const Line& edge : _model.quayEdges) {
         if (!edge.box.touches(view)) {
             continue;
         }
-        stroke(cr, edge.line, false, {0xA79F92}, std::max(edge.width, 1.4 / scale));
+        stroke(cr, edge.line, false, {0xA79F92}, std::max(edge.width, 1.4 / _scale));
         stroke(cr, edge.line, false, {0xD6CFC3}, edge.width * 0.45);
     }
-    for (const Line& pier : model.piers) {
-        if (!pier.box.touches(view) || (pier.width < 1 && scale < 1)) {
+    for (const Line& pier : _model.piers) {
+        if (!pier.box.touches(view) || (pier.width < 1 && _scale < 1)) {
             continue;
         }
-        stroke(cr, pier.line, false, {0xB59F83}, pier.width + 0.5 / scale, true);
+        stroke(cr, pier.line, false, {0xB59F83}, pier.width + 0.5 / _scale, true);
         stroke(cr, pier.line, false, {0xE9DCC6}, std::max(0.2, pier.width - 0.7), true);
     }
 }
 
 double TownPainter::streetWidth(const Street& street) const {
-    return std::max(street.width, streetStyle(street.kind).leastPixels / scale);
+    return std::max(street.width, streetStyle(street.kind).leastPixels / _scale);
 }
 
 void TownPainter::paintFootpaths(cairo_t* cr, const Box& view) const {
-    if (zoom < 16) {
+    if (_zoom < 16) {
         return;
     }
-    for (const Street& street : model.streets) {
+    for (const Street& street : _model.streets) {
         if (street.kind != StreetKind::Footpath || !street.box.touches(view)) {
             continue;
         }
-        stroke(cr, street.line, false, {0xFDFAF4, 0.95}, std::max(street.width, 1.6 / scale));
-        if (zoom < 18) {
+        stroke(cr, street.line, false, {0xFDFAF4, 0.95}, std::max(street.width, 1.6 / _scale));
+        if (_zoom < 18) {
             continue;
         }
         const double dash[] = {2.6, 2.0};
@@ -242,20 +242,20 @@ void TownPainter::paintFootpaths(cairo_t* cr, const Box& view) const {
 void TownPainter::paintStreets(cairo_t* cr, const Box& view) const {
     constexpr StreetKind kOrder[] = {StreetKind::Service, StreetKind::Pedestrian, StreetKind::Minor,
                                      StreetKind::Secondary, StreetKind::Primary};
-    const double casing = zoom < 16 ? 0.6 : 1.1;
+    const double casing = _zoom < 16 ? 0.6 : 1.1;
     for (const bool isCasing : {true, false}) {
         for (const StreetKind kind : kOrder) {
-            if (kind == StreetKind::Service && zoom < 16) {
+            if (kind == StreetKind::Service && _zoom < 16) {
                 continue;
             }
             const StreetStyle style = streetStyle(kind);
-            for (const Street& street : model.streets) {
+            for (const Street& street : _model.streets) {
                 if (street.kind != kind || !street.box.touches(view)) {
                     continue;
                 }
                 const double width = streetWidth(street);
                 if (isCasing) {
-                    stroke(cr, street.line, false, style.casing, width + 2 * casing / scale);
+                    stroke(cr, street.line, false, style.casing, width + 2 * casing / _scale);
                 } else {
                     stroke(cr, street.line, false, style.fill, width);
                 }
@@ -269,29 +269,29 @@ void TownPainter::paintRailways(cairo_t* cr, const Box& view) const {
         if (!line.box.touches(view)) {
             return;
         }
-        const double width = std::max(line.width, leastPixels / scale);
+        const double width = std::max(line.width, leastPixels / _scale);
         stroke(cr, line.line, false, {0xA9A6A6}, width, true);
-        const double dash[] = {zoom < 17 ? 9 / scale : 5.0, zoom < 17 ? 9 / scale : 5.0};
+        const double dash[] = {_zoom < 17 ? 9 / _scale : 5.0, _zoom < 17 ? 9 / _scale : 5.0};
         cairo_set_dash(cr, dash, 2, 0);
         stroke(cr, line.line, false, {0xF7F6F4}, width * 0.55, true);
         cairo_set_dash(cr, nullptr, 0, 0);
     };
-    for (const Line& line : model.railways) {
+    for (const Line& line : _model.railways) {
         track(line, 2.6);
     }
-    if (zoom >= 16) {
-        for (const Line& line : model.sidings) {
+    if (_zoom >= 16) {
+        for (const Line& line : _model.sidings) {
             track(line, 1.4);
         }
     }
 }
 
 void TownPainter::paintShadows(cairo_t* cr, const Box& view) const {
-    if (zoom < 17) {
+    if (_zoom < 17) {
         return;
     }
     cairo_new_path(cr);
-    for (const Building& building : model.buildings) {
+    for (const Building& building : _model.buildings) {
         if (!building.box.touches(view)) {
             continue;
         }
@@ -307,19 +307,19 @@ void TownPainter::paintShadows(cairo_t* cr, const Box& view) const {
 }
 
 void TownPainter::paintBuildings(cairo_t* cr, const Box& view) const {
-    if (zoom < 16) {
+    if (_zoom < 16) {
         return;
     }
-    for (const Building& building : model.buildings) {
+    for (const Building& building : _model.buildings) {
         if (!building.box.touches(view)) {
             continue;
         }
         const Ink ink = buildingInk(building);
         fill(cr, building.outline, ink);
-        if (zoom < 17) {
+        if (_zoom < 17) {
             continue;
         }
-        if (zoom >= 18 && building.outline.size() == 4 && building.kind != BuildingKind::Industrial) {
+        if (_zoom >= 18 && building.outline.size() == 4 && building.kind != BuildingKind::Industrial) {
             // The half of a gabled roof that lies away from the light.
             const Path& o = building.outline;
             const bool isWide = length(o[1] - o[0]) >= length(o[2] - o[1]);
@@ -327,17 +327,17 @@ void TownPainter::paintBuildings(cairo_t* cr, const Box& view) const {
                                      : Path{between(o[0], o[1], 0.5), o[1], o[2], between(o[3], o[2], 0.5)};
             fill(cr, half, shaded(ink, 0.955));
         }
-        stroke(cr, building.outline, true, shaded(ink, 0.83), std::max(0.25, 0.8 / scale));
+        stroke(cr, building.outline, true, shaded(ink, 0.83), std::max(0.25, 0.8 / _scale));
     }
 }
 
 void TownPainter::paintTrees(cairo_t* cr, const Box& view) const {
-    if (zoom < 17) {
+    if (_zoom < 17) {
         return;
     }
     constexpr std::uint32_t kCrowns[] = {0xA8D29A, 0x9CCB90, 0xB3D8A2};
     const Box reach = view.grownBy(8);
-    for (const Tree& tree : model.trees) {
+    for (const Tree& tree : _model.trees) {
         Box box;
         box.add(tree.place);
         if (!box.touches(reach)) {
@@ -346,7 +346,7 @@ void TownPainter::paintTrees(cairo_t* cr, const Box& view) const {
         disc(cr, tree.place + Pt{0.7, 0.9}, tree.radius, {0x4D6B45, 0.16});
         const Ink crown{kCrowns[tree.tint]};
         disc(cr, tree.place, tree.radius, crown);
-        if (zoom >= 18) {
+        if (_zoom >= 18) {
             disc(cr, tree.place - Pt{0.22, 0.26} * tree.radius, tree.radius * 0.55, shaded(crown, 1.07));
         }
     }

@@ -34,10 +34,10 @@ private:
     void paintTrees(cairo_t* cr, const Box& view) const;
     double streetWidth(const Street& street) const;
 
-    const TownModel& model;
-    int zoom;
-    double scale; ///< pixels per metre
-    TownLabels labels;
+    const TownModel& _model;
+    int _zoom;
+    double _scale; ///< pixels per metre
+    TownLabels _labels;
 };
 
 /// The boats, the ship at the quay and the lights on the moles: `cr` draws in metres.

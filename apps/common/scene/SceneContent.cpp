@@ -67,7 +67,7 @@ private:
         if (path.empty()) {
             return nullptr;
         }
-        auto& known = images[path];
+        auto& known = _images[path];
         if (!known) {
             auto loaded = loadSceneImage(path);
             if (!loaded) {
@@ -96,7 +96,7 @@ private:
         return content;
     }
 
-    std::map<std::string, std::shared_ptr<const UIImage>> images;
+    std::map<std::string, std::shared_ptr<const UIImage>> _images;
 };
 
 } // namespace

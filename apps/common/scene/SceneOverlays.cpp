@@ -29,7 +29,7 @@ std::vector<CLLocation> locations(const CoordinateList& coordinates) {
 
 class OverlayBuilder {
 public:
-    explicit OverlayBuilder(std::shared_ptr<TrelmixMapEngine> map) : engine(std::move(map)) {}
+    explicit OverlayBuilder(std::shared_ptr<TrelmixMapEngine> map) : _engine(std::move(map)) {}
 
     std::vector<std::shared_ptr<TrelmixMapOverlay>> overlays;
 
@@ -94,7 +94,7 @@ public:
 private:
     void place(const SceneOverlay& keys, std::shared_ptr<TrelmixMapOverlay> overlay) {
         applyOverlayKeys(keys, *overlay);
-        overlay->setMap(engine);
+        overlay->setMap(_engine);
         overlays.push_back(std::move(overlay));
     }
 
@@ -134,10 +134,10 @@ private:
     /// Without an icon, a pin in that colour that stands on its tip.
     std::shared_ptr<TrelmixMapMarker> markerAt(CLLocationCoordinate2D place,
                                                const std::shared_ptr<const UIImage>& icon, UIColor pinColor) {
-        if (!icon && !pin) {
-            pin = pinImage();
+        if (!icon && !_pin) {
+            _pin = pinImage();
         }
-        auto node = TrelmixMapEngineFactory::createMapMarkerWith(icon ? icon : pin, place);
+        auto node = TrelmixMapEngineFactory::createMapMarkerWith(icon ? icon : _pin, place);
         if (!icon) {
             node->setTint(pinColor);
             node->setGroundAnchor({0.5, 1});
@@ -145,9 +145,9 @@ private:
         return node;
     }
 
-    std::shared_ptr<TrelmixMapEngine> engine;
+    std::shared_ptr<TrelmixMapEngine> _engine;
     /// One for all: a hundred thousand colours are tints of it.
-    std::shared_ptr<const UIImage> pin;
+    std::shared_ptr<const UIImage> _pin;
 };
 
 } // namespace
