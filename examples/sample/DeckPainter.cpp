@@ -1,4 +1,4 @@
-#include "ShipPainter.h"
+#include "DeckPainter.h"
 
 namespace trelmix::sample {
 

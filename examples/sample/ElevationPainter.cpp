@@ -1,4 +1,6 @@
-#include "ShipPainter.h"
+#include "ElevationPainter.h"
+
+#include "DeckPainter.h"
 
 namespace trelmix::sample {
 

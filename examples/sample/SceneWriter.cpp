@@ -3,6 +3,7 @@
 #include "Json.h"
 #include "ShipModel.h"
 #include "ShipRooms.h"
+#include "TownGeoJson.h"
 
 #include <filesystem>
 

@@ -12,6 +12,9 @@ namespace trelmix::sample {
 /// side/levels.json. Empty when it went well, else what is wrong.
 std::string writeScenes(const std::string& folder, const TownModel& model);
 
+/// side/levels.json. Empty when it went well, else what is wrong.
+std::string writeScenes(const std::string& folder, const TownModel& model);
+
 /// town.geojson: parks, streets, piers and places of interest.
 std::string townGeoJson(const TownModel& model);
 /// side/levels.json: where each deck lies in the side elevation, and where the ship lies on the map.

@@ -1,4 +1,4 @@
-#include "TilePyramid.h"
+#include "TileArchive.h"
 
 #include <cstdio>
 #include <filesystem>

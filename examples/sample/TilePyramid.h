@@ -1,5 +1,5 @@
 /// @file
-/// Cuts the town into tiles and writes them as an MBTiles archive.
+/// Cuts the town into tiles.
 #pragma once
 
 #include "GroundFrame.h"
@@ -7,7 +7,6 @@
 #include "TownModel.h"
 
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace trelmix::sample {
@@ -35,9 +34,5 @@ struct Tile {
 /// The tiles of all zoom levels of the town, 15 to 19; `threads` of them at work.
 std::vector<Tile> paintTown(const TownModel& model, int threads);
 std::vector<TileRange> townRanges();
-
-/// Writes an archive anew. Empty when it went well, else what is wrong.
-std::string writeArchive(const std::string& path, const std::string& name,
-                         const std::vector<TileRange>& ranges, const std::vector<Tile>& tiles);
 
 } // namespace trelmix::sample

@@ -1,4 +1,6 @@
-#include "TownModel.h"
+#include "TownBlocks.h"
+
+#include "TownStreets.h"
 
 namespace trelmix::sample {
 

@@ -1,5 +1,7 @@
+#include "TownGeoJson.h"
+
 #include "Json.h"
-#include "SceneWriter.h"
+#include "TownStreets.h"
 
 #include <string_view>
 

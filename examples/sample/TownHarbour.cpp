@@ -1,4 +1,4 @@
-#include "TownModel.h"
+#include "TownHarbour.h"
 
 namespace trelmix::sample {
 

@@ -1,4 +1,4 @@
-#include "TownModel.h"
+#include "TownHarbourBuildings.h"
 
 namespace trelmix::sample {
 

@@ -1,5 +1,12 @@
 #include "TownModel.h"
 
+#include "TownBlocks.h"
+#include "TownHarbour.h"
+#include "TownHarbourBuildings.h"
+#include "TownParks.h"
+#include "TownStreets.h"
+#include "TownSurroundings.h"
+
 namespace trelmix::sample {
 
 namespace {

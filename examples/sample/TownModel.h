@@ -126,24 +126,4 @@ double coastV(double u);
 /// A round, irregular outline.
 Path blob(Pt centre, double radius, std::uint64_t seed);
 
-/// The parts of the build, each in its own source; called in this order.
-void addSurroundings(TownModel& model);
-void addHarbour(TownModel& model);
-void addStreets(TownModel& model);
-void addBlocks(TownModel& model);
-void addParks(TownModel& model);
-void addHarbourBuildings(TownModel& model);
-
-/// Blocks of the street grid that are no building land: no street crosses them, no house stands in them.
-struct SpecialBlock {
-    double u0, v0, u1, v1;
-    bool contains(double u, double v) const { return u > u0 && u < u1 && v > v0 && v < v1; }
-};
-const std::vector<SpecialBlock>& specialBlocks();
-/// Grid lines across and along the town.
-const std::vector<double>& crossStreets();
-const std::vector<double>& longStreets();
-/// The railway's corridor runs between these two long streets.
-inline constexpr double kRailwayV = -320;
-
 } // namespace trelmix::sample

@@ -1,6 +1,7 @@
 #include "TownPainter.h"
 
 #include "Canvas.h"
+#include "VesselPainter.h"
 
 namespace trelmix::sample {
 

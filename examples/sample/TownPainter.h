@@ -40,9 +40,4 @@ private:
     TownLabels _labels;
 };
 
-/// The boats, the ship at the quay and the lights on the moles: `cr` draws in metres.
-void paintBoats(cairo_t* cr, const TownModel& model, const Box& view, double scale);
-void paintShip(cairo_t* cr, const Box& view, double scale);
-void paintLighthouses(cairo_t* cr, const TownModel& model, double scale);
-
 } // namespace trelmix::sample

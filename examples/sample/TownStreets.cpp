@@ -1,4 +1,4 @@
-#include "TownModel.h"
+#include "TownStreets.h"
 
 #include <string_view>
 

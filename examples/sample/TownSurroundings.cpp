@@ -1,4 +1,6 @@
-#include "TownModel.h"
+#include "TownSurroundings.h"
+
+#include "TownStreets.h"
 
 namespace trelmix::sample {
 

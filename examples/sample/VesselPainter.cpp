@@ -1,6 +1,7 @@
+#include "VesselPainter.h"
+
 #include "Canvas.h"
 #include "ShipModel.h"
-#include "TownPainter.h"
 
 namespace trelmix::sample {
 

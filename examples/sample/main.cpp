@@ -1,7 +1,8 @@
+#include "DeckPainter.h"
+#include "ElevationPainter.h"
 #include "Icons.h"
 #include "SceneWriter.h"
-#include "ShipPainter.h"
-#include "TilePyramid.h"
+#include "TileArchive.h"
 
 #include <cstdio>
 #include <filesystem>

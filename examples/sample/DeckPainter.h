@@ -1,5 +1,5 @@
 /// @file
-/// Pictures of the ship: a plan of every deck, and the elevation that shows the decks in a cut.
+/// The plans of the ship's decks.
 #pragma once
 
 #include "Canvas.h"
@@ -11,12 +11,11 @@ namespace trelmix::sample {
 /// Pixels of a deck plan for one metre.
 inline constexpr int kDeckScale = 12;
 
+/// The colours of a kind of room and of the words in it.
 Ink roomInk(RoomKind kind);
 Ink roomTextInk(RoomKind kind);
 
 /// The plan of a deck, bow to the right, transparent outside: kDeckPlanLength by kDeckPlanBeam metres.
 Canvas paintDeck(const Deck& deck);
-/// The side elevation, bow to the right: kSideWidth by kSideHeight pixels.
-Canvas paintElevation();
 
 } // namespace trelmix::sample
