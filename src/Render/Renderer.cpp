@@ -1,9 +1,9 @@
 #include "Render/Renderer.h"
 
-#include "Render/DrawPlan.h"
 #include "Render/FrameTarget.h"
 #include "Render/GLErrors.h"
 #include "Render/OverlayPainter.h"
+#include "Render/RunPainter.h"
 
 #include <algorithm>
 #include <array>
@@ -14,32 +14,27 @@ namespace trelmix {
 
 struct Renderer::Parts {
     Parts(const GLCapabilities& capabilities, std::shared_ptr<GLGraveyard> shared, Options given)
-        : graveyard(std::move(shared)), options(given), hasHighPrecision(capabilities.hasHighPrecision),
-          target(capabilities, graveyard),
+        : graveyard(std::move(shared)), options(given), target(capabilities, graveyard),
           stores(capabilities, graveyard,
                  TextureLimits::of(capabilities, options.maximumTextureSize, options.anisotropy)),
-          plan(stores) {}
+          plan(stores), painter(stores, plan, graveyard, capabilities.hasHighPrecision) {}
 
-    std::string prepare(const std::vector<DrawRun>& runs);
-    std::string prepare(const DrawRun& run);
     void setState();
     std::string update(const DrawFrame& frame, int width, int height, bool rowsRunDown, FrameReport& report);
     std::string drawHere(const DrawFrame& frame, int width, int height, FrameReport& report);
     std::string drawThere(const DrawFrame& frame, const RenderArea& area, FrameReport& report);
     std::string copyTo(const RenderArea& area);
     void paint(const DrawFrame& frame, FrameReport& report);
-    void paintScene(const std::vector<DrawRun>& runs, FrameReport& report);
-    void paintImages(const DrawRun& run);
     void fade(const UIColor& background, double alpha);
     void drawOverlays(std::span<const OverlayQuad> quads, int width, int height, bool rowsRunDown);
 
     std::shared_ptr<GLGraveyard> graveyard;
     Options options;
-    bool hasHighPrecision;
     FrameTarget target;
     FrameView view;
     RenderStores stores;
     DrawPlan plan;
+    RunPainter painter;
     OverlayPainter overlays{stores.images};
     VertexArrays arrays;
 };
@@ -166,31 +161,6 @@ bool Renderer::hasPicture() const {
     return !_parts->target.isEmpty();
 }
 
-/// Shaders are made when they are first needed: the first picture waits for no others.
-std::string Renderer::Parts::prepare(const std::vector<DrawRun>& runs) {
-    for (const DrawRun& run : runs) {
-        if (const std::string reason = prepare(run); !reason.empty()) {
-            return kShaders + reason;
-        }
-    }
-    return {};
-}
-
-std::string Renderer::Parts::prepare(const DrawRun& run) {
-    switch (run.kind) {
-    case DrawRun::Kind::images:
-        return stores.images.prepare(run.isMultiplied, graveyard);
-    case DrawRun::Kind::discs:
-        return stores.discs.prepare(graveyard);
-    case DrawRun::Kind::sharedFills:
-    case DrawRun::Kind::largeFill:
-        return stores.fills.prepare(graveyard);
-    case DrawRun::Kind::program:
-        return plan.placement(run).program->prepare(graveyard, hasHighPrecision);
-    }
-    return {};
-}
-
 void Renderer::Parts::setState() {
     constexpr std::array<GLenum, 8> features{GL_DEPTH_TEST,
                                              GL_STENCIL_TEST,
@@ -236,68 +206,18 @@ std::string Renderer::Parts::update(const DrawFrame& frame, int width, int heigh
     const auto& runs = plan.makeRuns(view);
     report.rewrittenBytes +=
         stores.images.slots().upload() + stores.discs.slots().upload() + stores.indices.upload();
-    return prepare(runs);
+    const std::string reason = painter.prepare(runs);
+    return reason.empty() ? reason : kShaders + reason;
 }
 
 /// Into what is bound.
 void Renderer::Parts::paint(const DrawFrame& frame, FrameReport& report) {
     clear(frame.background);
     if (frame.alpha > 0 && view.isFinite()) {
-        paintScene(plan.runs(), report);
+        report.drawCalls += painter.paint(plan.runs(), view, arrays);
         if (frame.alpha < 1) {
             fade(frame.background, frame.alpha);
         }
-    }
-}
-
-void Renderer::Parts::paintScene(const std::vector<DrawRun>& runs, FrameReport& report) {
-    stores.images.startFrame();
-    stores.discs.startFrame();
-    glEnable(GL_BLEND);
-    for (const DrawRun& run : runs) {
-        ++report.drawCalls;
-        switch (run.kind) {
-        case DrawRun::Kind::images:
-            paintImages(run);
-            break;
-        case DrawRun::Kind::discs:
-            stores.discs.use(view, arrays);
-            stores.discs.pointAt(run.chunk);
-            stores.indices.bind();
-            stores.indices.draw(run.first, run.count);
-            break;
-        case DrawRun::Kind::sharedFills:
-            stores.fills.useShared(view, arrays);
-            stores.fills.drawShared(run.chunk, run.first, run.count);
-            break;
-        case DrawRun::Kind::largeFill:
-            report.drawCalls += stores.fills.drawLarge(plan.placement(run), view, arrays) - 1;
-            break;
-        case DrawRun::Kind::program: {
-            const Placement& placement = plan.placement(run);
-            glUseProgram(placement.program->name());
-            report.drawCalls +=
-                placement.program->draw(*placement.mesh, view.matrixFor(placement.item->meshPosition),
-                                        *placement.item, arrays) -
-                1;
-            break;
-        }
-        }
-    }
-    glDisable(GL_BLEND);
-}
-
-void Renderer::Parts::paintImages(const DrawRun& run) {
-    stores.images.use(run.isMultiplied, view, arrays);
-    stores.images.pointAt(run.chunk);
-    stores.indices.bind();
-    glBindTexture(GL_TEXTURE_2D, run.texture);
-    if (!run.isTranslucent) {
-        glDisable(GL_BLEND);
-    }
-    stores.indices.draw(run.first, run.count);
-    if (!run.isTranslucent) {
-        glEnable(GL_BLEND);
     }
 }
 

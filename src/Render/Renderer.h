@@ -51,6 +51,9 @@ struct RenderArea {
 /// context is current, except that it may be destroyed anywhere when the graveyard outlives it. Changes
 /// OpenGL state freely; `GLStateGuard` protects an application's. A frame with the list and the camera of the
 /// one before allocates nothing.
+///
+/// Longer than other classes, as the ways into a framebuffer (its own, another, over what is there) share one
+/// state. What the picture is made of stands in DrawPlan, how that is drawn in RunPainter.
 class Renderer {
 public:
     struct Options {

@@ -52,7 +52,8 @@ struct SideviewLevel {
 
 using SideviewLevels = std::vector<SideviewLevel>;
 
-/// What a levels file says: checked for its types, not for whether the numbers make sense together.
+/// What a levels file says: checked for its types, not for whether the numbers make sense together. Its text
+/// is LevelsJson's; from there on keys, records and their reading are one list, and stand together.
 struct LevelsFile {
     /// Degrees.
     double bearing = 0;

@@ -19,6 +19,9 @@ struct DecodedImage {
 /// Decodes a PNG, JPEG or WebP file, told apart by its first bytes. Colour profiles, gamma and the camera's
 /// orientation note are ignored; of 16 bits a channel the upper 8 count. What is damaged, cut short, animated
 /// or larger than `UIImage::kMaximumPixelCount` is refused. Any thread.
+///
+/// Its source is longer than others, as each of the three libraries lets something else through that has to
+/// be refused.
 Result<DecodedImage> decodeImage(std::span<const std::byte> data);
 
 /// True when the size lies within what one image may have.
