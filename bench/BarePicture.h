@@ -13,6 +13,8 @@ namespace trelmix::bench {
 
 /// A scene drawn into a window with no more calls and no more thought than it takes: straight into it with
 /// one sample, with more beside it and resolved there by the driver.
+///
+/// Longer than other classes, as it shares nothing with the renderer that it is compared with.
 class BarePicture {
 public:
     BarePicture(const GLContext& context, const Scene& scene, const RenderArea& window, int samples);

@@ -37,6 +37,9 @@ TileBox boundingBoxTiles(const CameraProjection& projection);
 /// Every tile that the view needs at `zoom` (public): the bounding box with a margin of one tile, completed
 /// by each tile that the visible ground touches within reach. At most `kMostTiles`, those nearest the target;
 /// none for zooms outside the grid.
+///
+/// The source is longer than others: the ground in reach, its extent in each column and the search over both
+/// limits are one computation.
 TileNeed tilesInView(const CameraProjection& projection, float zoom);
 
 /// Several times what a usual view needs; only a view squeezed to a sliver sees more ground.
