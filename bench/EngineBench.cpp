@@ -142,7 +142,7 @@ void tileCheck(benchmark::State& state) {
     CameraProjection projection({kPlace.latitude, kPlace.longitude}, {1280, 720});
     projection.setMapZoom(17);
     projection.setMapViewingAngle(Radians::fromDegrees(static_cast<double>(state.range(0))));
-    projection.setMapRotation({0.6});
+    projection.setMapRotation(Radians(0.6));
     std::size_t tiles = 0;
     for (auto _ : state) {
         tiles = tilesInView(projection, 17).tiles.size();

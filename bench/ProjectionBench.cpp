@@ -100,8 +100,8 @@ struct Fixture {
         auto camera = std::make_shared<CameraProjection>(kOrigin, kSize);
         camera->setCameraTarget(GeoUtils::scenePoint(kTarget), kTarget);
         camera->setInternalZoom(kInternalZoom);
-        camera->setMapRotation({kRotation});
-        camera->setMapViewingAngle({kTilt});
+        camera->setMapRotation(Radians(kRotation));
+        camera->setMapViewingAngle(Radians(kTilt));
         projection = camera;
         std::mt19937_64 random(1);
         std::uniform_real_distribution<double> x(0, kSize.x), y(0, kSize.y);
@@ -162,7 +162,7 @@ void cameraChange(benchmark::State& state) {
     CameraProjection projection(kOrigin, kSize);
     double rotation = 0;
     for (auto _ : state) {
-        projection.setMapRotation({rotation += 0.01});
+        projection.setMapRotation(Radians(rotation += 0.01));
         benchmark::DoNotOptimize(projection.exactCameraPosition());
     }
 }

@@ -69,7 +69,7 @@ Radians GeoUtils::bearing(Coordinate from, Coordinate to) {
     const double y = std::sin(difference) * std::cos(to.lat * d);
     const double x = std::cos(from.lat * d) * std::sin(to.lat * d) -
                      std::sin(from.lat * d) * std::cos(to.lat * d) * std::cos(difference);
-    return {std::fmod(std::atan2(y, x) + 2.0 * pi, 2.0 * pi)};
+    return Radians(std::fmod(std::atan2(y, x) + 2.0 * pi, 2.0 * pi));
 }
 
 Coordinate GeoUtils::coordinate(Coordinate from, Radians withBearing, double distance) {

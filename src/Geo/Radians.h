@@ -10,15 +10,17 @@ namespace trelmix {
 struct Radians {
     double value = 0;
 
-    static constexpr Radians fromDegrees(double degrees) { return {degrees * DEG_TO_RAD_CONST}; }
+    constexpr Radians() = default;
+    constexpr explicit Radians(double radians) : value(radians) {}
+    static constexpr Radians fromDegrees(double degrees) { return Radians(degrees * DEG_TO_RAD_CONST); }
     constexpr double degrees() const { return value / DEG_TO_RAD_CONST; }
     /// To single precision, in which cameras and markers are given.
-    constexpr Radians narrowed() const { return {static_cast<double>(static_cast<float>(value))}; }
+    constexpr Radians narrowed() const { return Radians(static_cast<double>(static_cast<float>(value))); }
     bool isFinite() const { return std::isfinite(value); }
 
-    constexpr Radians operator-() const { return {-value}; }
-    friend constexpr Radians operator+(Radians a, Radians b) { return {a.value + b.value}; }
-    friend constexpr Radians operator-(Radians a, Radians b) { return {a.value - b.value}; }
+    constexpr Radians operator-() const { return Radians(-value); }
+    friend constexpr Radians operator+(Radians a, Radians b) { return Radians(a.value + b.value); }
+    friend constexpr Radians operator-(Radians a, Radians b) { return Radians(a.value - b.value); }
     friend constexpr auto operator<=>(const Radians&, const Radians&) = default;
 };
 

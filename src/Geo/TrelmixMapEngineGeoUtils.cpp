@@ -10,7 +10,7 @@ double TrelmixMapEngineGeoUtils::getBearingFrom(CLLocationCoordinate2D from, CLL
 
 CLLocationCoordinate2D TrelmixMapEngineGeoUtils::getCoordinateFrom(CLLocationCoordinate2D from,
                                                                    double withBearing, double distance) {
-    return locationOf(GeoUtils::coordinate(coordinateOf(from), {withBearing}, distance));
+    return locationOf(GeoUtils::coordinate(coordinateOf(from), Radians(withBearing), distance));
 }
 
 double TrelmixMapEngineGeoUtils::getDistanceBetweenWithCoordinate1(CLLocationCoordinate2D coordinate1,

@@ -169,7 +169,7 @@ void MarkerNode::rotateTo(double degrees, double duration) {
     if (!goal.isFinite()) {
         return;
     }
-    const Radians target = shortestTurn(goal, {presentedEulerAngles().z}).narrowed();
+    const Radians target = shortestTurn(goal, Radians(presentedEulerAngles().z)).narrowed();
     const std::uint64_t number = ++_rotationNumber;
     runAction(SCNAction::rotateTo(0, 0, target.value, duration), [weak = weak_from_this(), number, target] {
         if (const auto node = weak.lock()) {
@@ -202,7 +202,7 @@ void MarkerNode::updateMarkerRotation() {
         return;
     }
     const Radians goal = _isFlat ? -_shownRotation : _lastCamera->rotation;
-    const Radians turn = shortestTurn(goal, {presentedEulerAngles().z});
+    const Radians turn = shortestTurn(goal, Radians(presentedEulerAngles().z));
     const Radians tilt = _isFlat ? Radians{} : _lastCamera->viewingAngle;
     if (turn.isFinite() && tilt.isFinite()) {
         setExactEulerAngles({tilt.value, 0, turn.value});

@@ -26,7 +26,7 @@ protected:
 };
 
 TEST_F(ProjectionTest, aboveTheHorizonNoGroundIsSeen) {
-    projection.setMapViewingAngle({0.9599311});
+    projection.setMapViewingAngle(Radians(0.9599311));
     EXPECT_TRUE(projection.frame().seesGround({400, 0}));
     // The horizon stands 35 degrees above the middle: 364 points.
     EXPECT_TRUE(projection.frame().seesGround({400, -60}));
@@ -54,14 +54,14 @@ TEST_F(ProjectionTest, theRatioFollowsTheWidthAndRecoversFromAnEmptyView) {
 }
 
 TEST_F(ProjectionTest, numbersThatAreNotFiniteLeaveTheCameraAsItWas) {
-    projection.setMapViewingAngle({0.4});
+    projection.setMapViewingAngle(Radians(0.4));
     const Vector3d before = projection.exactCameraPosition();
     const WorldMapPoint southPole = GeoUtils::scenePoint({-90, 0});
     projection.setCameraTarget(southPole, {-90, 0});
     projection.setCameraTarget({kNaN, 0}, kHarbour);
     projection.setCameraTarget({0, 0}, {kInfinity, 0});
-    projection.setMapRotation({kInfinity});
-    projection.setMapViewingAngle({kNaN});
+    projection.setMapRotation(Radians(kInfinity));
+    projection.setMapViewingAngle(Radians(kNaN));
     projection.setMapZoom(kFloatNaN);
     projection.setInternalZoom(-std::numeric_limits<float>::infinity());
     EXPECT_EQ(projection.exactCameraPosition(), before);
@@ -83,13 +83,13 @@ TEST_F(ProjectionTest, anyNumbersAtAllAreConvertedWithoutHarm) {
         for (const double b : hostile) {
             const auto zoom = static_cast<float>(std::fmax(-1e6, std::fmin(1e6, b)));
             projection.setMapDimensions({a, b});
-            projection.setMapRotation({a});
-            projection.setMapViewingAngle({b});
+            projection.setMapRotation(Radians(a));
+            projection.setMapViewingAngle(Radians(b));
             projection.setInternalZoom(zoom);
             projection.worldCoordinateFor({b, a});
             projection.screenCoordinateFor({a, b});
-            projection.worldMapPoint({a, b}, {{a, b}, a, zoom, b, a});
-            projection.screenCoordinate({a, b}, {{a, b}, b, zoom, a, b});
+            projection.worldMapPoint({a, b}, {{a, b}, a, zoom, Radians(b), Radians(a)});
+            projection.screenCoordinate({a, b}, {{a, b}, b, zoom, Radians(a), Radians(b)});
             projection.frame().seesGround({a, b});
             const float fit = projection.zoomLevelToFit({a, b}, {b, a});
             EXPECT_TRUE(fit >= 14.0F && fit <= 22.0F) << a << ' ' << b;

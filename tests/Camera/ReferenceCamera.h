@@ -33,8 +33,8 @@ struct RandomCamera {
         target = {origin.lat + within(-reach, reach), origin.lon + within(-reach, reach)};
         size = {within(100, 2600), within(100, 2000)};
         const double tilt = within(0, 1) < 0.2 ? 0.0 : within(0, 0.9599311);
-        pose = {GeoUtils::scenePoint(target), target.lat, static_cast<float>(within(14, 22)), within(-7, 7),
-                tilt};
+        pose = {GeoUtils::scenePoint(target), target.lat, static_cast<float>(within(14, 22)),
+                Radians(within(-7, 7)), Radians(tilt)};
         screen = {within(-0.1, 1.1) * size.x, within(0, 1.1) * size.y};
     }
 

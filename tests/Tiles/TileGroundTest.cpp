@@ -18,8 +18,8 @@ std::unique_ptr<CameraProjection> projectionFor(ScreenPoint size, float zoom, do
                                                 double tilt = 0, Coordinate target = {43.7362, 7.4245}) {
     auto projection = std::make_unique<CameraProjection>(target, size);
     projection->setMapZoom(zoom);
-    projection->setMapRotation({rotation});
-    projection->setMapViewingAngle({tilt});
+    projection->setMapRotation(Radians(rotation));
+    projection->setMapViewingAngle(Radians(tilt));
     return projection;
 }
 
