@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <SDL.h>
 
 namespace trelmix::apps {
 
@@ -44,6 +45,11 @@ std::string Stage::enterWindow(const ScreenLayout& layout, bool keepsPicture) {
         return host.reason();
     }
     _host = std::move(*host);
+    _host->setWakeUp([type = _window.wakeUpEvent()] {
+        SDL_Event event{};
+        event.type = type;
+        SDL_PushEvent(&event);
+    });
     RenderThread::Surface surface = _window.surface();
     surface.present = [this, present = std::move(surface.present)] {
         if (_isShown) {
@@ -132,6 +138,8 @@ Stage::~Stage() {
 }
 
 bool Stage::isSettled() {
+    // At rest there are frames only for who waits for them.
+    _thread->waitForUpdates(_thread->updateCount() + 1);
     const std::uint64_t updates = _thread->updateCount();
     const std::uint64_t presents = _thread->presentCount();
     const TileCounts tiles = countOf(_map);

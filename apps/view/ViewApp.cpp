@@ -5,6 +5,7 @@
 #include "view/CameraControl.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 #include <filesystem>
 #include <iostream>
@@ -14,8 +15,8 @@ namespace trelmix::apps {
 
 namespace {
 
-/// Milliseconds: the longest that an answer on the main queue waits for being taken.
-constexpr int kPatience = 8;
+/// Seconds: the longest sleep, after which messages and watched files are looked at.
+constexpr double kLongestSleep = 1;
 /// The longest that a window keeps its old picture while the new one's tiles come.
 constexpr std::chrono::seconds kLongestHold{10};
 
@@ -118,8 +119,9 @@ ExitCode ViewApp::run() {
 
 bool ViewApp::step() {
     SDL_Event event;
+    const int sleep = static_cast<int>(std::ceil(1000 * secondsToSleep()));
     bool isDue = false; // the picture, be it complete or not
-    for (bool isThere = SDL_WaitEventTimeout(&event, kPatience) != 0; isThere;
+    for (bool isThere = SDL_WaitEventTimeout(&event, sleep) != 0; isThere;
          isThere = SDL_PollEvent(&event) != 0) {
         _input.handle(event);
         isDue = isDue || isInput(event);
@@ -144,6 +146,15 @@ bool ViewApp::step() {
         endWhenDone();
     }
     return !_quits;
+}
+
+double ViewApp::secondsToSleep() const {
+    if (!_stage) {
+        return 0;
+    }
+    // Who waits for a picture to be complete sleeps for its frames instead.
+    const bool waitsForPicture = _options.frames.has_value() || !_stage->isShown();
+    return waitsForPicture ? 0 : std::min(kLongestSleep, _stage->host().secondsToPump());
 }
 
 void ViewApp::updateOverlays() {
@@ -217,7 +228,8 @@ Result<std::unique_ptr<Stage>> ViewApp::makeNextStage(const LoadedScene& scene, 
 void ViewApp::endWhenDone() {
     const std::chrono::duration<double> passed = Clock::now() - _start;
     const bool isLate = passed.count() >= _options.timeoutSeconds;
-    if (!isLate && (_stage->thread().updateCount() < *_options.frames || !_stage->isSettled())) {
+    const bool isSettled = _stage->isSettled();
+    if (!isLate && (!isSettled || _stage->thread().updateCount() < *_options.frames)) {
         return;
     }
     _quits = true;

@@ -49,8 +49,8 @@ public:
 
     /// Steps until the end.
     ExitCode run();
-    /// Waits a little for an event, handles what there is, and brings the window up to date. False at the
-    /// end.
+    /// Sleeps until there is something to do, handles what there is, and brings the window up to date. False
+    /// at the end.
     bool step();
 
     Stage& stage() const { return *_stage; }
@@ -67,6 +67,7 @@ private:
     Result<std::unique_ptr<Stage>> makeStage(const LoadedScene& scene, const SceneCamera& camera);
     /// The one after the present stage, which stays as it is when this fails.
     Result<std::unique_ptr<Stage>> makeNextStage(const LoadedScene& scene, const SceneCamera& camera);
+    double secondsToSleep() const;
     std::string showStage(std::unique_ptr<Stage> stage, bool keepsPicture);
     ScreenLayout layoutOf(const LoadedScene& scene) const;
     void updateLayout();

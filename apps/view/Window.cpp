@@ -84,6 +84,7 @@ Result<std::unique_ptr<Window>> Window::open(const std::string& title, CGSize si
         return Made::failure(std::move(fault));
     }
     std::unique_ptr<Window> made(new Window);
+    made->_wakeUpEvent = SDL_RegisterEvents(1);
     const bool countsInPixels = std::string(SDL_GetCurrentVideoDriver()) == "x11";
     made->_scale = scale || !countsInPixels ? scale : displayScale();
     const CGSize most = sizeOfDisplay();

@@ -34,6 +34,8 @@ public:
     /// Pixels per point.
     double scale() const;
     void setTitle(const std::string& title);
+    /// The kind of the event that only ends a wait for events.
+    std::uint32_t wakeUpEvent() const { return _wakeUpEvent; }
 
     /// Binds the context to the calling thread.
     bool makeCurrent();
@@ -52,6 +54,7 @@ private:
 
     SDL_Window* _window = nullptr;
     void* _context = nullptr;
+    std::uint32_t _wakeUpEvent = 0;
     /// Absent: as many as a unit has.
     std::optional<double> _scale;
 };

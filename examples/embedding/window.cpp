@@ -9,6 +9,7 @@
 #include <SDL.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 
@@ -92,6 +93,12 @@ bool handle(const SDL_Event& event, SDL_Window* window, TrelmixMapEngine& map, V
     return event.type != SDL_QUIT;
 }
 
+/// Milliseconds until something has to be done, if no event comes before.
+int sleepOf(const ViewHost& host, bool isCounting) {
+    const double seconds = host.needsDisplay() || isCounting ? 1.0 / 60 : host.secondsToPump();
+    return static_cast<int>(std::ceil(1000 * std::min(seconds, 3600.0)));
+}
+
 int run(SDL_Window* window, long frames) {
     const auto map = TrelmixMapEngineFactory::createMap();
     const auto application = std::make_shared<Application>(); // the map does not own its delegate
@@ -106,10 +113,15 @@ int run(SDL_Window* window, long frames) {
     tiles->setMap(map);
     TrelmixMapEngineFactory::createMapMarkerWith(square(24, 0xd03030), kHome)->setMap(map);
 
+    (*host)->setWakeUp([type = SDL_RegisterEvents(1)] {
+        SDL_Event event{};
+        event.type = type;
+        SDL_PushEvent(&event); // ends the wait below; the map itself must not be called here
+    });
     bool isOpen = true;
     for (long frame = 0; isOpen && (frames == 0 || frame < frames); ++frame) {
         SDL_Event event;
-        for (bool isThere = SDL_WaitEventTimeout(&event, 16) != 0; isThere;
+        for (bool isThere = SDL_WaitEventTimeout(&event, sleepOf(**host, frames > 0)) != 0; isThere;
              isThere = SDL_PollEvent(&event) != 0) {
             isOpen = handle(event, window, *map, **host) && isOpen;
         }

@@ -2,6 +2,7 @@
 
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/SceneLock.h"
+#include "Platform/Foundation/WakeUp.h"
 
 #include <limits>
 
@@ -74,6 +75,11 @@ void GeoNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
 
 void GeoNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     _cameraProjection = projection;
+}
+
+void GeoNode::setLayerIndex(std::int64_t index) {
+    _zIndex = index;
+    WakeUp::signal(Wake::frame); // which applies it
 }
 
 void GeoNode::applyRenderingOrder() {

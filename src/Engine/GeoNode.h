@@ -30,7 +30,7 @@ public:
     const std::shared_ptr<CameraProjection>& cameraProjection() const { return _cameraProjection; }
 
     std::int64_t layerIndex() const { return _zIndex; }
-    void setLayerIndex(std::int64_t index) { _zIndex = index; }
+    void setLayerIndex(std::int64_t index);
     bool isTappable() const { return _tappable; }
     void setIsTappable(bool tappable) { _tappable = tappable; }
     const std::any& applicationData() const { return _userInfo; }

@@ -1,6 +1,7 @@
 #include <Trelmix/Host/RenderThread.h>
 
 #include "Platform/Foundation/CallerFault.h"
+#include "Platform/Foundation/WakeUp.h"
 
 #include <Trelmix/Host/ViewHost.h>
 
@@ -25,6 +26,13 @@ public:
         : _host(std::move(host)), _surface(std::move(surface)) {}
 
     void run() {
+        const WakeUp wakeUp([this](Wake what) {
+            if (what == Wake::frame) {
+                const std::lock_guard guard(_mutex);
+                _mayHaveChanged = true;
+                _wake.notify_all();
+            }
+        });
         const bool canDraw = _host && _surface.makeCurrent && _surface.present && _surface.makeCurrent();
         if (canDraw) {
             drawUntilStopped();
@@ -55,6 +63,8 @@ public:
 
     bool waitForUpdates(std::uint64_t count) {
         std::unique_lock guard(_mutex);
+        _updatesWanted = std::max(_updatesWanted, count);
+        _wake.notify_all();
         _counted.wait(guard, [&] { return _updates >= count || _ended; });
         return _updates >= count;
     }
@@ -62,6 +72,7 @@ public:
     void setNeedsDisplay() {
         const std::lock_guard guard(_mutex);
         _needsDisplay = true;
+        _wake.notify_all();
     }
 
     bool runBetweenFrames(std::function<void()> job) {
@@ -79,17 +90,24 @@ private:
         while (!_stops) {
             runJob(guard);
             const bool always = std::exchange(_needsDisplay, false);
+            _mayHaveChanged = false;
             guard.unlock();
-            const bool isDrawn = _host->drawFrame(always) == ViewHost::Drawing::drawn;
-            if (isDrawn) {
+            const auto drawing = _host->drawFrame(always);
+            if (drawing == ViewHost::Drawing::drawn) {
                 _surface.present();
             }
             guard.lock();
             ++_updates;
-            _presents += isDrawn ? 1 : 0;
+            _presents += drawing == ViewHost::Drawing::drawn ? 1 : 0;
             _counted.notify_all();
             due = std::max(due + kFrameInterval, SteadyTime::now());
             _wake.wait_until(guard, due, [this] { return _stops || _job; });
+            // What failed is tried again, as nobody may tell when it would succeed.
+            _wake.wait(guard, [&] {
+                return _stops || _job || _needsDisplay || _mayHaveChanged || _updates < _updatesWanted ||
+                       drawing == ViewHost::Drawing::failed;
+            });
+            due = std::max(due, SteadyTime::now());
         }
     }
 
@@ -111,6 +129,8 @@ private:
     bool _stops = false;
     bool _ended = false;
     bool _needsDisplay = true;
+    bool _mayHaveChanged = false;
+    std::uint64_t _updatesWanted = 0;
     std::function<void()> _job;
     std::uint64_t _updates = 0;
     std::uint64_t _presents = 0;

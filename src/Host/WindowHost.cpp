@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace trelmix {
@@ -42,9 +43,12 @@ private:
 };
 
 WindowHost::WindowHost(HostedEngine engine, Options options)
-    : _engine(std::move(engine)), _options(options), _touches(_engine.engine().view(), kFraction) {}
+    : _engine(std::move(engine)), _options(options), _touches(_engine.engine().view(), kFraction) {
+    setWakeUp(nullptr);
+}
 
 WindowHost::~WindowHost() {
+    _wakeUp.reset();
     _renderer.reset();
     if (_graveyard) {
         _graveyard->deleteObjects();
@@ -74,6 +78,7 @@ std::string WindowHost::place(const Layout& layout) {
     }
     _layout = layout;
     _layoutChanged = true;
+    WakeUp::signal(Wake::frame);
     return {};
 }
 
@@ -91,6 +96,7 @@ void WindowHost::touchMoved(std::int64_t identifier, CGPoint point, double time)
         before.swap(_moves);
     }
     _moves.push_back({identifier, TouchPhase::moved, inMap(point), time});
+    WakeUp::signal(Wake::work);
     if (!before.empty()) {
         _touches.handle(before);
     }
@@ -113,11 +119,15 @@ void WindowHost::cancelTouches() {
 }
 
 void WindowHost::setOverlayImages(std::vector<OverlayImage> images) {
-    const std::lock_guard guard(_overlayMutex);
-    if (!sameList(images, _overlays)) {
-        _overlays = std::move(images);
+    {
+        const std::lock_guard guard(_overlayMutex);
+        if (sameList(images, _overlays)) {
+            return;
+        }
+        _overlays.swap(images);
         ++_overlayNumber;
     }
+    WakeUp::signal(Wake::frame);
 }
 
 bool WindowHost::pump() {
@@ -132,7 +142,55 @@ void WindowHost::waitForWork(double seconds) {
     RunLoop::main().wait(seconds);
 }
 
+void WindowHost::setWakeUp(std::function<void()> function) {
+    if (!requireMainThread("ViewHost::setWakeUp")) {
+        return;
+    }
+    _wakeUp.reset();
+    const auto isCalling = std::make_shared<bool>(false);
+    const auto tell = [this, isCalling, function = std::move(function)](Wake what) {
+        if (what == Wake::frame) {
+            _needsDisplay = true;
+        }
+        // A function that changes something itself has no need to hear of it.
+        if (function && !*isCalling && !_isTold.exchange(true)) {
+            const auto flag = isCalling; // the function may destroy this host, and what is captured here
+            *flag = true;
+            guarded("a wake-up function threw an exception", function);
+            *flag = false;
+        }
+    };
+    _isTold = false;
+    _wakeUp = std::make_unique<WakeUp>(tell);
+    // What there was to do before is news to a new owner.
+    WakeUp::signal(Wake::frame);
+}
+
+bool WindowHost::needsDisplay() const {
+    _isTold = false;
+    return _needsDisplay;
+}
+
+double WindowHost::secondsToPump() const {
+    if (!requireMainThread("ViewHost::secondsToPump")) {
+        return std::numeric_limits<double>::infinity();
+    }
+    _isTold = false;
+    return _moves.empty() ? RunLoop::main().secondsToWork() : 0;
+}
+
 ViewHost::Drawing WindowHost::drawFrame(bool always) {
+    const std::weak_ptr<const bool> life = _life;
+    // Before it is looked what there is to draw: what changes from here on is for the next frame.
+    _needsDisplay = false;
+    const Drawing drawing = drawChanges(always);
+    if (!life.expired() && _uploadsLeft > 0) {
+        WakeUp::signal(Wake::frame);
+    }
+    return drawing;
+}
+
+ViewHost::Drawing WindowHost::drawChanges(bool always) {
     DrawFrame frame;
     Layout layout;
     bool changed = always;
@@ -183,6 +241,7 @@ void WindowHost::contextWasLost() {
     _graveyard = nullptr; // its names went with the context
     _capabilities.reset();
     _drawn = {};
+    WakeUp::signal(Wake::frame);
 }
 
 void WindowHost::deliver(const Touch& touch) {

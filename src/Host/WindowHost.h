@@ -1,11 +1,14 @@
 #pragma once
 
 #include "Host/HostedEngine.h"
+#include "Platform/Foundation/WakeUp.h"
 #include "Platform/View/TouchDispatcher.h"
 #include "Render/Renderer.h"
 
 #include <Trelmix/Host/ViewHost.h>
 
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -36,6 +39,9 @@ public:
     void setOverlayImages(std::vector<OverlayImage> images) override;
     bool pump() override;
     void waitForWork(double seconds) override;
+    void setWakeUp(std::function<void()> function) override;
+    bool needsDisplay() const override;
+    double secondsToPump() const override;
     Drawing drawFrame(bool always) override;
     Result<std::shared_ptr<const UIImage>> image() override;
     std::string failure() const override { return _failure; }
@@ -48,8 +54,13 @@ private:
     void deliver(const Touch& touch);
     CGPoint inMap(CGPoint point) const;
     bool prepare();
+    Drawing drawChanges(bool always);
     bool draw(const DrawFrame& frame, const Layout& layout, const std::vector<OverlayImage>& overlays);
 
+    /// There is a frame to draw.
+    std::atomic<bool> _needsDisplay = true;
+    /// The owner has been woken and has not asked since.
+    mutable std::atomic<bool> _isTold = false;
     /// Ends with this host.
     std::shared_ptr<const bool> _life = std::make_shared<const bool>(true);
     HostedEngine _engine;
@@ -71,6 +82,8 @@ private:
     double _drawnScale = 1;
     int _uploadsLeft = 0;
     std::string _failure;
+    /// The last member: its end waits for a call under way.
+    std::unique_ptr<WakeUp> _wakeUp;
 };
 
 } // namespace trelmix

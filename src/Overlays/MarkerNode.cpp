@@ -1,5 +1,6 @@
 #include "Overlays/MarkerNode.h"
 
+#include "Platform/Foundation/WakeUp.h"
 #include "Platform/Scene/SCNAction.h"
 
 #include <atomic>
@@ -105,7 +106,7 @@ void MarkerNode::setGroundAnchor(CGPoint anchor) {
 void MarkerNode::setIsFlat(bool flat) {
     if (const MainEntry entry{"setIsFlat"}) {
         _isFlat = flat;
-        _needsUpdate = true;
+        needUpdate();
         if (_markerIcon) {
             prepareMarkerIcon();
         }
@@ -133,7 +134,12 @@ void MarkerNode::prepareMarkerIcon() {
     setPivot({(static_cast<float>(_groundAnchor.x) - 0.5F) * width,
               -((static_cast<float>(_groundAnchor.y) - 0.5F) * height), 0});
     setGeometry(std::move(plane));
+    needUpdate();
+}
+
+void MarkerNode::needUpdate() {
     _needsUpdate = true;
+    WakeUp::signal(Wake::frame);
 }
 
 void MarkerNode::storeRotation(double degrees) {
@@ -142,7 +148,7 @@ void MarkerNode::storeRotation(double degrees) {
     if (rotation.isFinite()) {
         _shownRotation = rotation;
     }
-    _needsUpdate = true;
+    needUpdate();
 }
 
 void MarkerNode::setMarkerRotation(double degrees) {
@@ -185,7 +191,7 @@ void MarkerNode::rotationEnded(std::uint64_t number, Radians rotation) {
     if (number == _rotationNumber) {
         _shownRotation = rotation;
         _markerRotationActive = false;
-        _needsUpdate = true;
+        needUpdate();
     }
 }
 
@@ -193,7 +199,7 @@ void MarkerNode::actionsWereCancelled() {
     // The move may have been cancelled while the rotation goes on.
     if (!runsActionOf(SCNAction::Kind::rotate)) {
         _markerRotationActive = false;
-        _needsUpdate = true;
+        needUpdate();
     }
 }
 
@@ -252,7 +258,7 @@ void MarkerNode::addToMap(TrelmixMapEngineSceneView& mapSceneView) {
 void MarkerNode::clearEverything() {
     OverlayNode::clearEverything();
     _markerRotationActive = false;
-    _needsUpdate = true;
+    needUpdate();
 }
 
 void MarkerNode::dragBy(OpenGlPoint offset) {

@@ -68,6 +68,8 @@ private:
     bool place(CLLocationCoordinate2D coordinate);
     void standAtPlace();
     void prepareMarkerIcon();
+    /// With the next frame.
+    void needUpdate();
     void storeRotation(double degrees);
     void updateMarkerRotation();
     void rotateTo(double degrees, double duration);

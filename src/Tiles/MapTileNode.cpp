@@ -3,6 +3,7 @@
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/Thread.h"
+#include "Platform/Foundation/WakeUp.h"
 #include "Tiles/TileCoverage.h"
 
 #include <cmath>
@@ -39,6 +40,9 @@ MapTileNode::MapTileNode() {
 
 MapTileNode::~MapTileNode() {
     stopTileCleanupTimer();
+    if (_checkTimer) {
+        _checkTimer->invalidate();
+    }
 }
 
 std::shared_ptr<MapTileNode> MapTileNode::self() {
@@ -180,6 +184,10 @@ void MapTileNode::update(float zoom, Radians rotation, Radians viewingAngle) {
     if (!needsToRecalculateTiles(publicZoom, rotation, viewingAngle)) {
         return;
     }
+    if (const double sinceLast = Clock::now() - _lastCheck.timestamp; sinceLast < kCheckInterval) {
+        checkLater(kCheckInterval - sinceLast);
+        return;
+    }
     TileNeed need = tilesInView(*cameraProjection(), publicZoom);
     _lastCheck = {publicZoom,   rotation,
                   viewingAngle, cameraProjection()->cameraTargetMapPoint(),
@@ -187,15 +195,22 @@ void MapTileNode::update(float zoom, Radians rotation, Radians viewingAngle) {
     checkTilesAtCurrentZoomLevel(need.tiles);
 }
 
-bool MapTileNode::needsToRecalculateTiles(float zoom, Radians rotation, Radians viewingAngle) {
-    if (Clock::now() - _lastCheck.timestamp < kCheckInterval) {
-        return false;
+void MapTileNode::checkWithoutMovement() {
+    _lastCheck.target.reset();
+    WakeUp::signal(Wake::frame);
+}
+
+void MapTileNode::checkLater(double seconds) {
+    if (!_checkTimer || !_checkTimer->isValid()) {
+        _checkTimer = Timer::scheduledTimer(seconds, false, [] { WakeUp::signal(Wake::frame); });
     }
-    const WorldMapPoint target = cameraProjection()->cameraTargetMapPoint();
+}
+
+bool MapTileNode::needsToRecalculateTiles(float zoom, Radians rotation, Radians viewingAngle) const {
     if (!_lastCheck.target) {
-        _lastCheck.target = target;
         return true;
     }
+    const WorldMapPoint target = cameraProjection()->cameraTargetMapPoint();
     if (std::abs(_lastCheck.zoom - zoom) > kZoomThreshold ||
         std::abs(std::round(_lastCheck.zoom) - std::round(zoom)) >= 0.5F) {
         return true;

@@ -53,7 +53,7 @@ public:
     void show(const TileIndex& tile, TileAnswer answer);
     void trimImageCache();
     /// The next check does not wait for the camera to move.
-    void checkWithoutMovement() { _lastCheck.target.reset(); }
+    void checkWithoutMovement();
 
 private:
     using Level = std::map<TileIndex, std::shared_ptr<SingleMapTileNode>>;
@@ -73,7 +73,9 @@ private:
 
     MapTileNode();
 
-    bool needsToRecalculateTiles(float zoom, Radians rotation, Radians viewingAngle);
+    bool needsToRecalculateTiles(float zoom, Radians rotation, Radians viewingAngle) const;
+    /// Has a frame wanted that long from now.
+    void checkLater(double seconds);
     void checkTilesAtCurrentZoomLevel(const std::vector<TileIndex>& tiles);
     Nodes takeUnneeded(Level& level, const std::vector<TileIndex>& needed);
     void clearMapData();
@@ -90,6 +92,7 @@ private:
     /// By whole zoom.
     std::map<std::int64_t, Level> _mapTiles;
     std::shared_ptr<Timer> _tileCleanupTimer;
+    std::shared_ptr<Timer> _checkTimer;
     bool _startedCleanupTimer = false;
 };
 

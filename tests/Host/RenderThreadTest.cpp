@@ -112,6 +112,29 @@ TEST_F(RenderThreadTest, presentsWhatChangesAndNothingElse) {
     EXPECT_EQ(static_cast<std::uint64_t>(screen.presentCount), thread->presentCount());
 }
 
+TEST_F(RenderThreadTest, sleepsUntilSomethingChanges) {
+    std::promise<void> shown;
+    std::atomic<bool> waits = false;
+    screen.onPresent = [&] {
+        if (waits.exchange(false)) {
+            shown.set_value();
+        }
+    };
+    auto thread = start();
+    rest(*thread);
+    for (const bool byCamera : {true, false}) {
+        shown = {};
+        waits = true;
+        if (byCamera) {
+            engine->setCameraWithRotation(45, 0, 18, false);
+        } else {
+            thread->setNeedsDisplay();
+        }
+        shown.get_future().wait();
+        rest(*thread);
+    }
+}
+
 TEST_F(RenderThreadTest, stopsAtAnyMoment) {
     start().reset();
     const int presents = screen.presentCount;

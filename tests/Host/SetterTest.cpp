@@ -25,16 +25,20 @@ public:
         ground->setColor(UIColor{1, 0, 0, 1});
         ground->setMap(engine);
         _host = std::move(*ViewHost::make(engine, {{100, 80}, {{0, 0}, {100, 80}}, 1}, {}));
+        _host->setWakeUp([this] { ++wakeUps; });
     }
+    /// As an event loop does it that sleeps while there is nothing to draw.
     bool isDrawn() {
         Clock::set(Clock::now() + 1.0 / 60);
-        const bool drawn = _host->drawFrame() == ViewHost::Drawing::drawn;
+        const bool drawn = _host->needsDisplay() && _host->drawFrame() == ViewHost::Drawing::drawn;
         _host->pump();
         return drawn;
     }
     std::vector<std::uint8_t> pictureAtRest() {
-        while (isDrawn()) {
+        while (_host->needsDisplay()) {
+            isDrawn();
         }
+        wakeUps = 0;
         const auto picture = *_host->image();
         return {picture->pixels().begin(), picture->pixels().end()};
     }
@@ -42,6 +46,8 @@ public:
     std::shared_ptr<TrelmixMapEngine> engine = TrelmixMapEngineFactory::createMap();
     std::shared_ptr<TrelmixMapPolygon> ground = TrelmixMapEngineFactory::createMapPolygonWithCorners(
         {{53.4999, 9.9990}, {53.4999, 10.0010}, {53.4990, 10.0010}, {53.4990, 9.9990}});
+
+    int wakeUps = 0;
 
 private:
     std::shared_ptr<Tiles> _tiles = std::make_shared<Tiles>();
@@ -68,6 +74,7 @@ protected:
         overlay->setMap(resting.engine);
         const auto first = resting.pictureAtRest();
         change(*overlay, *resting.engine);
+        EXPECT_EQ(resting.wakeUps, 1);
         EXPECT_TRUE(resting.isDrawn());
         const auto changed = resting.pictureAtRest();
         EXPECT_TRUE(changed != first);

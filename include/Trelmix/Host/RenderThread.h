@@ -13,7 +13,8 @@ namespace trelmix {
 class ViewHost;
 
 /// A thread that owns the window's context: it draws a ViewHost's frames, at most sixty a second, and
-/// presents those in which something has changed. Between them it makes no OpenGL call.
+/// presents those in which something has changed. Between them it makes no OpenGL call, and sleeps while
+/// nothing changes.
 ///
 /// Started and destroyed on the main thread, which meanwhile pumps the host. Before the start the thread that
 /// made the context must release it: a context is current on one thread only. Destroyed inside a call that
@@ -41,8 +42,8 @@ public:
     virtual std::uint64_t updateCount() const = 0;
     /// Frames that were presented: those in which something had changed. Any thread.
     virtual std::uint64_t presentCount() const = 0;
-    /// Waits until that many updates have been made since the start; false when the thread has ended before,
-    /// and at once when called on the drawing thread.
+    /// Waits until that many updates have been made since the start, also while nothing changes; false when
+    /// the thread has ended before, and at once when called on the drawing thread.
     virtual bool waitForUpdates(std::uint64_t count) = 0;
     /// Has the next frame drawn and presented whether or not something changed (an uncovered window). Any
     /// thread.

@@ -7,6 +7,7 @@
 #include <Trelmix/TrelmixMapEngine.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -92,6 +93,20 @@ public:
     virtual bool pump() = 0;
     /// Waits until there is something to pump, at most `seconds`.
     virtual void waitForWork(double seconds) = 0;
+
+    /// Has `function` called when there may be a frame to draw or something to pump, so that an event loop
+    /// can sleep until then: after it, ask `needsDisplay` and `secondsToPump`. It is called on whichever
+    /// thread has the news, and not again before one of the two has been asked. It only notes and signals
+    /// (posts an event to the loop): it neither calls the engine nor waits. Empty ends it; once this returns
+    /// the one before is not called any more. Main thread.
+    virtual void setWakeUp(std::function<void()> function) = 0;
+    /// Whether `drawFrame` may find something new: an overlay, the camera, the layout has changed since, an
+    /// animation runs, images are still on their way to the graphics processor. True before the first frame.
+    /// Any thread.
+    virtual bool needsDisplay() const = 0;
+    /// Seconds until `pump` wants to be called: 0 when there is something to run, infinite when nothing is
+    /// known that will be. Main thread.
+    virtual double secondsToPump() const = 0;
 
     /// Advances animations, updates the overlays and draws into the framebuffer that is bound in the current
     /// context: inside the map's rectangle, and where overlay images lie. Puts every OpenGL state it changes

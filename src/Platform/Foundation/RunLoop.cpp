@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
+#include "Platform/Foundation/WakeUp.h"
 
 #include <algorithm>
 #include <chrono>
@@ -135,10 +136,13 @@ void DispatchQueue::async(Block block) {
     if (!block) {
         return;
     }
-    Loop& main = loop();
-    const std::lock_guard guard(main.mutex);
-    main.blocks.push_back(std::move(block));
-    main.wake.notify_all();
+    {
+        Loop& main = loop();
+        const std::lock_guard guard(main.mutex);
+        main.blocks.push_back(std::move(block));
+        main.wake.notify_all();
+    }
+    WakeUp::signal(Wake::work);
 }
 
 bool DispatchQueue::isEmpty() const {
@@ -155,11 +159,14 @@ std::shared_ptr<Timer> Timer::scheduledTimer(double interval, bool repeats, Bloc
     state->repeats = repeats;
     state->block = std::make_shared<const Block>(block ? std::move(block) : Block([] {}));
     auto timer = std::make_shared<Timer>(state);
-    Loop& main = loop();
-    const std::lock_guard guard(main.mutex);
-    state->order = main.timersMade++;
-    main.timers.push_back(std::move(state));
-    main.wake.notify_all();
+    {
+        Loop& main = loop();
+        const std::lock_guard guard(main.mutex);
+        state->order = main.timersMade++;
+        main.timers.push_back(std::move(state));
+        main.wake.notify_all();
+    }
+    WakeUp::signal(Wake::work);
     return timer;
 }
 
@@ -230,6 +237,16 @@ void RunLoop::wait(double seconds) {
         }
         main.wake.wait_until(lock, until);
     }
+}
+
+double RunLoop::secondsToWork() const {
+    const Loop& main = loop();
+    const std::lock_guard guard(main.mutex);
+    if (!main.blocks.empty()) {
+        return 0;
+    }
+    return Clock::isRunning() ? std::max(0.0, main.nextFireTime() - Clock::now())
+                              : std::numeric_limits<double>::infinity();
 }
 
 void RunLoop::reset() {

@@ -54,6 +54,9 @@ public:
     /// Waits until a block is queued, the next timer is due on a running clock, or `seconds` have passed;
     /// main thread only. With a stopped clock no timer ends the wait.
     void wait(double seconds);
+    /// Seconds until there is something to pump: 0 when a block is queued or a timer is due; infinite when
+    /// there is none, or only timers of a stopped clock. Any thread.
+    double secondsToWork() const;
     /// Drops all blocks and timers. For test fixtures.
     void reset();
 };

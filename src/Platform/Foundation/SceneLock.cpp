@@ -1,5 +1,7 @@
 #include "Platform/Foundation/SceneLock.h"
 
+#include "Platform/Foundation/WakeUp.h"
+
 #include <mutex>
 
 namespace trelmix {
@@ -21,8 +23,11 @@ SceneLock::SceneLock() {
 }
 
 SceneLock::~SceneLock() {
-    --levelsHeldHere;
+    const bool isLast = --levelsHeldHere == 0;
     sceneMutex().unlock();
+    if (isLast) {
+        WakeUp::passOn();
+    }
 }
 
 bool SceneLock::isHeldHere() {

@@ -16,7 +16,7 @@ SCNNode::~SCNNode() = default;
 void SCNNode::setNeedsDrawing() {
     _needsDrawing = true;
     if (_scene) {
-        _scene->_contentChanged = true;
+        _scene->contentChanged();
         _scene->_spheres.forget(_slot);
     }
 }
@@ -74,7 +74,7 @@ void SCNNode::setIsHidden(bool hidden) {
     if (_isHidden != hidden) {
         _isHidden = hidden;
         if (_scene) {
-            _scene->_orderChanged = true;
+            _scene->orderChanged();
         }
     }
 }
@@ -84,7 +84,7 @@ void SCNNode::setRenderingOrder(std::int64_t order) {
         _renderingOrder = order;
         setNeedsDrawing();
         if (_scene) {
-            _scene->_orderChanged = true;
+            _scene->orderChanged();
         }
     }
 }
@@ -94,7 +94,7 @@ void SCNNode::setDrawSequence(std::uint64_t sequence) {
         _drawSequence = sequence;
         setNeedsDrawing();
         if (_scene) {
-            _scene->_orderChanged = true;
+            _scene->orderChanged();
         }
     }
 }
@@ -104,7 +104,7 @@ void SCNNode::setGeometry(std::shared_ptr<SCNGeometry> geometry) {
     _geometry = std::move(geometry);
     setNeedsDrawing();
     if (_scene && appearsOrGoes) {
-        _scene->_orderChanged = true;
+        _scene->orderChanged();
     }
 }
 
@@ -143,6 +143,7 @@ void SCNNode::runAction(const std::shared_ptr<const SCNAction>& action, std::fun
     _runs.push_back(std::move(run));
     if (wasIdle) {
         _scene->_acting.push_back(weak_from_this());
+        _scene->contentChanged();
     }
 }
 

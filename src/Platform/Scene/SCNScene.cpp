@@ -1,5 +1,7 @@
 #include "Platform/Scene/SCNScene.h"
 
+#include "Platform/Foundation/WakeUp.h"
+
 #include <algorithm>
 
 namespace trelmix {
@@ -24,7 +26,7 @@ void SCNScene::addChildNode(const std::shared_ptr<SCNNode>& node) {
     _children.push_back(node);
     _spheres.add();
     _snapshot = nullptr;
-    _orderChanged = true;
+    orderChanged();
 }
 
 void SCNScene::remove(SCNNode& node) {
@@ -35,10 +37,20 @@ void SCNScene::remove(SCNNode& node) {
     _spheres.clear(node._slot);
     ++_emptyPlaces;
     _snapshot = nullptr;
-    _orderChanged = true;
+    orderChanged();
     if (_emptyPlaces > 64 && _emptyPlaces * 2 > _children.size()) {
         compact();
     }
+}
+
+void SCNScene::contentChanged() {
+    _contentChanged = true;
+    WakeUp::signal(Wake::frame);
+}
+
+void SCNScene::orderChanged() {
+    _orderChanged = true;
+    WakeUp::signal(Wake::frame);
 }
 
 void SCNScene::compact() {
@@ -73,6 +85,9 @@ void SCNScene::advanceActions(double time) {
         if (node && node->_scene == this && node->advanceActions(time)) {
             _acting.push_back(weak);
         }
+    }
+    if (hasActions()) {
+        WakeUp::signal(Wake::frame);
     }
 }
 

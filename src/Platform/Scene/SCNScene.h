@@ -40,6 +40,10 @@ private:
     friend class SCNNode;
     friend std::vector<SCNHitTestResult> hitTestScene(SCNScene& scene, const SceneRay& ray, bool boxesOnly);
     void remove(SCNNode& node);
+    /// The next list is made anew. Both want a frame.
+    void contentChanged();
+    /// What is painted, or in which order.
+    void orderChanged();
     void compact();
     void sortVisible();
 

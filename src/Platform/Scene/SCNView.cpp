@@ -1,6 +1,7 @@
 #include "Platform/Scene/SCNView.h"
 
 #include "Platform/Foundation/SceneLock.h"
+#include "Platform/Foundation/WakeUp.h"
 
 #include <cmath>
 
@@ -8,6 +9,16 @@ namespace trelmix {
 
 std::shared_ptr<SCNView> SCNView::make(CGRect frame) {
     return std::shared_ptr<SCNView>(new SCNView(frame));
+}
+
+void SCNView::setScene(std::shared_ptr<SCNScene> scene) {
+    _scene = std::move(scene);
+    WakeUp::signal(Wake::frame);
+}
+
+void SCNView::setIsPlaying(bool playing) {
+    _isPlaying = playing;
+    WakeUp::signal(Wake::frame);
 }
 
 DrawCamera SCNView::drawCamera() const {

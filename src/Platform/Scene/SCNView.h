@@ -26,7 +26,7 @@ public:
     static std::shared_ptr<SCNView> make(CGRect frame);
 
     const std::shared_ptr<SCNScene>& scene() const { return _scene; }
-    void setScene(std::shared_ptr<SCNScene> scene) { _scene = std::move(scene); }
+    void setScene(std::shared_ptr<SCNScene> scene);
     /// The node whose camera the scene is seen with.
     void setPointOfView(const std::shared_ptr<SCNNode>& node) { _pointOfView = node; }
     std::shared_ptr<SCNNode> pointOfView() const { return _pointOfView.lock(); }
@@ -37,7 +37,7 @@ public:
     void setAllowsCameraControl(bool) {}
     /// While false, no frame advances or updates anything.
     bool isPlaying() const { return _isPlaying; }
-    void setIsPlaying(bool playing) { _isPlaying = playing; }
+    void setIsPlaying(bool playing);
     /// Seconds; only kept, frames take their time from the clock.
     double sceneTime() const { return _sceneTime; }
     void setSceneTime(double time) { _sceneTime = time; }

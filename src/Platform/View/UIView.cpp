@@ -1,5 +1,6 @@
 #include <Trelmix/Platform/UIView.h>
 
+#include "Platform/Foundation/WakeUp.h"
 #include "Platform/View/ViewNode.h"
 
 #include <algorithm>
@@ -49,10 +50,12 @@ void UIView::setFrame(CGRect frame) {
 
 void UIView::setAlpha(double alpha) {
     _alpha = std::isnan(alpha) ? 1.0 : std::clamp(alpha, 0.0, 1.0);
+    WakeUp::signal(Wake::frame);
 }
 
 void UIView::setBackgroundColor(std::optional<UIColor> color) {
     _backgroundColor = color;
+    WakeUp::signal(Wake::frame);
 }
 
 void UIView::addSubview(const std::shared_ptr<UIView>& view) {

@@ -73,13 +73,25 @@ protected:
     /// Until tiles are there and the picture stands still.
     void settle() {
         const auto start = app->stage().thread().updateCount();
-        ASSERT_TRUE(until(
-            [&] { return app->stage().thread().updateCount() > start + 2 && app->stage().isSettled(); }));
+        ASSERT_TRUE(until([&] {
+            wakeLoop();
+            return app->stage().isSettled() && app->stage().thread().updateCount() > start + 2;
+        }));
     }
     /// For as many frames as a gesture takes to be told from another one.
     void wait(double seconds) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-        until([&] { return std::chrono::steady_clock::now() >= end; });
+        until([&] {
+            app->stage().thread().waitForUpdates(app->stage().thread().updateCount() + 1);
+            wakeLoop();
+            return std::chrono::steady_clock::now() >= end;
+        });
+    }
+    /// The next step of the loop does not sleep.
+    void wakeLoop() {
+        SDL_Event event{};
+        event.type = app->window().wakeUpEvent();
+        SDL_PushEvent(&event);
     }
 
     void send(SDL_Event event) {
