@@ -1,5 +1,4 @@
-// Levels files of any bytes: refused with one line, or a projection whose every operation survives every
-// number.
+// Levels files of any bytes: refused in one line, or a projection that survives every number.
 #include "Sideview/SideviewProjection.h"
 
 #include <array>

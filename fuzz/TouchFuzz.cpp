@@ -1,6 +1,4 @@
-// Random fingers on a view tree: whatever came, all recognisers are at rest once every finger is up and time
-// has passed.
-
+// Random fingers on a view tree: all recognisers are at rest once every finger is up and time has passed.
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/View/TouchDispatcher.h"
@@ -15,7 +13,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 using namespace trelmix;
 
@@ -149,8 +146,7 @@ void feed(Stage& stage, Bytes& bytes) {
         }
         const bool isOddTime = (what & 0xC0) == 0x80;
         time = isOddTime ? bytes.nextNumber() : Clock::now();
-        const double x = bytes.nextNumber();
-        const double y = bytes.nextNumber();
+        const double x = bytes.nextNumber(), y = bytes.nextNumber();
         stage.dispatcher->handle({identifier, phase, {x, y}, time});
     }
 }

@@ -1,6 +1,4 @@
-// Layout formats of any bytes: a constraint or one printable line, and the layout pass survives what was
-// accepted.
-
+// Layout formats of any bytes: one printable line, or a constraint that the layout pass survives.
 #include "Platform/View/LayoutConstraint.h"
 
 #include "Platform/View/ViewNode.h"

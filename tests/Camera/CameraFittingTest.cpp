@@ -3,23 +3,18 @@
 #include <Trelmix/CameraFitting.h>
 
 #include "Geo/GeoUtils.h"
+#include "support/NotFinite.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <limits>
 #include <random>
 #include <vector>
 
-namespace trelmix {
-namespace {
+namespace trelmix::camera_fitting_test {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-/// The margins that a map opened with the camera leaves around the places, as shares of the view; smallest
-/// first.
+/// The margins that the camera leaves around the places, as shares of the view; smallest first.
 std::array<double, 4> marginsSeen(const TrelmixMapEngineCamera& camera,
                                   const std::vector<CLLocationCoordinate2D>& places, CGSize size) {
     CameraProjection projection(coordinateOf(camera.target()), {size.width, size.height});
@@ -80,5 +75,4 @@ TEST(CameraFitting, zoomsStayWithinTheirLimitsAndCentredWhateverIsInvalid) {
     EXPECT_FALSE(cameraShowing({}, {800, 600}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::camera_fitting_test

@@ -2,6 +2,7 @@
 
 #include "Camera/ZoomLimits.h"
 #include "Geo/GeoUtils.h"
+#include "support/NotFinite.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +10,8 @@
 #include <limits>
 #include <numbers>
 
-namespace trelmix {
-namespace {
+namespace trelmix::camera_projection_test {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr float kFloatNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr Coordinate kHarbour{43.735, 7.421};
 
@@ -119,5 +117,4 @@ TEST_F(ProjectionTest, aZoomThatIsNoNumberIsTheLowestAndALimitThatIsNoneChangesN
     EXPECT_EQ(CameraProjection::zoomLevelSanitised(18), 21.0F) << "a minimum above the maximum wins";
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::camera_projection_test

@@ -4,8 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::camera_bounds_test {
 
 constexpr double kWorld = 256.0 * ZOOMLEVEL_MAX_SCALE;
 
@@ -14,8 +13,7 @@ TEST(CameraBounds, theTargetGoesToTheNearestPointOfTheRectangle) {
     const WorldMapPoint ne = GeoUtils::scenePoint(northEast), sw = GeoUtils::scenePoint(southWest);
     const WorldMapPoint middle{(ne.x + sw.x) / 2, (ne.y + sw.y) / 2};
     struct Case {
-        WorldMapPoint target;
-        WorldMapPoint expected;
+        WorldMapPoint target, expected;
     };
     for (const Case& c : {Case{middle, middle}, Case{{middle.x, sw.y + 600}, {middle.x, sw.y}},
                           Case{{sw.x - 300, middle.y}, {sw.x, middle.y}}, Case{{ne.x + 500, ne.y - 100}, ne},
@@ -34,5 +32,4 @@ TEST(CameraBounds, aCornerAtAPoleLiesOnTheEdgeOfTheMap) {
     EXPECT_EQ(nearestPointInBounds({0, 2 * kWorld}, northEast, southWest), (WorldMapPoint{west, kWorld}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::camera_bounds_test

@@ -1,14 +1,11 @@
 #include "support/DelegateLog.h"
 #include "support/EngineFixture.h"
 
-#include <limits>
 #include <stdexcept>
 
-namespace trelmix {
-namespace {
+namespace trelmix::camera_path_test {
 
 constexpr CLLocationCoordinate2D kPlace{54.35, 11.2};
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 using Calls = std::vector<std::string>;
 
@@ -88,8 +85,7 @@ TEST_F(CameraPath, numbersThatAreNotFiniteLeaveTheCameraAsItWas) {
     start();
     const auto before = engine->camera();
     for (const auto& bad :
-         {record({kNaN, 11}, 0, 0, 17), record({-90, 11}, 0, 0, 17),
-          record(kPlace, std::numeric_limits<double>::infinity(), 0, 18),
+         {record({kNaN, 11}, 0, 0, 17), record({-90, 11}, 0, 0, 17), record(kPlace, kInfinity, 0, 18),
           record(kPlace, 0, 0, static_cast<float>(kNaN)), std::shared_ptr<TrelmixMapEngineCamera>()}) {
         engine->setCamera(bad, false);
     }
@@ -119,8 +115,7 @@ TEST_F(CameraPath, anAnimationRunsTheShortWayInAFifthOfASecondAndThenReports) {
     EXPECT_NEAR(engine->camera()->zoom(), 17, 1e-5);
     step(0.1);
     EXPECT_NEAR(engine->camera()->zoom(), 17.5, 1e-3);
-    // Halfway between 170 and 190: 180, seen by the camera node as minus that. Plus 180 is nearly twice
-    // round.
+    // Halfway from 170 to 190, as the camera node counts; plus 180 would be nearly twice round.
     EXPECT_NEAR(lastFrame.camera.eulerAngles.z, -3.14159, 1e-3);
     EXPECT_EQ(log->calls, Calls{"willMove"});
     step(0.1);
@@ -206,5 +201,4 @@ TEST_F(CameraPath, boundsHoldTheTargetAndOneInvalidCornerSwitchesThemOff) {
     step();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::camera_path_test

@@ -7,8 +7,7 @@
 
 #include <stdexcept>
 
-namespace trelmix {
-namespace {
+namespace trelmix::delegate_group_test {
 
 struct Member : DelegateLog {
     bool handles = false;
@@ -35,8 +34,7 @@ protected:
         group->addMember(second);
     }
     std::shared_ptr<TrelmixMapEngineDelegateGroup> group = TrelmixMapEngineDelegateGroup::make();
-    std::shared_ptr<Member> first = std::make_shared<Member>();
-    std::shared_ptr<Member> second = std::make_shared<Member>();
+    std::shared_ptr<Member> first = std::make_shared<Member>(), second = std::make_shared<Member>();
 };
 
 TEST_F(DelegateGroup, everyMemberHearsOnceAndInOrderAlsoThroughGroupsWithinGroups) {
@@ -97,5 +95,4 @@ TEST_F(DelegateGroup, membersMayThrowComeAndGoInsideACall) {
     setCallerFaultHandler(nullptr);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::delegate_group_test

@@ -4,8 +4,7 @@
 
 #include <cmath>
 
-namespace trelmix {
-namespace {
+namespace trelmix::gesture_test {
 
 constexpr CLLocationCoordinate2D kPlace{54.35, 11.2};
 
@@ -127,5 +126,4 @@ TEST_F(Gesture, touchesBeforeTheFirstCameraAndOnAnEmptyViewDoNothing) {
     RunLoop::main().drain();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::gesture_test

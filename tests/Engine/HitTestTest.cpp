@@ -8,8 +8,7 @@
 #include <iterator>
 #include <random>
 
-namespace trelmix {
-namespace {
+namespace trelmix::hit_test_test {
 
 const DrawCamera kCamera{{0, 0, 0}, {-0.6, 0, 0.4}, {0, 0, -500}};
 constexpr CGSize kView{400, 300};
@@ -111,5 +110,4 @@ TEST(HitTest, findsTheSameNodesHoweverOftenTheSceneWasHitAndChangedBefore) {
     Clock::reset();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::hit_test_test

@@ -6,8 +6,7 @@
 #include <limits>
 #include <thread>
 
-namespace trelmix {
-namespace {
+namespace trelmix::overlay_base_test {
 
 class OverlayBase : public EngineFixture {
 protected:
@@ -53,5 +52,4 @@ TEST_F(OverlayBase,
     engine = makeEngine();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::overlay_base_test

@@ -7,8 +7,7 @@
 #include <Trelmix/TrelmixMapEngineFactory.h>
 #include <Trelmix/TrelmixMapPolyline.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::tap_test {
 
 constexpr CLLocationCoordinate2D kPlace{54.35, 11.2};
 constexpr CGPoint kMiddle{400, 300};
@@ -142,8 +141,7 @@ TEST_F(Tap, boxesOrWhatIsDrawnDecide) {
     const double radius = kMiddle.y - edge.y;
     struct Case {
         CGPoint at;
-        bool boxHit;
-        bool exactHit;
+        bool boxHit, exactHit;
     };
     for (const Case& c :
          {Case{{400 + radius * 0.9, 300 + radius * 0.9}, true, false}, // the box's corner
@@ -192,5 +190,4 @@ TEST_F(Tap, aDragEndsWhenItsMarkerLeavesTheMapOrTheTouchIsCancelled) {
     EXPECT_EQ(log->calls, (std::vector<std::string>{"begin", "drag", "end"}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::tap_test

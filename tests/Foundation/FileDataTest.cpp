@@ -8,8 +8,7 @@
 
 #include <sys/stat.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::file_data_test {
 
 std::string read(const std::string& path) {
     const auto data = readFile(path);
@@ -33,5 +32,4 @@ TEST(FileData, wholeFilesOrTheReasonWhyNot) {
     EXPECT_EQ(read(folder.path("pipe")), "?is no file");
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::file_data_test

@@ -2,20 +2,19 @@
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/Thread.h"
+#include "support/NotFinite.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cmath>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-namespace trelmix {
-namespace {
+namespace trelmix::run_loop_test {
 
 std::atomic<int> faultCount{0};
 
@@ -48,7 +47,7 @@ TEST(Clock, isSetForwardOnlyAndGoesOnFromThere) {
     Clock::reset();
     EXPECT_GE(Clock::now(), 1000);
     Clock::set(5000);
-    for (const double refused : {4999.0, std::numeric_limits<double>::infinity(), std::nan("")}) {
+    for (const double refused : {4999.0, kInfinity, std::nan("")}) {
         Clock::set(refused);
         EXPECT_EQ(Clock::now(), 5000);
     }
@@ -113,7 +112,6 @@ TEST_F(RunLoopTest, aRepeatingTimerThatWasLateFiresOnceAndKeepsItsRhythm) {
 }
 
 TEST_F(RunLoopTest, oddIntervalsNeverHangThePump) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     std::vector<std::shared_ptr<Timer>> timers;
     for (const double interval : {0.0, -5.0, std::nan(""), 1e-300, kInfinity, 1e300}) {
         timers.push_back(timer(interval, 'o', true));
@@ -188,7 +186,7 @@ TEST_F(RunLoopTest, waitingEndsWithABlockFromAnotherThreadAndWithATimer) {
     RunLoop::main().wait(60);
     RunLoop::main().pump();
     EXPECT_EQ(story, "bt");
-    RunLoop::main().wait(std::numeric_limits<double>::quiet_NaN());
+    RunLoop::main().wait(kNaN);
     RunLoop::main().wait(-1);
 }
 
@@ -214,5 +212,4 @@ TEST_F(RunLoopTest, everyBlockFromManyThreadsRunsOnceOnTheMainThread) {
     EXPECT_EQ(count, 2000);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::run_loop_test

@@ -6,8 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace trelmix {
-namespace {
+namespace trelmix::scene_lock_test {
 
 int faultCount = 0;
 
@@ -49,5 +48,4 @@ TEST(SceneLock, keepsThreadsApart) {
     EXPECT_FALSE(SceneLock::isHeldHere());
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::scene_lock_test

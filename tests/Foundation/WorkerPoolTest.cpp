@@ -9,8 +9,7 @@
 #include <thread>
 #include <vector>
 
-namespace trelmix {
-namespace {
+namespace trelmix::worker_pool_test {
 
 TEST(WorkerPool, startsJobsInOrderAndOutlivesThoseThatThrow) {
     std::vector<int> order;
@@ -32,8 +31,7 @@ TEST(WorkerPool, theDestructorDropsWaitingJobsAndWaitsForRunningOnes) {
     std::atomic<bool> finished{false};
     const auto dropped = std::make_shared<int>(0);
     {
-        std::promise<void> running;
-        std::promise<void> queued;
+        std::promise<void> running, queued;
         WorkerPool pool(1);
         pool.run([&] {
             ++started;
@@ -58,8 +56,7 @@ TEST(WorkerPool, theDestructorDropsWaitingJobsAndWaitsForRunningOnes) {
 
 TEST(WorkerPool, maySeeItsEndInsideItsOwnJob) {
     auto pool = std::make_shared<WorkerPool>(2);
-    std::promise<void> released;
-    std::promise<void> gone;
+    std::promise<void> released, gone;
     WorkerPool& running = *pool;
     running.run([own = pool, &gone, wait = released.get_future().share()]() mutable {
         wait.wait();
@@ -71,5 +68,4 @@ TEST(WorkerPool, maySeeItsEndInsideItsOwnJob) {
     gone.get_future().wait();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::worker_pool_test

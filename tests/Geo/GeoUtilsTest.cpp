@@ -1,4 +1,5 @@
 #include "Geo/GeoUtils.h"
+#include "support/NotFinite.h"
 
 #include <Trelmix/TrelmixMapEngineGeoUtils.h>
 
@@ -10,13 +11,9 @@
 #include <numbers>
 #include <random>
 
-namespace trelmix {
-namespace {
+namespace trelmix::geo_utils_test {
 
 using std::numbers::pi;
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 double foldedStepByStep(double longitude) {
     while (longitude < -180.0) {
@@ -57,8 +54,7 @@ TEST(MapPlane, longitudesOutsideTheWorldComeBackByStepsOf180) {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<double> x(-3000, 3000);
     for (int i = 0; i < 10000; ++i) {
-        const double mapX = x(random);
-        const double raw = mapX * HALF_DIM_PI_INV / DEG_TO_RAD_CONST - 180.0;
+        const double mapX = x(random), raw = mapX * HALF_DIM_PI_INV / DEG_TO_RAD_CONST - 180.0;
         ASSERT_EQ(GeoUtils::convertMapXToLong(mapX, 0), foldedStepByStep(raw)) << mapX;
     }
 }
@@ -87,8 +83,7 @@ TEST(Sphere, goingSomewhereArrivesAtThatDistanceInThatDirection) {
     std::uniform_real_distribution<double> magnitude(0, 6);
     for (int i = 0; i < 5000; ++i) {
         const CLLocationCoordinate2D from{latitude(random), longitude(random)};
-        const double heading = bearing(random);
-        const double distance = std::pow(10.0, magnitude(random));
+        const double heading = bearing(random), distance = std::pow(10.0, magnitude(random));
         const auto to = Public::getCoordinateFrom(from, heading, distance);
         ASSERT_NEAR(Public::getDistanceBetweenWithCoordinate1(from, to), distance, 1e-6 * distance + 1e-6);
         ASSERT_NEAR(std::remainder(Public::getBearingFrom(from, to) - heading, 2 * pi), 0, 1e-5);
@@ -130,5 +125,4 @@ TEST(BoundingRectangle, holdsOnlyWhatLiesStrictlyInside) {
     EXPECT_TRUE(GeoUtils::mapPointInsideBoundingRectangle({0, 0}, broken));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::geo_utils_test

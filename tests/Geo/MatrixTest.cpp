@@ -7,8 +7,7 @@
 #include <numeric>
 #include <random>
 
-namespace trelmix {
-namespace {
+namespace trelmix::matrix_test {
 
 Matrix square(std::vector<double> values, std::int64_t size) {
     return *Matrix::make(std::move(values), size, size);
@@ -81,5 +80,4 @@ TEST(Matrix, singularMatricesHaveNoGeneralInverseAndANonFiniteSmallOne) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::matrix_test

@@ -1,18 +1,15 @@
 #include "Platform/Graphics/Canvas.h"
 #include "Platform/Graphics/UIBezierPath.h"
+#include "support/NotFinite.h"
 #include "support/Pixels.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
-#include <limits>
-#include <ostream>
 #include <string>
-#include <vector>
 
-namespace trelmix {
-namespace {
+namespace trelmix::canvas_test {
 
 using Pixel = std::array<int, 4>;
 
@@ -20,14 +17,6 @@ constexpr Pixel kRed{255, 0, 0, 255};
 constexpr Pixel kBlue{0, 0, 255, 255};
 constexpr Pixel kWhite{255, 255, 255, 255};
 constexpr Pixel kNothing{0, 0, 0, 0};
-
-int inkCount(const UIImage& image, Pixel paper) {
-    int count = 0;
-    for (int i = 0; i < image.pixelWidth() * image.pixelHeight(); ++i) {
-        count += pixelAt(image, i % image.pixelWidth(), i / image.pixelWidth()) == paper ? 0 : 1;
-    }
-    return count;
-}
 
 TEST(Canvas, coloursArriveInTheImagesOrderAndPremultiplied) {
     Canvas canvas(4, 1);
@@ -40,7 +29,7 @@ TEST(Canvas, coloursArriveInTheImagesOrderAndPremultiplied) {
     EXPECT_EQ(pixelAt(*image, 2, 0), (Pixel{102, 0, 0, 102}));
     EXPECT_EQ(pixelAt(*image, 3, 0), kNothing);
     canvas.clear(UIColor::clearColor());
-    EXPECT_EQ(inkCount(*canvas.image(), kNothing), 0);
+    EXPECT_EQ(pixelsOtherThan(kNothing, *canvas.image()), 0);
     canvas.clear(UIColor::whiteColor());
     canvas.fillRect({{0, 0}, {1, 1}}, {1, 0, 0, 0.6});
     EXPECT_EQ(pixelAt(*canvas.image(), 0, 0), (Pixel{255, 102, 102, 255})) << "clearing alone replaces";
@@ -60,7 +49,7 @@ TEST(Canvas, countsInPointsWithItsScaleAndTransforms) {
     EXPECT_EQ(image->size(), (CGSize{20, 10}));
     EXPECT_EQ(pixelAt(*image, 14, 0), kRed);
     EXPECT_EQ(pixelAt(*image, 19, 7), kRed);
-    EXPECT_EQ(inkCount(*image, kNothing), 6 * 8);
+    EXPECT_EQ(pixelsOtherThan(kNothing, *image), 6 * 8);
 }
 
 TEST(Canvas, pathsAreFilledAndStroked) {
@@ -70,7 +59,7 @@ TEST(Canvas, pathsAreFilledAndStroked) {
     line.addLineToPoint({18, 10});
     line.setLineWidth(4);
     canvas.strokePath(line, UIColor::blueColor());
-    EXPECT_EQ(inkCount(*canvas.image(), kNothing), 16 * 4);
+    EXPECT_EQ(pixelsOtherThan(kNothing, *canvas.image()), 16 * 4);
     canvas.clear(UIColor::clearColor());
     UIBezierPath kite;
     kite.moveToPoint({10, 2});
@@ -87,7 +76,7 @@ TEST(Canvas, pathsAreFilledAndStroked) {
     none.setLineWidth(0);
     canvas.clear(UIColor::whiteColor());
     canvas.strokePath(none, UIColor::redColor());
-    EXPECT_EQ(inkCount(*canvas.image(), kWhite), 0);
+    EXPECT_EQ(pixelsOtherThan(kWhite, *canvas.image()), 0);
 }
 
 TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
@@ -103,7 +92,7 @@ TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
         EXPECT_NEAR(pixel[0], 127.5, 8);
         EXPECT_EQ(pixel[3], 255);
     }
-    EXPECT_EQ(inkCount(*shrunk, kNothing), 64);
+    EXPECT_EQ(pixelsOtherThan(kNothing, *shrunk), 64);
 
     const auto dot = plainImage(1, 1, std::array{255, 0, 0});
     Canvas grown(*plainImage(8, 8));
@@ -111,7 +100,7 @@ TEST(Canvas, imagesFillTheirRectangleToTheEdgesAndShrinkByAveraging) {
     grown.drawImage(*dot, {{0, 0}, {8, 8}}, 0.6);
     EXPECT_EQ(pixelAt(*grown.image(), 0, 0), (Pixel{255, 102, 102, 255}));
     EXPECT_EQ(pixelAt(*grown.image(), 7, 3), (Pixel{255, 102, 102, 255}));
-    EXPECT_EQ(inkCount(*grown.image(), kWhite), 32);
+    EXPECT_EQ(pixelsOtherThan(kWhite, *grown.image()), 32);
 }
 
 TEST(Canvas, textLeavesInkWithinItsWidthAndTheHaloAround) {
@@ -124,7 +113,7 @@ TEST(Canvas, textLeavesInkWithinItsWidthAndTheHaloAround) {
     EXPECT_GT(width, 80);
     EXPECT_LT(width, canvas.textWidth("Harbour 12", 20, true));
     const auto image = canvas.image();
-    EXPECT_GT(inkCount(*image, kWhite), 300);
+    EXPECT_GT(pixelsOtherThan(kWhite, *image), 300);
     for (int i = 0; i < 40; ++i) {
         EXPECT_EQ(pixelAt(*image, 8, i), kWhite);
         EXPECT_EQ(pixelAt(*image, static_cast<int>(10 + width) + 2, i), kWhite);
@@ -132,11 +121,10 @@ TEST(Canvas, textLeavesInkWithinItsWidthAndTheHaloAround) {
     style.halo = UIColor::redColor();
     canvas.clear(UIColor::whiteColor());
     canvas.drawText("Harbour 12", {10, 30}, style);
-    EXPECT_GT(inkCount(*canvas.image(), kWhite), inkCount(*image, kWhite) * 3 / 2);
+    EXPECT_GT(pixelsOtherThan(kWhite, *canvas.image()), pixelsOtherThan(kWhite, *image) * 3 / 2);
 }
 
 TEST(Canvas, isStillUsableAfterCallsWithImpossibleArguments) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const auto dot = UIImage::withPixels(1, 1, {255, 0, 0, 255});
     Canvas canvas(16, 16);
     canvas.restore();
@@ -164,7 +152,7 @@ TEST(Canvas, isStillUsableAfterCallsWithImpossibleArguments) {
     canvas.clear(UIColor::whiteColor());
     canvas.fillRect({{3, 3}, {1, 1}}, UIColor::redColor());
     EXPECT_EQ(pixelAt(*canvas.image(), 3, 3), kRed);
-    EXPECT_EQ(inkCount(*canvas.image(), kWhite), 1);
+    EXPECT_EQ(pixelsOtherThan(kWhite, *canvas.image()), 1);
 }
 
 TEST(Canvas, sizesThatNoBitmapCanHaveGiveNoImage) {
@@ -195,5 +183,4 @@ TEST(Canvas, anImageLongerThanCairoReadsIsDrawnFromASmallerLevel) {
     EXPECT_EQ(pixelAt(*drawn, 51, 1), (Pixel{255, 0, 0, 255}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::canvas_test

@@ -1,4 +1,5 @@
 #include "Graphics/ImageFiles.h"
+#include "support/Pixels.h"
 
 #include <Trelmix/Platform/UIImage.h>
 
@@ -10,8 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace trelmix {
-namespace {
+namespace trelmix::image_decoder_test {
 
 using Samples = std::vector<std::uint8_t>;
 
@@ -46,14 +46,6 @@ Samples premultiplied(Samples rgba) {
     return rgba;
 }
 
-int largestDifference(const Samples& a, const Samples& b) {
-    int largest = a.size() == b.size() ? 0 : 256;
-    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
-        largest = std::max(largest, std::abs(a[i] - b[i]));
-    }
-    return largest;
-}
-
 std::vector<FileBytes> oneFileOfEachKind() {
     PngSpec interlaced{19, 13};
     interlaced.isInterlaced = true;
@@ -82,8 +74,7 @@ TEST(ImageDecoder, pngOfEveryLayoutGivesPremultipliedPixels) {
     palette.palette = {0xFF0000FF, 0x00FF0080};
     const struct {
         PngSpec spec;
-        Samples stored;
-        Samples shown;
+        Samples stored, shown;
     } cases[] = {
         {{19, 13}, rgba, premultiplied(rgba)},
         {interlaced, rgba, premultiplied(rgba)},
@@ -152,31 +143,22 @@ TEST(ImageDecoder, everyCutIsRefusedWithAReason) {
     }
 }
 
-void putBigEndian16(FileBytes& file, std::size_t at, unsigned value) {
-    file.at(at) = static_cast<std::byte>(value >> 8);
-    file.at(at + 1) = static_cast<std::byte>(value);
-}
-
 TEST(ImageDecoder, anEnormousSizeInAHeaderIsRefusedBeforeAnythingIsAllocated) {
     // Only the header is written: 60000 x 60000 pixels are never there.
-    std::vector<FileBytes> files;
-    FileBytes png;
-    for (const unsigned byte :
-         {0x89U, 0x50U, 0x4EU, 0x47U, 0x0DU, 0x0AU, 0x1AU, 0x0AU, 0U,    0U,    0U,
-          13U,   0x49U, 0x48U, 0x44U, 0x52U, 0U,    0U,    0xEAU, 0x60U, 0U,    0U,
-          0xEAU, 0x60U, 8U,    6U,    0U,    0U,    0U,    0xBAU, 0xDEU, 0xFEU, 0x5FU}) {
-        png.push_back(static_cast<std::byte>(byte));
-    }
-    files.push_back(png);
+    using namespace std::string_literals;
+    const std::string header =
+        "\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\xEA\x60\0\0\xEA\x60\x08\x06\0\0\0\xBA\xDE\xFE\x5F"s;
+    const auto png = std::as_bytes(std::span(header));
     FileBytes jpeg = UIImage::withPixels(19, 13, gradient(19, 13, 4))->jpegData();
     const std::byte startOfFrame[] = {std::byte{0xFF}, std::byte{0xC0}};
     const auto frame =
         std::search(jpeg.begin(), jpeg.end(), std::begin(startOfFrame), std::end(startOfFrame));
     const auto at = static_cast<std::size_t>(frame - jpeg.begin());
-    putBigEndian16(jpeg, at + 5, 60000);
-    putBigEndian16(jpeg, at + 7, 60000);
-    files.push_back(jpeg);
-    for (const FileBytes& file : files) {
+    for (const std::size_t side : {at + 5, at + 7}) {
+        jpeg.at(side) = std::byte{60000 >> 8};
+        jpeg.at(side + 1) = std::byte{60000 & 0xff};
+    }
+    for (const FileBytes& file : {FileBytes(png.begin(), png.end()), jpeg}) {
         std::string reason;
         EXPECT_FALSE(UIImage::withData(file, 1, &reason));
         EXPECT_TRUE(reason.starts_with("60000 x 60000 pixels")) << reason;
@@ -196,5 +178,4 @@ TEST(ImageDecoder, whatIsNoImageIsNamedAsSuch) {
     EXPECT_EQ(UIImage::withData(pngFile({3, 5}, gradient(3, 5, 4)), 2)->size(), (CGSize{1.5, 2.5}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::image_decoder_test

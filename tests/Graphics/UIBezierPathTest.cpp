@@ -5,8 +5,7 @@
 #include <cmath>
 #include <string>
 
-namespace trelmix {
-namespace {
+namespace trelmix::ui_bezier_path_test {
 
 /// "M" starts a run, "L" goes on, "z" closes it.
 std::string shapeOf(const UIBezierPath& path) {
@@ -42,5 +41,4 @@ TEST(UIBezierPath, whatIsNotFiniteIsLeftOut) {
     EXPECT_EQ(path.lineWidth(), 0);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::ui_bezier_path_test

@@ -1,3 +1,5 @@
+#include "support/Pixels.h"
+
 #include <Trelmix/Platform/UIColor.h>
 #include <Trelmix/Platform/UIImage.h>
 
@@ -9,8 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace trelmix {
-namespace {
+namespace trelmix::ui_image_test {
 
 using Samples = std::vector<std::uint8_t>;
 
@@ -42,20 +43,17 @@ double areaMean(const Samples& source, int width, int channel, double x0, double
 TEST(UIImage, everyPixelOfALevelIsTheMeanOfTheAreaItCovers) {
     const int sizes[][2] = {{16, 8}, {7, 5}, {6, 5}, {9, 1}, {1, 2}, {1, 1}, {3, 64}};
     for (const auto& [startWidth, startHeight] : sizes) {
-        int width = startWidth;
-        int height = startHeight;
+        int width = startWidth, height = startHeight;
         const auto image = UIImage::withPixels(width, height, noise(width, height));
         const auto levels = image->levels();
         for (std::size_t level = 1; level < levels.size(); ++level) {
             const Samples above(levels[level - 1].begin(), levels[level - 1].end());
-            const int smallWidth = std::max(width / 2, 1);
-            const int smallHeight = std::max(height / 2, 1);
+            const int smallWidth = std::max(width / 2, 1), smallHeight = std::max(height / 2, 1);
             ASSERT_EQ(levels[level].size(), static_cast<std::size_t>(smallWidth * smallHeight * 4));
             const double stepX = static_cast<double>(width) / smallWidth;
             const double stepY = static_cast<double>(height) / smallHeight;
             for (int i = 0; i < smallWidth * smallHeight * 4; ++i) {
-                const int x = i / 4 % smallWidth;
-                const int y = i / 4 / smallWidth;
+                const int x = i / 4 % smallWidth, y = i / 4 / smallWidth;
                 const double mean =
                     areaMean(above, width, i % 4, x * stepX, (x + 1) * stepX, y * stepY, (y + 1) * stepY);
                 ASSERT_LE(std::abs(levels[level][static_cast<std::size_t>(i)] - mean), 0.5 + 1e-9)
@@ -110,9 +108,7 @@ TEST(UIImage, everyPremultipliedPixelSurvivesThePngFile) {
 
 TEST(UIImage, lossyFilesComeBackCloseAndJpegLiesOnWhite) {
     const int side = 64;
-    Samples sheer;
-    Samples solid;
-    Samples onWhite;
+    Samples sheer, solid, onWhite;
     for (int i = 0; i < side * side; ++i) {
         const auto alpha = static_cast<std::uint8_t>(i / side * 4);
         const auto red = static_cast<std::uint8_t>(alpha / 2);
@@ -123,11 +119,7 @@ TEST(UIImage, lossyFilesComeBackCloseAndJpegLiesOnWhite) {
     }
     const auto worst = [](const std::vector<std::byte>& file, const Samples& wanted) {
         const auto image = UIImage::withData(file);
-        int difference = image && image->pixels().size() == wanted.size() ? 0 : 256;
-        for (std::size_t i = 0; difference < 256 && i < wanted.size(); ++i) {
-            difference = std::max(difference, std::abs(image->pixels()[i] - wanted[i]));
-        }
-        return difference;
+        return image ? largestDifference(image->pixels(), wanted) : 256;
     };
     const auto make = [](const Samples& pixels) { return UIImage::withPixels(side, side, pixels); };
     EXPECT_LE(worst(make(sheer)->jpegData(), onWhite), 12);
@@ -155,5 +147,4 @@ TEST(UIColor, componentsAreLimitedAndNoNumberIsNothing) {
     EXPECT_EQ((UIColor{0.25, 0.5, 1, 0}).limited(), (UIColor{0.25, 0.5, 1, 0}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::ui_image_test

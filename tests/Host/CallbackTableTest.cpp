@@ -11,16 +11,12 @@
 #include <string>
 #include <thread>
 
-namespace trelmix {
-namespace {
+namespace trelmix::callback_table_test {
 
 using Factory = TrelmixMapEngineFactory;
 
 constexpr ViewHost::Layout kLayout{{400, 300}, {{0, 0}, {400, 300}}, 1};
-constexpr CGPoint kMarkerAt{200, 150};
-constexpr CGPoint kDropAt{230, 170};
-constexpr CGPoint kCircleAt{320, 60};
-constexpr CGPoint kNothingAt{40, 240};
+constexpr CGPoint kMarkerAt{200, 150}, kDropAt{230, 170}, kCircleAt{320, 60}, kNothingAt{40, 240};
 
 /// An engine in a window with one overlay of each kind, and a delegate that acts once, inside one callback.
 struct World : TrelmixMapEngineDelegate {
@@ -141,13 +137,12 @@ const std::vector<Callback>& callbacks() {
         frame(w);
     };
     static const auto dragMarker = [](World& w) { press(w, kMarkerAt, {kDropAt}, 0.7); };
+    static const std::vector<CGPoint> way{kCircleAt, kMarkerAt};
+    static const auto pan = [](World& w) { press(w, kNothingAt, way, 0); };
     static const std::vector<Callback> list{
         {"willMove", moveCamera},
         {"willMove", [](World& w) { press(w, kNothingAt, {kMarkerAt}, 0); }},
-        {"willMove",
-         [](World& w) {
-             press(w, kNothingAt, {kCircleAt, kMarkerAt}, 0);
-         }},
+        {"willMove", pan},
         {"didChange", moveCamera},
         {"idle", moveCamera},
         {"tap", [](World& w) { press(w, kNothingAt, {kNothingAt}, 0); }},
@@ -365,5 +360,4 @@ TEST_F(CallbackTable, callsOnAnotherThreadAreRefusedAndReported) {
     EXPECT_EQ(takeFaults().size(), 5U);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::callback_table_test

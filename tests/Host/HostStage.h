@@ -17,23 +17,18 @@ protected:
         openWindow();
     }
     void TearDown() override {
-        closeWindow();
+        window.reset();
+        context.reset();
         EngineFixture::TearDown();
     }
     void openWindow() {
-        closeWindow();
+        window.reset();
         context = std::move(*GLContext::makeOffscreen());
         window = std::make_unique<TestWindow>(200, 150);
     }
 
     std::unique_ptr<GLContext> context;
     std::unique_ptr<TestWindow> window;
-
-private:
-    void closeWindow() {
-        window.reset();
-        context.reset();
-    }
 };
 
 } // namespace trelmix

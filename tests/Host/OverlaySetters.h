@@ -28,13 +28,11 @@ struct OverlayKind {
 
 inline constexpr CLLocationCoordinate2D kHere{53.5, 10};
 // Of one latitude: the scale of an overlay is that of its first one.
-inline constexpr CLLocationCoordinate2D kEast{53.5, 10.0004};
-inline constexpr CLLocationCoordinate2D kNorthEast{53.5002, 10.0003};
+inline constexpr CLLocationCoordinate2D kEast{53.5, 10.0004}, kNorthEast{53.5002, 10.0003};
 inline constexpr CLLocationCoordinate2D kNearNorthEast{53.5001, 10.0001};
 inline const std::vector<CLLocation> kPlaces{{53.5001, 9.9996}, {53.5, 10.0001}, {53.4998, 9.9996}};
 inline const std::vector<CLLocation> kOthers{{53.5001, 10.0004}, {53.5, 10.0001}, {53.4997, 10.0003}};
-inline constexpr UIColor kPaleGreen{0, 1, 0, 0.5};
-inline constexpr UIColor kPaleOrange{1, 0.5, 0, 0.8};
+inline constexpr UIColor kPaleGreen{0, 1, 0, 0.5}, kPaleOrange{1, 0.5, 0, 0.8};
 inline constexpr CGPoint kCorner{1, 0.2};
 
 inline std::shared_ptr<const UIImage> twoColours(int width, int height) {

@@ -9,8 +9,7 @@
 #include <future>
 #include <thread>
 
-namespace trelmix {
-namespace {
+namespace trelmix::render_thread_test {
 
 constexpr ViewHost::Layout kLayout{{64, 48}, {{0, 0}, {64, 48}}, 1};
 
@@ -45,8 +44,7 @@ public:
 
     bool refuses = false;
     std::function<void()> onPresent;
-    std::atomic<int> makeCurrentCount = 0;
-    std::atomic<int> presentCount = 0;
+    std::atomic<int> makeCurrentCount = 0, presentCount = 0;
 
 private:
     std::unique_ptr<GLContext> _context;
@@ -75,15 +73,14 @@ protected:
     }
     std::unique_ptr<RenderThread> start() { return RenderThread::start(host, screen.surface()); }
 
-    /// Pumps until no frame has been presented for a while of updates.
+    /// Pumps until no frame is presented for a while of updates: what the last pump did would show in it.
     void rest(RenderThread& thread) {
         std::uint64_t presents = 0;
         do {
-            presents = thread.presentCount();
-            const std::uint64_t updates = thread.updateCount();
-            ASSERT_TRUE(thread.waitForUpdates(updates + 10));
             RunLoop::main().drain();
-        } while (thread.presentCount() != presents);
+            presents = thread.presentCount();
+            ASSERT_TRUE(thread.waitForUpdates(thread.updateCount() + 10));
+        } while (thread.presentCount() != presents || !DispatchQueue::main().isEmpty());
     }
 
     Screen screen;
@@ -263,5 +260,4 @@ TEST_F(RenderThreadTest, enginesComeAndGoWithTheirThreads) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::render_thread_test

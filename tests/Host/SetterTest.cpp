@@ -3,11 +3,7 @@
 #include "Host/HostStage.h"
 #include "Host/OverlaySetters.h"
 
-#include <algorithm>
-#include <cstdlib>
-
-namespace trelmix {
-namespace {
+namespace trelmix::setter_test {
 
 struct Tiles : TrelmixMapEngineDelegate {
     std::shared_ptr<const UIImage> tileForX(std::int64_t, std::int64_t, std::int64_t) override {
@@ -54,15 +50,6 @@ private:
     std::unique_ptr<ViewHost> _host;
 };
 
-/// Vertices that were written under another camera may be rounded otherwise: by the last bit of a colour.
-int largestDifference(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) {
-    int largest = a.size() == b.size() ? 0 : 255;
-    for (std::size_t i = 0; largest < 255 && i < a.size(); ++i) {
-        largest = std::max(largest, std::abs(a[i] - b[i]));
-    }
-    return largest;
-}
-
 class SetterTest : public WindowFixture {
 protected:
     using Change = std::function<void(TrelmixMapOverlay&, TrelmixMapEngine&)>;
@@ -83,6 +70,7 @@ protected:
         const auto other = kind.make();
         before(*other, *fresh.engine);
         other->setMap(fresh.engine);
+        // Vertices written under another camera may be rounded otherwise.
         EXPECT_LE(largestDifference(fresh.pictureAtRest(), changed), 1);
     }
 };
@@ -116,5 +104,4 @@ TEST_F(SetterTest, ofEachOverlay) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::setter_test

@@ -2,10 +2,7 @@
 
 #include <Trelmix/Host/SideviewHost.h>
 
-#include <limits>
-
-namespace trelmix {
-namespace {
+namespace trelmix::sideview_host_test {
 
 class HostedSideview : public SideviewStage {
 protected:
@@ -13,9 +10,7 @@ protected:
         SideviewStage::SetUp();
         setUp();
         connect();
-        auto made = SideviewHost::make(sideview, kView.width, kView.height);
-        ASSERT_TRUE(made) << made.reason();
-        host = std::move(*made);
+        host = std::move(*SideviewHost::make(sideview, kView.width, kView.height));
         show();
     }
     void TearDown() override {
@@ -85,7 +80,7 @@ TEST_F(HostedSideview, theWheelZoomsAboutItsPlaceWithinTheLimits) {
     host->zoomBy(2, place);
     EXPECT_EQ(sideview->scrollView()->zoomScale(), 0.5);
     EXPECT_NEAR(under().x, before.x, 1e-9);
-    for (const double factor : {std::numeric_limits<double>::quiet_NaN(), 0.0, -1.0}) {
+    for (const double factor : {kNaN, 0.0, -1.0}) {
         host->zoomBy(factor, place);
         EXPECT_EQ(sideview->scrollView()->zoomScale(), 0.5);
     }
@@ -95,10 +90,9 @@ TEST_F(HostedSideview, theWheelZoomsAboutItsPlaceWithinTheLimits) {
 }
 
 TEST_F(HostedSideview, badSizesAndForeignViewsAreRefused) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const std::array<double, 3> sizes[] = {{0, 10, 1},        {10, -1, 1},        {20000, 10, 1},
-                                           {10, 10, 0},       {10, 1, 2000},      {1, 10, 2000},
-                                           {infinity, 10, 1}, {10, 10, -infinity}};
+    const std::array<double, 3> sizes[] = {{0, 10, 1},         {10, -1, 1},         {20000, 10, 1},
+                                           {10, 10, 0},        {10, 1, 2000},       {1, 10, 2000},
+                                           {kInfinity, 10, 1}, {10, 10, -kInfinity}};
     for (const auto& [width, height, scale] : sizes) {
         EXPECT_FALSE(host->resize(width, height, scale));
         EXPECT_FALSE(SideviewHost::make(sideview, width, height, scale));
@@ -111,5 +105,4 @@ TEST_F(HostedSideview, badSizesAndForeignViewsAreRefused) {
     sideview->removeFromSuperview();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::sideview_host_test

@@ -9,15 +9,12 @@
 #include <cmath>
 #include <iterator>
 
-namespace trelmix {
-namespace {
+namespace trelmix::view_host_test {
 
 using Color = std::array<int, 4>;
 using Drawing = ViewHost::Drawing;
 
-constexpr Color kRed{255, 0, 0, 255};
-constexpr Color kGreen{0, 255, 0, 255};
-constexpr Color kBlue{0, 0, 255, 255};
+constexpr Color kRed{255, 0, 0, 255}, kGreen{0, 255, 0, 255}, kBlue{0, 0, 255, 255};
 
 class ViewHostTest : public WindowFixture {
 protected:
@@ -25,9 +22,7 @@ protected:
         WindowFixture::SetUp();
         engine->setBackgroundColor(UIColor{1, 0, 0, 1});
         engine->initialiseWithTarget({53.5, 10}, 17);
-        auto made = ViewHost::make(engine, kLayout, {});
-        ASSERT_TRUE(made) << made.reason();
-        host = std::move(*made);
+        host = std::move(*ViewHost::make(engine, kLayout, {}));
     }
     void TearDown() override {
         host.reset();
@@ -230,5 +225,4 @@ TEST_F(ViewHostTest, layoutsOutOfRangeAndForeignEnginesAreRefused) {
     EXPECT_FALSE(ViewHost::make(nullptr, kLayout, {}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::view_host_test

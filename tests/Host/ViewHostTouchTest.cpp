@@ -6,8 +6,7 @@
 
 #include <cmath>
 
-namespace trelmix {
-namespace {
+namespace trelmix::view_host_touch_test {
 
 constexpr ViewHost::Layout kLayout{{800, 700}, {{0, 50}, {800, 600}}, 1};
 constexpr CGPoint kMapOrigin{0, 50};
@@ -17,9 +16,7 @@ protected:
     void SetUp() override {
         EngineFixture::SetUp();
         engine->initialiseWithTarget({53.5, 10}, 17);
-        auto made = ViewHost::make(engine, kLayout, {});
-        ASSERT_TRUE(made) << made.reason();
-        host = std::move(*made);
+        host = std::move(*ViewHost::make(engine, kLayout, {}));
     }
     void TearDown() override {
         host.reset();
@@ -72,10 +69,8 @@ double distance(CGPoint a, CGPoint b) {
 
 TEST_F(ViewHostTouchTest, theGroundStaysUnderADraggedFingerAlsoAlongAnAxis) {
     const struct {
-        CGPoint from;
-        CGPoint to;
-        int steps;
-        int fingers = 1;
+        CGPoint from, to;
+        int steps, fingers = 1;
     } drags[] = {
         {{400, 300}, {600, 300}, 200},   {{400, 300}, {400, 100}, 200},  {{200, 500}, {190, 640}, 7},
         {{700, 100}, {100, 600}, 30},    {{400, 300}, {380, 300}, 1},    {{100, 400}, {700, 400}, 3},
@@ -126,5 +121,4 @@ TEST_F(ViewHostTouchTest, onlyAPointThatIsElsewhereIsAMovementAndALiftIsWhereItI
     EXPECT_EQ(log->place, CLLocationCoordinate2D{}) << "a press that was cancelled";
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::view_host_touch_test

@@ -1,3 +1,4 @@
+#include "support/NotFinite.h"
 #include <Trelmix/Platform/CLLocation.h>
 
 #include <gtest/gtest.h>
@@ -6,8 +7,7 @@
 #include <limits>
 #include <numbers>
 
-namespace trelmix {
-namespace {
+namespace trelmix::cl_location_test {
 
 constexpr double kHalfTheEarth = std::numbers::pi * 6371008.8;
 
@@ -24,7 +24,6 @@ TEST(CLLocation, distancesOnTheSphereIncludingAntipodesAndTheDateLine) {
 }
 
 TEST(CLLocation, aCoordinateThatIsNotFiniteHasNoDistance) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     for (const double bad : {kInfinity, -kInfinity, std::nan("")}) {
         EXPECT_TRUE(std::isnan(CLLocation(bad, 0).distanceFromLocation(CLLocation(1, 1))));
         EXPECT_TRUE(std::isnan(CLLocation(1, 1).distanceFromLocation(CLLocation(0, bad))));
@@ -37,5 +36,4 @@ TEST(CLLocation, descriptionsHaveSixDecimalsWhateverTheNumber) {
     EXPECT_EQ(descriptionOf({std::nan(""), 1}), "<nan,1.000000>");
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::cl_location_test

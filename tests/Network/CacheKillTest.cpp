@@ -9,13 +9,11 @@
 
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::cache_kill_test {
 
 constexpr std::uint64_t kPlenty = std::uint64_t{1} << 30;
 
@@ -101,5 +99,4 @@ TEST(CacheKill, everyFinishedEntryIsWholeAfterEachKill) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::cache_kill_test

@@ -12,8 +12,7 @@
 #include <thread>
 #include <unistd.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::secure_server_test {
 
 bool isInstalled(const std::string& program) {
     return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
@@ -125,5 +124,4 @@ TEST(SecureServer, manyRequestsShareOneConnectionOfHttp2) {
     EXPECT_EQ(server.log().find("[id=2]"), std::string::npos) << server.log();
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::secure_server_test

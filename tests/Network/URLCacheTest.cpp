@@ -11,8 +11,7 @@
 #include <fstream>
 #include <sys/resource.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::url_cache_test {
 
 constexpr std::uint64_t kPlenty = 64 << 20;
 
@@ -84,7 +83,7 @@ TEST_F(DiskCacheTest, aDamagedFileIsSetAsideAndMadeAnew) {
     };
     for (const auto& [name, damage] : damages) {
         fill(40);
-        std::string bytes = bytesOf(file());
+        std::string bytes = folder.text(file());
         damage(bytes);
         std::ofstream(file(), std::ios::binary) << bytes;
         const auto cache = open();
@@ -110,7 +109,7 @@ TEST_F(DiskCacheTest, aFileThatAsksForEndlessWorkIsSetAside) {
 
 TEST_F(DiskCacheTest, anEntryWhoseBytesHaveChangedIsNotReturned) {
     fill(10);
-    std::string bytes = bytesOf(file());
+    std::string bytes = folder.text(file());
     const auto sample = sampleBody(7);
     const std::string known(reinterpret_cast<const char*>(sample.data()), 64);
     const std::size_t at = bytes.find(known);
@@ -178,5 +177,4 @@ TEST(URLCache, liesWhereTheDesktopKeepsCaches) {
     EXPECT_EQ(folderWith("", ""), "");
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::url_cache_test

@@ -8,8 +8,7 @@
 #include <future>
 #include <sys/stat.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::url_session_test {
 
 using End = TileReply::End;
 
@@ -215,5 +214,4 @@ TEST(RetryPolicy, waitsLongerEachTimeWithinItsLimitAndTheTimeThatIsLeft) {
     EXPECT_EQ(policy.delay(3, 0, 0.1, 0.5), std::nullopt);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::url_session_test

@@ -3,13 +3,10 @@
 #include "support/EngineFixture.h"
 
 #include <cmath>
-#include <limits>
 
-namespace trelmix {
-namespace {
+namespace trelmix::circle_node_test {
 
-constexpr CLLocationCoordinate2D kHere{54.32, 10.14};
-constexpr CLLocationCoordinate2D kThere{54.33, 10.16};
+constexpr CLLocationCoordinate2D kHere{54.32, 10.14}, kThere{54.33, 10.16};
 
 class CircleNodeTest : public EngineFixture {
 protected:
@@ -67,9 +64,8 @@ TEST_F(CircleNodeTest, withoutAMapOnlyTheSettersStore) {
 }
 
 TEST_F(CircleNodeTest, radiiThatAreNoLengthShowNothingAndEndlessOnesSomethingFinite) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     circle->setMap(engine);
-    for (const double radius : {-5.0, 0.0, -kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
+    for (const double radius : {-5.0, 0.0, -kInfinity, kNaN}) {
         circle->setRadius(radius);
         EXPECT_EQ(circle->scale().x, 0) << radius;
     }
@@ -77,5 +73,4 @@ TEST_F(CircleNodeTest, radiiThatAreNoLengthShowNothingAndEndlessOnesSomethingFin
     EXPECT_TRUE(std::isfinite(circle->scale().x));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::circle_node_test

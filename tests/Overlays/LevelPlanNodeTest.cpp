@@ -6,14 +6,11 @@
 
 #include <algorithm>
 #include <fstream>
-#include <limits>
 #include <sstream>
 
-namespace trelmix {
-namespace {
+namespace trelmix::level_plan_node_test {
 
-constexpr Coordinate kSouthWest{54.3, 10.1};
-constexpr Coordinate kNorthEast{54.3012, 10.1025};
+constexpr Coordinate kSouthWest{54.3, 10.1}, kNorthEast{54.3012, 10.1025};
 
 /// The numbers of every row of the table of examples.
 std::vector<std::vector<double>> documentedExamples() {
@@ -71,8 +68,7 @@ TEST_F(LevelPlanNodeTest, aFirstPlanIsInViewWholeAtEveryViewSize) {
         node->setMap(engine);
         step();
         const auto& projection = *engine->cameraProjection();
-        double left = size.width;
-        double top = size.height;
+        double left = size.width, top = size.height;
         for (const Vector3d& corner : lastFrame.list->items.at(0)->corners) {
             const CGPoint p = projection.screenCoordinateFor(coordinateAt(corner, projection));
             left = std::min({left, p.x, size.width - p.x});
@@ -96,7 +92,7 @@ TEST_F(LevelPlanNodeTest, changesRebuildItAtOnceAndBadOnesTakeThePictureAway) {
     EXPECT_NE(plane(*node), nullptr) << "but it takes its place";
     node->setLevelPlanImage(plainImage(2, 2));
     node->setLevelPlanRotation(90);
-    node->setLevelPlanRotation(std::numeric_limits<double>::infinity());
+    node->setLevelPlanRotation(kInfinity);
     EXPECT_FLOAT_EQ(node->eulerAngles().z, 1.5707964F);
     for (const CLLocationCoordinate2D bad :
          {kCLLocationCoordinate2DInvalid, CLLocationCoordinate2D{90, 10.2}, locationOf(kSouthWest)}) {
@@ -107,5 +103,4 @@ TEST_F(LevelPlanNodeTest, changesRebuildItAtOnceAndBadOnesTakeThePictureAway) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::level_plan_node_test

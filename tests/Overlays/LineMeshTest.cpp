@@ -5,8 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace trelmix {
-namespace {
+namespace trelmix::line_mesh_test {
 
 using Floats = std::vector<float>;
 
@@ -19,9 +18,7 @@ std::shared_ptr<const SCNMesh> meshOf(const std::vector<LineVector>& points) {
 std::vector<LineVector> offsets(const SCNMesh& mesh) {
     std::vector<LineVector> result;
     for (std::size_t i = 0; i < mesh.vertexCount(); ++i) {
-        const float nx = mesh.normals[3 * i];
-        const float ny = mesh.normals[3 * i + 1];
-        const float n = std::hypot(nx, ny);
+        const float nx = mesh.normals[3 * i], ny = mesh.normals[3 * i + 1], n = std::hypot(nx, ny);
         const LineVector miter{-mesh.tangents[3 * i + 1], mesh.tangents[3 * i]};
         const float length = 1.0F / ((miter.x * nx + miter.y * ny) / n);
         result.push_back({miter.x * length, miter.y * length});
@@ -78,5 +75,4 @@ TEST(LineMesh, aFullReversalEndsTheBandAndStartsAnew) {
     EXPECT_EQ(std::get<0>(mesh->indices), (std::vector<std::uint8_t>{1, 0, 2, 1, 2, 3, 5, 4, 6, 5, 6, 7}));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::line_mesh_test

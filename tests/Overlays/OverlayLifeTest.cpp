@@ -7,14 +7,11 @@
 
 #include <Trelmix/TrelmixMapEngineFactory.h>
 
-#include <limits>
 #include <span>
 
-namespace trelmix {
-namespace {
+namespace trelmix::overlay_life_test {
 
-constexpr CLLocationCoordinate2D kHere{54.32, 10.14};
-constexpr CLLocationCoordinate2D kNear{54.321, 10.142};
+constexpr CLLocationCoordinate2D kHere{54.32, 10.14}, kNear{54.321, 10.142};
 
 std::vector<std::shared_ptr<TrelmixMapOverlay>> oneOfEach() {
     const std::vector<CLLocation> places{CLLocation{kHere}, CLLocation{kNear}, CLLocation{54.32, 10.15}};
@@ -97,11 +94,8 @@ TEST_F(OverlayLifeTest, eachOutlivesItsEngineAndIsDrawnAboveTheKindBelowIt) {
 }
 
 /// Places where nothing can be seen; the last one, far beyond the map's northern edge, is one all the same.
-const CLLocationCoordinate2D kNowhere[] = {kCLLocationCoordinate2DInvalid,
-                                           {std::numeric_limits<double>::quiet_NaN(), 0},
-                                           {-90, std::numeric_limits<double>::infinity()},
-                                           {-90, 0},
-                                           {90, 0}};
+const CLLocationCoordinate2D kNowhere[] = {
+    kCLLocationCoordinate2DInvalid, {kNaN, 0}, {-90, kInfinity}, {-90, 0}, {90, 0}};
 
 TEST_F(OverlayLifeTest, whatIsNowhereShowsNothingAndTheFirstCameraIsUsableAllTheSame) {
     for (const CLLocationCoordinate2D bad : kNowhere) {
@@ -160,5 +154,4 @@ TEST_F(OverlayLifeTest, aMarkerAndACircleShowOnceTheyHaveAPlaceAndStayThereWhenT
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::overlay_life_test

@@ -2,10 +2,7 @@
 #include "Overlays/ScenePlace.h"
 #include "support/EngineFixture.h"
 
-#include <limits>
-
-namespace trelmix {
-namespace {
+namespace trelmix::polygon_node_test {
 
 class PolygonNodeTest : public EngineFixture {
 protected:
@@ -48,9 +45,8 @@ TEST_F(PolygonNodeTest, aNewColourReusesTheOutlineAndNewCornersDoNot) {
 }
 
 TEST_F(PolygonNodeTest, cornersWithoutAPlaceAreLeftOut) {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     auto corners = triangle;
-    for (const CLLocation& bad : {CLLocation{-90, 0}, CLLocation{kNan, 10}, CLLocation{54, 1e300}}) {
+    for (const CLLocation& bad : {CLLocation{-90, 0}, CLLocation{kNaN, 10}, CLLocation{54, 1e300}}) {
         corners.insert(corners.begin() + 1, bad);
     }
     polygon->setPolygonCorners(corners);
@@ -63,5 +59,4 @@ TEST_F(PolygonNodeTest, cornersWithoutAPlaceAreLeftOut) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::polygon_node_test

@@ -4,13 +4,9 @@
 
 #include <limits>
 
-namespace trelmix {
-namespace {
+namespace trelmix::polyline_node_test {
 
-const CLLocation kA{54.32, 10.14};
-const CLLocation kB{54.321, 10.14};
-const CLLocation kC{54.322, 10.14};
-const CLLocation kEast{54.321, 10.15};
+const CLLocation kA{54.32, 10.14}, kB{54.321, 10.14}, kC{54.322, 10.14}, kEast{54.321, 10.15};
 
 /// Writes down what the handlers write.
 class RecordingWriter : public UniformWriter {
@@ -92,8 +88,7 @@ TEST_F(PolylineNodeTest, listsThatAreNoLineKeepTheOldPicture) {
     line->setPolylineVertices({kA, kB, kEast});
     line->setMap(engine);
     const auto before = line->geometry();
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    for (const auto& list : {std::vector<CLLocation>{}, {kA}, {kA, kA}, {kA, {kNan, 0}, {-90, 0}, kA}}) {
+    for (const auto& list : {std::vector<CLLocation>{}, {kA}, {kA, kA}, {kA, {kNaN, 0}, {-90, 0}, kA}}) {
         line->setPolylineVertices(list);
         step();
         EXPECT_EQ(line->geometry(), before);
@@ -104,15 +99,14 @@ TEST_F(PolylineNodeTest, listsThatAreNoLineKeepTheOldPicture) {
     line->setWidth(-3);
     step();
     EXPECT_EQ(uniform("u_lineWidth")[0], 0);
-    for (const float bad : {std::numeric_limits<float>::infinity(), static_cast<float>(kNan)}) {
+    for (const float bad : {std::numeric_limits<float>::infinity(), static_cast<float>(kNaN)}) {
         line->setWidth(bad);
         EXPECT_EQ(line->width(), -3);
     }
 }
 
 TEST_F(PolylineNodeTest, verticesKeepTheirPlaceNearAFarFirstOne) {
-    const CLLocation far{-33.857, 151.21};
-    const CLLocation next{-33.8571, 151.2101};
+    const CLLocation far{-33.857, 151.21}, next{-33.8571, 151.2101};
     line->setPolylineVertices({far, next});
     line->setMap(engine);
     step();
@@ -122,5 +116,4 @@ TEST_F(PolylineNodeTest, verticesKeepTheirPlaceNearAFarFirstOne) {
     EXPECT_NEAR(item.meshPosition.y + static_cast<double>(item.mesh->vertices[7]), -place.y, 1e-4);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::polyline_node_test

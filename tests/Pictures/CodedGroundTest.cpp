@@ -11,15 +11,12 @@ using namespace trelmix::pictures;
 
 namespace {
 
-constexpr double kHalfPeriod = 64;
-constexpr double kSlope = 4;
+constexpr double kHalfPeriod = 64, kSlope = 4;
 // Different, and no mirror images of each other, so that a turned or mirrored tile shows.
-constexpr double kShiftX = 16;
-constexpr double kShiftY = 40;
+constexpr double kShiftX = 16, kShiftY = 40;
 
 struct Wave {
-    double value;
-    double slope;
+    double value, slope;
     double toTurn; ///< map pixels
 };
 
@@ -41,16 +38,13 @@ std::shared_ptr<const UIImage> codedTile(std::int64_t x, std::int64_t y) {
 }
 
 struct Count {
-    int drawn = 0;
-    int decoded = 0;
-    int wrong = 0;
+    int drawn = 0, decoded = 0, wrong = 0;
     double x = 0; ///< sums of the differences, map pixels
     double y = 0;
 };
 
 bool isDecodable(const Footprint& print, const Wave& x, const Wave& y) {
-    // Two levels of detail are blended, the coarser one with texels of this size; a sample reaches one and a
-    // half.
+    // Of the coarser of two levels of detail that are blended; a sample reaches one and a half.
     const double texel = std::exp2(std::ceil(std::log2(std::max(1.0, print.length()))));
     const double reach = 1.5 * texel + 1;
     const auto toBorder = [](double place) {
@@ -65,8 +59,7 @@ void compare(const Stage& stage, const Picture& picture, int x, int y, int zoom,
     const Rgb color = picture.at(x, y);
     ++count.drawn;
     const Footprint print = footprintOf(stage, x, y, zoom);
-    const Wave east = waveAt(print.centre.x, kShiftX);
-    const Wave south = waveAt(print.centre.y, kShiftY);
+    const Wave east = waveAt(print.centre.x, kShiftX), south = waveAt(print.centre.y, kShiftY);
     if (!isDecodable(print, east, south)) {
         return;
     }

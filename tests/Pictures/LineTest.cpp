@@ -7,14 +7,11 @@ using namespace trelmix::pictures;
 
 namespace {
 
-constexpr Rgb kBlack{0, 0, 0};
-constexpr Rgb kWhite{255, 255, 255};
+constexpr Rgb kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
-/// A line through the target, as seen at the angle from the picture's x axis (clockwise), 300 points to each
-/// side.
+/// Through the target, as seen at the angle from the picture's x axis (clockwise), 300 points to each side.
 std::shared_ptr<TrelmixMapPolyline> lineAt(const Stage& stage, double angle, float width) {
-    const double x = 300 * std::cos(angle * kDegree);
-    const double y = 250 * std::sin(angle * kDegree);
+    const double x = 300 * std::cos(angle * kDegree), y = 250 * std::sin(angle * kDegree);
     auto line = TrelmixMapEngineFactory::createMapPolylineWithVertices(
         {CLLocation(stage.ground({400 - x, 300 - y})), CLLocation(stage.ground({400 + x, 300 + y}))});
     line->setColor(UIColor::blackColor());
@@ -24,8 +21,7 @@ std::shared_ptr<TrelmixMapPolyline> lineAt(const Stage& stage, double angle, flo
 
 /// Mean width of what is covered around the middle of the picture, across a line from `from` to `to`.
 double widthAcross(const Picture& picture, CGPoint from, CGPoint to) {
-    const double dx = to.x - from.x;
-    const double dy = to.y - from.y;
+    const double dx = to.x - from.x, dy = to.y - from.y;
     const bool isFlat = std::abs(dx) > std::abs(dy);
     const int reach = 24;
     Window window{400 - reach, 0, 400 + reach, 600};

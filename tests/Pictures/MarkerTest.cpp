@@ -7,10 +7,8 @@ using namespace trelmix::pictures;
 
 namespace {
 
-constexpr int kWidth = 40;
-constexpr int kHeight = 60;
-constexpr Rgb kBlue{0, 0, 255};
-constexpr Rgb kWhite{255, 255, 255};
+constexpr int kWidth = 40, kHeight = 60;
+constexpr Rgb kBlue{0, 0, 255}, kWhite{255, 255, 255};
 
 std::shared_ptr<TrelmixMapMarker> markerAt(CLLocationCoordinate2D coordinate, CGPoint anchor) {
     auto marker =
@@ -22,8 +20,7 @@ std::shared_ptr<TrelmixMapMarker> markerAt(CLLocationCoordinate2D coordinate, CG
 /// The upright rectangle that an icon fills, `scale` times its size.
 Outline upright(CGPoint place, CGPoint anchor, double scale) {
     const double left = place.x - anchor.x * kWidth * scale;
-    const double top = place.y - anchor.y * kHeight * scale;
-    const double right = left + kWidth * scale;
+    const double top = place.y - anchor.y * kHeight * scale, right = left + kWidth * scale;
     const double bottom = top + kHeight * scale;
     return {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
 }
@@ -42,8 +39,7 @@ void expectFilled(const Picture& picture, const Outline& outline, double toleran
         }
     }
     EXPECT_EQ(wrong, 0);
-    const Blob drawn = blobIn(picture, window, kBlue, kWhite);
-    const Blob expected = blobOf(outline);
+    const Blob drawn = blobIn(picture, window, kBlue, kWhite), expected = blobOf(outline);
     EXPECT_NEAR(drawn.centre.x, expected.centre.x, edgeTolerance(0.25));
     EXPECT_NEAR(drawn.centre.y, expected.centre.y, edgeTolerance(0.25));
 }
@@ -123,10 +119,8 @@ TEST(Markers, thatAreFlatLieOnTheGroundAndTurnWithIt) {
         const MapPixel middle = mapPixel(kPlace, 19);
         Outline outline;
         for (const auto& [u, v] : {std::pair{0.0, 0.0}, {1.0, 0.0}, {1.0, 1.0}, {0.0, 1.0}}) {
-            const double x = (u - anchor.x) * kWidth * unit;
-            const double y = (v - anchor.y) * kHeight * unit;
-            const double c = std::cos(own * kDegree);
-            const double s = std::sin(own * kDegree);
+            const double x = (u - anchor.x) * kWidth * unit, y = (v - anchor.y) * kHeight * unit;
+            const double c = std::cos(own * kDegree), s = std::sin(own * kDegree);
             outline.push_back(
                 stage.project(coordinateOf({middle.x + x * c - y * s, middle.y + x * s + y * c}, 19)));
         }

@@ -9,8 +9,7 @@ namespace trelmix::pictures {
 
 double Picture::coverage(int x, int y, Rgb color, Rgb background) const {
     const Rgb pixel = at(x, y);
-    double along = 0;
-    double whole = 0;
+    double along = 0, whole = 0;
     for (std::size_t i = 0; i < 3; ++i) {
         along += (pixel[i] - background[i]) * (color[i] - background[i]);
         whole += (color[i] - background[i]) * (color[i] - background[i]);
@@ -42,8 +41,7 @@ Blob blobOf(const Outline& outline) {
     double area = 0;
     CGPoint sum;
     for (std::size_t i = 0; i < outline.size(); ++i) {
-        const CGPoint a = outline[i];
-        const CGPoint b = outline[(i + 1) % outline.size()];
+        const CGPoint a = outline[i], b = outline[(i + 1) % outline.size()];
         const double cross = a.x * b.y - a.y * b.x;
         area += cross / 2;
         sum.x += (a.x + b.x) * cross / 6;
@@ -68,8 +66,7 @@ double depthInside(const Outline& outline, CGPoint point) {
     double smallest = std::numeric_limits<double>::max();
     double largest = std::numeric_limits<double>::lowest();
     for (std::size_t i = 0; i < outline.size(); ++i) {
-        const CGPoint a = outline[i];
-        const CGPoint b = outline[(i + 1) % outline.size()];
+        const CGPoint a = outline[i], b = outline[(i + 1) % outline.size()];
         const double side = ((b.x - a.x) * (point.y - a.y) - (b.y - a.y) * (point.x - a.x)) /
                             std::hypot(b.x - a.x, b.y - a.y);
         smallest = std::min(smallest, side);

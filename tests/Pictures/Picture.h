@@ -40,8 +40,7 @@ struct Blob {
     CGPoint centre;
 };
 struct Window {
-    int left;
-    int top;
+    int left, top;
     int right; ///< not included
     int bottom;
 };

@@ -23,8 +23,7 @@ std::ostream& operator<<(std::ostream& out, const Look& look) {
 
 // Written out rather than taken from the library, so that the two check each other.
 MapPixel mapPixel(CLLocationCoordinate2D coordinate, int zoom) {
-    const double world = std::ldexp(256.0, zoom);
-    const double sine = std::sin(coordinate.latitude * kDegree);
+    const double world = std::ldexp(256.0, zoom), sine = std::sin(coordinate.latitude * kDegree);
     return {(coordinate.longitude + 180) / 360 * world,
             (0.5 - std::atanh(sine) / (2 * std::numbers::pi)) * world};
 }
@@ -92,17 +91,14 @@ bool isWithinTileReach(int y, double tilt) {
 }
 
 double Footprint::pixelsTo(MapPixel place) const {
-    const double x = place.x - centre.x;
-    const double y = place.y - centre.y;
+    const double x = place.x - centre.x, y = place.y - centre.y;
     const double determinant = right.x * down.y - right.y * down.x;
     return std::hypot(x * down.y - y * down.x, y * right.x - x * right.y) / std::abs(determinant);
 }
 
 Footprint footprintOf(const Stage& stage, int x, int y, int zoom) {
     const auto place = [&](double dx, double dy) { return mapPixel(stage.ground({x + dx, y + dy}), zoom); };
-    const MapPixel centre = place(0.5, 0.5);
-    const MapPixel right = place(1, 0.5);
-    const MapPixel down = place(0.5, 1);
+    const MapPixel centre = place(0.5, 0.5), right = place(1, 0.5), down = place(0.5, 1);
     return {centre,
             {2 * (right.x - centre.x), 2 * (right.y - centre.y)},
             {2 * (down.x - centre.x), 2 * (down.y - centre.y)}};

@@ -19,8 +19,7 @@ inline constexpr double kDegree = 3.14159265358979323846 / 180;
 inline constexpr CLLocationCoordinate2D kPlace{54.9312, 14.0187};
 
 struct Look {
-    double rotation = 0;
-    double tilt = 0;
+    double rotation = 0, tilt = 0;
     float zoom = 18;
     CLLocationCoordinate2D target = kPlace;
 };
@@ -28,8 +27,7 @@ std::ostream& operator<<(std::ostream& out, const Look& look);
 
 /// A pixel of the whole map at one zoom.
 struct MapPixel {
-    double x;
-    double y;
+    double x, y;
 };
 MapPixel mapPixel(CLLocationCoordinate2D coordinate, int zoom);
 CLLocationCoordinate2D coordinateOf(MapPixel pixel, int zoom);

@@ -4,8 +4,7 @@
 
 #include <thread>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::context_test {
 
 /// Of every kind, in the current context; drivers count names from 1.
 int objectsAlive() {
@@ -65,5 +64,4 @@ TEST_F(RenderTest, objectsDroppedOnAnotherThreadAreDeletedOnTheContextsOwn) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::context_test

@@ -3,8 +3,7 @@
 
 #include <cmath>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::disc_test {
 
 using pictures::Blob;
 
@@ -25,10 +24,8 @@ Blob projectedRim(const DrawCamera& camera, Vector3d centre, double radius, int 
 }
 
 struct DiscCase {
-    double radius;
-    double tilt;
-    double rotation;
-    double unitsPerPixel;
+    double radius, tilt;
+    double rotation, unitsPerPixel;
 };
 
 TEST_F(RenderTest, discsHaveThePlaceAndTheAreaOfTheirProjectionWithAndWithoutSamples) {
@@ -86,5 +83,4 @@ TEST_F(RenderTest, discsBeyondWhatNarrowIndicesReachStandInTheirPlaces) {
     EXPECT_EQ(pixelAt(*shown, 50, 50)[0], 255);
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::disc_test

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::edge_test {
 
 TEST_F(RenderTest, slantedEdgesHaveGreysWithSamplesAndNoneWithout) {
     const auto quad = [] {
@@ -115,8 +114,7 @@ TEST_F(RenderTest, stripesThatRunIntoAFlatViewAreSharperWithAnisotropy) {
         const auto shown = picture(
             frameOf({imageItem(stripes, ground(-128, -128, 128, 128), 1, true)}, cameraAt({}, 64, 1.3)), 64,
             64);
-        int least = 255;
-        int most = 0;
+        int least = 255, most = 0;
         for (int x = 16; x < 48; ++x) {
             least = std::min(least, pixelAt(*shown, x, 32)[0]);
             most = std::max(most, pixelAt(*shown, x, 32)[0]);
@@ -127,5 +125,4 @@ TEST_F(RenderTest, stripesThatRunIntoAFlatViewAreSharperWithAnisotropy) {
     EXPECT_EQ(contrast(0), contrast(capabilities.isSoftwareDriver ? 1 : 4));
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::edge_test

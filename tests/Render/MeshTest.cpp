@@ -1,30 +1,24 @@
 #include "Render/GLShader.h"
 #include "Render/RenderFixture.h"
 
-#include <algorithm>
-#include <cmath>
 #include <string>
 #include <tuple>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::mesh_test {
 
-const char* const kWideningShader = "#version 100 \n"
-                                    "attribute vec4 a_position; \n"
-                                    "attribute vec4 a_side; \n"
-                                    "attribute vec2 unused; \n"
-                                    "uniform mat4 u_matrix; \n"
-                                    "uniform float u_width; \n"
-                                    "varying vec2 v_unused; \n"
-                                    "void main() { \n"
-                                    "  vec2 at = a_position.xy + normalize(a_side.xy) * u_width * 0.5; \n"
-                                    "  gl_Position = u_matrix * vec4(at, a_position.zw); \n"
-                                    "  v_unused = unused; \n"
-                                    "}";
-const char* const kColorShader = "#version 100 \n"
-                                 "uniform lowp vec4 u_color; \n"
-                                 "uniform lowp vec4 u_forgotten; \n"
-                                 "void main() { gl_FragColor = u_color; }";
+const char* const kWideningShader = R"(#version 100
+    attribute vec4 a_position, a_side;
+    attribute vec2 unused;
+    uniform mat4 u_matrix;
+    uniform float u_width;
+    varying vec2 v_unused;
+    void main() {
+        gl_Position = u_matrix * vec4(a_position.xy + normalize(a_side.xy) * u_width * 0.5, a_position.zw);
+        v_unused = unused;
+    })";
+const char* const kColorShader = R"(#version 100
+    uniform lowp vec4 u_color, u_forgotten;
+    void main() { gl_FragColor = u_color; })";
 
 /// A band along a line, widened by its program.
 std::shared_ptr<DrawItem> bandItem(const std::vector<Vector3d>& line, float width,
@@ -65,8 +59,7 @@ std::shared_ptr<DrawItem> bandItem(const std::vector<Vector3d>& line, float widt
         ADD_FAILURE() << "the program has no such uniform";
     };
     (*bindings)["u_unknown"] = nullptr;
-    auto item = std::make_shared<DrawItem>();
-    item->kind = DrawKind::program;
+    auto item = itemOf(DrawKind::program, 0);
     item->meshPosition = mesh->origin;
     item->mesh = mesh;
     item->program = program;
@@ -215,5 +208,4 @@ TEST_F(RenderTest, indicesThatPointNowhereAreLeftOut) {
     EXPECT_EQ(pixelAt(*shown, 14, 25), (Rgba{0, 0, 0, 255}));
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::mesh_test

@@ -2,10 +2,8 @@
 #include "support/TestWindow.h"
 
 #include <algorithm>
-#include <limits>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::overlay_test {
 
 TEST_F(RenderTest, thePictureStandsUprightInAWindowBesideWhatElseIsThere) {
     // Grown beyond every side of the map, tilted: what is drawn past its rectangle would show.
@@ -44,9 +42,8 @@ TEST_F(RenderTest, imagesOverThePictureAreSharpAndGoWithTheirImages) {
     const auto label = painted(7, 5, [](int x, int y) {
         return std::array{(x + 7 * y) * 7, 0, 255 - x - 7 * y};
     });
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     const std::vector<OverlayQuad> quads{
-        {label, {{21, 14}, {7, 5}}}, {nullptr, {{0, 0}, {9, 9}}}, {label, {{nan, 0}, {9, 9}}}};
+        {label, {{21, 14}, {7, 5}}}, {nullptr, {{0, 0}, {9, 9}}}, {label, {{kNaN, 0}, {9, 9}}}};
     renderer->drawImages(quads);
     const auto shown = renderer->readBack(2);
     ASSERT_TRUE(shown);
@@ -58,5 +55,4 @@ TEST_F(RenderTest, imagesOverThePictureAreSharpAndGoWithTheirImages) {
     EXPECT_GT(renderer->textureBytes(), 0U);
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::overlay_test

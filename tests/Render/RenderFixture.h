@@ -3,6 +3,7 @@
 #include "Platform/Scene/DrawList.h"
 #include "Render/GLContext.h"
 #include "Render/Renderer.h"
+#include "support/NotFinite.h"
 #include "support/Pixels.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <numbers>
-#include <optional>
 #include <set>
 #include <vector>
 
@@ -28,36 +28,37 @@ inline std::array<Vector3d, 4> ground(double west, double south, double east, do
     return {{{west, north, 0}, {east, north, 0}, {west, south, 0}, {east, south, 0}}};
 }
 
+inline std::shared_ptr<DrawItem> itemOf(DrawKind kind, std::uint64_t sequence) {
+    auto item = std::make_shared<DrawItem>();
+    item->kind = kind;
+    item->sequence = sequence;
+    return item;
+}
+
 inline std::shared_ptr<DrawItem> imageItem(std::shared_ptr<const UIImage> image,
                                            std::array<Vector3d, 4> corners, std::uint64_t sequence,
                                            bool usesLevels = false) {
-    auto item = std::make_shared<DrawItem>();
-    item->kind = DrawKind::image;
+    auto item = itemOf(DrawKind::image, sequence);
     item->image = std::move(image);
     item->corners = corners;
-    item->sequence = sequence;
     item->usesLevels = usesLevels;
     return item;
 }
 
 inline std::shared_ptr<DrawItem> discItem(Vector3d centre, double radius, std::array<float, 4> color,
                                           std::uint64_t sequence = 1) {
-    auto item = std::make_shared<DrawItem>();
-    item->kind = DrawKind::disc;
+    auto item = itemOf(DrawKind::disc, sequence);
     item->color = color;
     item->corners = ground(centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius);
-    item->sequence = sequence;
     return item;
 }
 
 inline std::shared_ptr<DrawItem> fillItem(std::shared_ptr<const SCNMesh> mesh, std::array<float, 4> color,
                                           std::uint64_t sequence) {
-    auto item = std::make_shared<DrawItem>();
-    item->kind = DrawKind::fill;
+    auto item = itemOf(DrawKind::fill, sequence);
     item->mesh = std::move(mesh);
     item->meshPosition = item->mesh->origin;
     item->color = color;
-    item->sequence = sequence;
     return item;
 }
 
@@ -75,8 +76,7 @@ Renderer::Options withOption(T Renderer::Options::*option, T value) {
     return options;
 }
 
-/// A camera that looks at a place on the ground so that, straight below it, a scene unit is as large as a
-/// pixel of a view of this height.
+/// Looks at the ground so that, straight below, a scene unit is a pixel of a view of this height.
 inline DrawCamera cameraAt(Vector3d target, double pixelHeight, double tilt = 0, double rotation = 0,
                            double unitsPerPixel = 1) {
     DrawCamera camera;
@@ -137,23 +137,6 @@ inline std::set<int> levelsIn(const UIImage& image) {
         levels.insert(image.pixels()[i]);
     }
     return levels;
-}
-
-inline int pixelsOtherThan(Rgba color, const UIImage& image) {
-    int count = 0;
-    for (int i = 0; i < image.pixelWidth() * image.pixelHeight(); ++i) {
-        count += pixelAt(image, i % image.pixelWidth(), i / image.pixelWidth()) != color;
-    }
-    return count;
-}
-
-/// The largest difference of two values at one place.
-inline int largestDifference(const UIImage& a, const UIImage& b) {
-    int worst = 0;
-    for (std::size_t i = 0; i < a.pixels().size(); ++i) {
-        worst = std::max(worst, std::abs(int{a.pixels()[i]} - int{b.pixels()[i]}));
-    }
-    return worst;
 }
 
 /// Where the camera shows a place of the scene, in pixels from the top left.

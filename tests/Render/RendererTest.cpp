@@ -1,10 +1,8 @@
 #include "Render/RenderFixture.h"
 
 #include <algorithm>
-#include <limits>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::renderer_test {
 
 using Color = std::array<std::uint8_t, 4>;
 
@@ -15,7 +13,7 @@ TEST_F(RenderTest, anImageOfThePicturesSizeComesBackTexelForTexel) {
     for (const bool usesLevels : {false, true}) {
         const auto shown = picture(
             frameOf({imageItem(image, ground(-32, -24, 32, 24), 1, usesLevels)}, cameraAt({}, 48)), 64, 48);
-        EXPECT_EQ(largestDifference(*shown, *image), 0) << usesLevels;
+        EXPECT_EQ(largestDifference(shown->pixels(), image->pixels()), 0) << usesLevels;
     }
 }
 
@@ -72,7 +70,7 @@ TEST_F(RenderTest, theSceneFadesOverItsBackground) {
     const Items items{imageItem(plainImage(4, 4, {0, 0, 0, 255}), ground(-9, -9, 9, 9), 1)};
     const UIColor background{0, 1, 0.2, 0.5};
     const Rgba bare{0, 128, 26, 128};
-    for (const double alpha : {0.0, 0.25, 1.0, std::numeric_limits<double>::quiet_NaN()}) {
+    for (const double alpha : {0.0, 0.25, 1.0, kNaN}) {
         DrawFrame frame = frameOf(items, cameraAt({}, 8), background);
         frame.alpha = alpha;
         const Rgba shown = pixelAt(*picture(frame, 8, 8), 4, 4);
@@ -102,8 +100,6 @@ TEST_F(RenderTest, sizesThatCannotBeAreRefusedAndLeaveThePictureBefore) {
 }
 
 TEST_F(RenderTest, whatCannotBeDrawnIsLeftOut) {
-    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const auto image = plainImage(4, 4, {255, 0, 0, 255});
     Items items{nullptr, imageItem(nullptr, ground(-9, -9, 9, 9), 1)};
     for (const double bad : {kNaN, kInfinity, 1e300}) {
@@ -117,10 +113,7 @@ TEST_F(RenderTest, whatCannotBeDrawnIsLeftOut) {
     odd->opacity = static_cast<float>(kNaN);
     items.push_back(odd);
     for (const DrawKind kind : {DrawKind::fill, DrawKind::program}) {
-        auto item = std::make_shared<DrawItem>();
-        item->kind = kind;
-        item->sequence = items.size();
-        items.push_back(item);
+        items.push_back(itemOf(kind, items.size()));
     }
     const Rgba white{255, 255, 255, 255};
     EXPECT_EQ(pixelAt(*picture(frameOf(items, cameraAt({}, 16)), 16, 16), 12, 4), white);
@@ -132,5 +125,4 @@ TEST_F(RenderTest, whatCannotBeDrawnIsLeftOut) {
     EXPECT_EQ(pixelAt(*picture(empty, 16, 16), 8, 8), white);
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::renderer_test

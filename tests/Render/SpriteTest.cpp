@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <random>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::sprite_test {
 
 using Color = std::array<std::uint8_t, 4>;
 
@@ -72,9 +71,7 @@ std::shared_ptr<const DrawItem> randomItem(std::mt19937& random, std::uint64_t s
     const auto number = [&](double low, double high) {
         return std::uniform_real_distribution(low, high)(random);
     };
-    const double x = number(-40, 40);
-    const double y = number(-40, 40);
-    const double size = number(4, 30);
+    const double x = number(-40, 40), y = number(-40, 40), size = number(4, 30);
     std::shared_ptr<DrawItem> item;
     switch (random() % 4) {
     case 0:
@@ -124,7 +121,7 @@ TEST_F(RenderTest, aLongLifeOfChangesEndsInThePictureOfAFreshStart) {
         const auto expected = fresh.readBack(1);
         ASSERT_TRUE(expected);
         // The origin is another, so that an edge may fall on the other side of a sample.
-        ASSERT_LE(largestDifference(*shown, **expected), 96) << step;
+        ASSERT_LE(largestDifference(shown->pixels(), (*expected)->pixels()), 96) << step;
         const auto whites = [](std::span<const std::uint8_t> pixels) {
             return static_cast<double>(std::count(pixels.begin(), pixels.end(), 255));
         };
@@ -132,5 +129,4 @@ TEST_F(RenderTest, aLongLifeOfChangesEndsInThePictureOfAFreshStart) {
     }
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::sprite_test

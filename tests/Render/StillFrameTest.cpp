@@ -44,8 +44,7 @@ void operator delete(void* memory, std::size_t) noexcept {
 }
 #endif
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::still_frame_test {
 
 TEST_F(RenderTest, aFrameLikeTheOneBeforeAllocatesAndRewritesNothing) {
     Items items;
@@ -91,5 +90,4 @@ TEST_F(RenderTest, aFrameLikeTheOneBeforeAllocatesAndRewritesNothing) {
     EXPECT_EQ(allocations, 0);
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::still_frame_test

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace trelmix::render_test {
-namespace {
+namespace trelmix::render_test::texture_test {
 
 /// Coloured waves with fine and coarse detail in a black frame.
 std::shared_ptr<const UIImage> waves(int width, int height) {
@@ -33,7 +32,7 @@ TEST_F(RenderTest, anImageBeyondTheLimitLooksAsItDoesInOnePiece) {
             for (std::size_t i = 0; i < whole->pixels().size(); ++i) {
                 sum += std::abs(int{whole->pixels()[i]} - int{parts->pixels()[i]});
             }
-            EXPECT_LE(largestDifference(*whole, *parts), unitsPerPixel > 5 ? 24 : 6)
+            EXPECT_LE(largestDifference(whole->pixels(), parts->pixels()), unitsPerPixel > 5 ? 24 : 6)
                 << unitsPerPixel << " levels " << usesLevels;
             EXPECT_LT(sum / static_cast<double>(whole->pixels().size()), 0.3) << unitsPerPixel;
         }
@@ -108,5 +107,4 @@ TEST_F(RenderTest, whatIsInViewIsUploadedFirst) {
     EXPECT_EQ(pixelAt(**renderer->readBack(1), 4, 4), (Rgba{255, 0, 0, 255}));
 }
 
-} // namespace
-} // namespace trelmix::render_test
+} // namespace trelmix::render_test::texture_test

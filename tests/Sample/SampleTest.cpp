@@ -15,8 +15,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-namespace trelmix::sample {
-namespace {
+namespace trelmix::sample::sample_test {
 
 TEST(SampleFiles, theTownsArchiveIsWholeOnEveryZoomAndEveryTileDecodes) {
     const apps::ScratchFolder folder;
@@ -94,5 +93,4 @@ TEST(SampleFiles, theScenesAreReadAndNameOnlyFilesThatAreThere) {
     }
 }
 
-} // namespace
-} // namespace trelmix::sample
+} // namespace trelmix::sample::sample_test

@@ -6,8 +6,7 @@
 #include <numbers>
 #include <random>
 
-namespace trelmix {
-namespace {
+namespace trelmix::tessellator_test {
 
 using Points = std::vector<CGPoint>;
 constexpr double kTurn = 2 * std::numbers::pi;
@@ -54,8 +53,7 @@ int windingNumber(const std::vector<Points>& runs, CGPoint p) {
     int winding = 0;
     for (const Points& run : runs) {
         for (std::size_t i = 0; i < run.size(); ++i) {
-            const CGPoint a = run[i];
-            const CGPoint b = run[(i + 1) % run.size()];
+            const CGPoint a = run[i], b = run[(i + 1) % run.size()];
             if ((a.y <= p.y) != (b.y <= p.y)) {
                 const bool isLeft = (cross(a, b, p) > 0) == (b.y > a.y);
                 winding += isLeft ? (b.y > a.y ? 1 : -1) : 0;
@@ -68,9 +66,7 @@ int windingNumber(const std::vector<Points>& runs, CGPoint p) {
 int coverCount(const SCNMesh& mesh, CGPoint p) {
     int count = 0;
     for (std::size_t i = 0; i < mesh.indexCount(); i += 3) {
-        const CGPoint a = corner(mesh, i);
-        const CGPoint b = corner(mesh, i + 1);
-        const CGPoint c = corner(mesh, i + 2);
+        const CGPoint a = corner(mesh, i), b = corner(mesh, i + 1), c = corner(mesh, i + 2);
         const double s[] = {cross(a, b, p), cross(b, c, p), cross(c, a, p)};
         count += (s[0] > 0 && s[1] > 0 && s[2] > 0) || (s[0] < 0 && s[1] < 0 && s[2] < 0);
     }
@@ -105,6 +101,9 @@ TEST(Tessellator, fillsByTheNonZeroRule) {
     std::reverse(hole.begin(), hole.end());
     expectFilledOnce({star(7, 1, 900), hole}, 1000);
     expectFilledOnce({{{-900, -900}, {900, 900}, {900, -900}, {-900, 900}}}, 1000); // a bow tie
+    auto tangle = star(300, 1, 900); // more vertices than a byte counts
+    std::swap(tangle[10], tangle[30]);
+    expectFilledOnce({tangle}, 1000);
     std::mt19937 random(5);
     std::uniform_real_distribution<double> place(-900, 900);
     for (int round = 0; round < 5; ++round) {
@@ -128,8 +127,7 @@ TEST(Tessellator, outlinesOfManyCornersKeepTheirAreaInBothDirections) {
     for (const int count : {3, 100, 10000}) {
         Points points;
         for (int i = 0; i < count; ++i) {
-            const double angle = kTurn * i / count;
-            const double radius = 1e4 * (1 + 0.3 * std::sin(40 * angle));
+            const double angle = kTurn * i / count, radius = 1e4 * (1 + 0.3 * std::sin(40 * angle));
             points.push_back({radius * std::cos(angle), radius * std::sin(angle)});
         }
         const double area = shoelace(points);
@@ -194,12 +192,10 @@ TEST(Tessellator, degenerateOutlinesEncloseNothingAndHopelessOnesAreLeftOut) {
     EXPECT_EQ(tessellate(pathOf(needles)), nullptr); // closing edges cross as well as the others
     Points ragged;
     for (int i = 0; i < 400000; ++i) {
-        const double angle = kTurn * i / 400000;
-        const double radius = i % 2 == 0 ? 1e5 : 1e5 + 10;
+        const double angle = kTurn * i / 400000, radius = i % 2 == 0 ? 1e5 : 1e5 + 10;
         ragged.push_back({radius * std::cos(angle), radius * std::sin(angle)});
     }
     EXPECT_EQ(tessellate(pathOf({ragged})), nullptr); // would take minutes
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::tessellator_test

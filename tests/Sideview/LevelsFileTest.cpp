@@ -4,8 +4,7 @@
 #include <filesystem>
 #include <limits>
 
-namespace trelmix {
-namespace {
+namespace trelmix::levels_file_test {
 
 const std::string kBearing = R"("bearing": 30,)";
 
@@ -112,5 +111,4 @@ TEST(LevelsFile, readingNamesThePathOfWhatCannotBeUsed) {
     EXPECT_EQ(SideviewProjection::levelInfo(4, path).reason().rfind(path, 0), 0U);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::levels_file_test

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Sideview/SideviewProjection.h"
+#include "support/NotFinite.h"
 
 #include <gtest/gtest.h>
 

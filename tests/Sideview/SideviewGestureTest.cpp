@@ -1,7 +1,6 @@
 #include "SideviewStage.h"
 
-namespace trelmix {
-namespace {
+namespace trelmix::sideview_gesture_test {
 
 class SideviewGestures : public SideviewStage {
 protected:
@@ -153,5 +152,4 @@ TEST_F(SideviewGestures, theApplicationMayDoAnythingInsideACall) {
     EXPECT_EQ(takeLog(), "tap; tap; ");
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::sideview_gesture_test

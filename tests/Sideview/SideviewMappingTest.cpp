@@ -7,11 +7,9 @@
 #include <cmath>
 #include <numbers>
 
-namespace trelmix {
-namespace {
+namespace trelmix::sideview_mapping_test {
 
-constexpr double kDegree = std::numbers::pi / 180;
-constexpr double kWidth = 1500;
+constexpr double kDegree = std::numbers::pi / 180, kWidth = 1500;
 
 struct MappingCase {
     LevelsFile file;
@@ -86,5 +84,4 @@ TEST(SideviewMapping, placesAndImagePointsAgreeWithAnIndependentComputation) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::sideview_mapping_test

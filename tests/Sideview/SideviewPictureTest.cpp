@@ -1,11 +1,6 @@
 #include "SideviewStage.h"
 
-#include <limits>
-
-namespace trelmix {
-namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+namespace trelmix::sideview_picture_test {
 
 class SideviewPicture : public SideviewStage {
 protected:
@@ -24,10 +19,7 @@ protected:
     /// The rectangle around all pixels that are at least half of a colour, in pixels.
     template <class Is>
     static CGRect extent(const UIImage& image, Is is) {
-        int left = image.pixelWidth();
-        int top = image.pixelHeight();
-        int right = -1;
-        int bottom = -1;
+        int left = image.pixelWidth(), top = image.pixelHeight(), right = -1, bottom = -1;
         for (int y = 0; y < image.pixelHeight(); ++y) {
             for (int x = 0; x < image.pixelWidth(); ++x) {
                 if (is(colorAt(image, x, y))) {
@@ -48,8 +40,7 @@ protected:
     static bool isBluish(const Pixel& p) { return p[2] > p[0] + 50 && p[2] > p[1] + 50; }
 
     void expectExtent(const CGRect& found, CGPoint topLeft, CGPoint bottomRight, const std::string& what) {
-        const CGPoint from = onScreen(topLeft);
-        const CGPoint to = onScreen(bottomRight);
+        const CGPoint from = onScreen(topLeft), to = onScreen(bottomRight);
         EXPECT_NEAR(found.origin.x, std::max(0.0, from.x), 1) << what;
         EXPECT_NEAR(found.origin.y, std::max(0.0, from.y), 1) << what;
         EXPECT_NEAR(found.origin.x + found.size.width, std::min(kView.width, to.x), 1) << what;
@@ -131,10 +122,9 @@ TEST_F(SideviewPicture, thePathLiesOnTheBitmapAndUnderEverythingElse) {
 }
 
 TEST_F(SideviewPicture, aPathLeavesOutWhatHasNoPlace) {
-    const double infinity = std::numeric_limits<double>::infinity();
     const CLLocationCoordinate2D here{kLatitude, longitudeAt(300)};
     std::vector<CLLocation> path;
-    for (const double altitude : {kNaN, -infinity, 9.3e18}) {
+    for (const double altitude : {kNaN, -kInfinity, 9.3e18}) {
         path.emplace_back(here, altitude);
     }
     path.emplace_back(CLLocationCoordinate2D{kNaN, 9.96}, 0);
@@ -147,7 +137,7 @@ TEST_F(SideviewPicture, aPathLeavesOutWhatHasNoPlace) {
     EXPECT_NEAR(elements[0].point.y, kMiddle[0], 1e-9);
     EXPECT_NEAR(elements[1].point.y, kMiddle[1], 1e-9);
     EXPECT_EQ(elements[2].point.y, 0) << "the file knows no level 5";
-    for (const double width : {kNaN, infinity, -3.0, 0.0, 1e300}) {
+    for (const double width : {kNaN, kInfinity, -3.0, 0.0, 1e300}) {
         sideview->drawNavigationPath(path, UIColor::blackColor(), width);
         compose();
     }
@@ -181,5 +171,4 @@ TEST_F(SideviewPicture, aMarkerShowsOnceItHasBothAnIconAndAPlace) {
     EXPECT_FALSE(shows());
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::sideview_picture_test

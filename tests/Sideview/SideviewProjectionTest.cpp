@@ -7,12 +7,9 @@
 #include <numbers>
 #include <utility>
 
-namespace trelmix {
-namespace {
+namespace trelmix::sideview_projection_test {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kLargest = std::numeric_limits<double>::max();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr CLLocationCoordinate2D kInTheBox{53.541, 9.962};
 
 std::string level(const std::string& number, double floor, double height) {
@@ -185,5 +182,4 @@ TEST(SideviewProjection, whatLeavesAPlaceWithoutFiniteCounterpartIsRefused) {
     }
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::sideview_projection_test

@@ -2,11 +2,9 @@
 
 #include "Platform/View/UIScreen.h"
 
-#include <limits>
 #include <thread>
 
-namespace trelmix {
-namespace {
+namespace trelmix::sideview_setup_test {
 
 class SideviewSetup : public SideviewStage {
 protected:
@@ -45,8 +43,7 @@ TEST_F(SideviewSetup, thePictureStartsFittedToTheWidth) {
     struct Case {
         double viewWidth;
         int imageWidth;
-        double zoom;
-        double screenWidth = 600;
+        double zoom, screenWidth = 600;
     };
     for (const Case& c :
          {Case{375, 1500, 0.25}, Case{375, 300, 1.0}, Case{0, 1500, 0.4}, Case{0, 1500, 1.0, 0}}) {
@@ -178,5 +175,4 @@ TEST_F(SideviewSetup, callsFromAnotherThreadAreFaultsAndChangeNothing) {
     EXPECT_NE(sideview->sideviewProjection(), nullptr);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::sideview_setup_test

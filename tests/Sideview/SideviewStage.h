@@ -23,11 +23,8 @@ namespace trelmix {
 /// With the bearing east, the picture's x is the longitude's part of the box.
 class SideviewStage : public EngineFixture {
 protected:
-    static constexpr CGSize kView{375, 320};
-    static constexpr CGSize kPicture{1500, 300};
-    static constexpr double kWest = 9.96;
-    static constexpr double kEast = 9.964;
-    static constexpr double kLatitude = 53.541;
+    static constexpr CGSize kView{375, 320}, kPicture{1500, 300};
+    static constexpr double kWest = 9.96, kEast = 9.964, kLatitude = 53.541;
     /// Image points per metre, and the middles of the two levels in image points.
     static constexpr double kScale = 300 / 8.4;
     static constexpr std::array<double, 2> kMiddle{280 - 1.5 * kScale, 280 - 5 * kScale};

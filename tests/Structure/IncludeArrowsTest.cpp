@@ -65,8 +65,7 @@ const std::vector<std::pair<std::string, std::string>> kLibraryRooms{
 struct Include {
     fs::path file;
     /// The folder below src.
-    std::string room;
-    std::string target;
+    std::string room, target;
     bool isAngled;
 };
 

@@ -2,18 +2,14 @@
 
 #include <gtest/gtest.h>
 
-namespace trelmix {
-namespace {
+namespace trelmix::tile_coverage_test {
 
-constexpr TileState kAsked{false, false};
-constexpr TileState kNone{true, false};
-constexpr TileState kImage{true, true};
+constexpr TileState kAsked{false, false}, kNone{true, false}, kImage{true, true};
 
 TEST(TileCoverage, aCoarseTileGoesOnceAllThatTheViewNeedsOfItsGroundIsAnswered) {
     const struct {
         const char* what;
-        TileState lastChild;
-        TileState otherChildren;
+        TileState lastChild, otherChildren;
         TileBox box;
         std::vector<TileIndex> beyondBox;
         bool isCovered;
@@ -50,5 +46,4 @@ TEST(TileCoverage, aFineTileGoesOnceTheCurrentOneThatHoldsItIsAnswered) {
     EXPECT_TRUE(coveredTiles({{18, {{{-1, 1, 18}, kImage}}}, {20, {{fine, kImage}}}}, 18, {}).empty());
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::tile_coverage_test

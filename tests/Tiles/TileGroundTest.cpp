@@ -9,8 +9,7 @@
 #include <random>
 #include <set>
 
-namespace trelmix {
-namespace {
+namespace trelmix::tile_ground_test {
 
 using TileSet = std::set<TileIndex>;
 
@@ -116,5 +115,4 @@ TEST(TileGround, extremeViewsAndZoomsOutsideTheGridStayWithinBounds) {
     EXPECT_LE(tilesInView(*empty, 17).tiles.size(), kMostTiles);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::tile_ground_test

@@ -11,8 +11,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace trelmix {
-namespace {
+namespace trelmix::tile_layer_test {
 
 constexpr CLLocationCoordinate2D kPlace{43.7362, 7.4245};
 
@@ -225,5 +224,4 @@ TEST_F(TileLayer, clearedWhileACleanUpIsPendingItCleansUpAgainLater) {
     EXPECT_LT(drawnCount(17), before);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::tile_layer_test

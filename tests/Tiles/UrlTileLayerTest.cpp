@@ -9,13 +9,11 @@
 
 #include <Trelmix/Platform/NetworkSettings.h>
 
-#include <atomic>
 #include <chrono>
 #include <map>
 #include <stdexcept>
 
-namespace trelmix {
-namespace {
+namespace trelmix::url_tile_layer_test {
 
 using End = TileReply::End;
 
@@ -295,5 +293,4 @@ TEST(TileImageCache, keepsWhatWasTouchedLastAndItsSumOfBytes) {
     EXPECT_EQ(cache.byteCount(), 0U);
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::url_tile_layer_test

@@ -7,6 +7,7 @@
 #include "Platform/View/UIRotationGestureRecognizer.h"
 #include "Platform/View/UITapGestureRecognizer.h"
 #include "Platform/View/ViewNode.h"
+#include "support/NotFinite.h"
 #include "support/TouchStory.h"
 
 #include <gtest/gtest.h>

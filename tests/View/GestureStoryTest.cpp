@@ -3,8 +3,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace trelmix {
-namespace {
+namespace trelmix::gesture_story_test {
 
 constexpr double kDegree = std::numbers::pi / 180;
 
@@ -202,5 +201,4 @@ TEST_F(PanStory, fingersOnDifferentViewsDoNotDisturbEachOther) {
     EXPECT_EQ(takeLog(), "pan began; ");
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::gesture_story_test

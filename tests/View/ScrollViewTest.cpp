@@ -13,8 +13,7 @@
 #include <array>
 #include <cmath>
 
-namespace trelmix {
-namespace {
+namespace trelmix::scroll_view_test {
 
 /// A window with a scroll view that fills it, and in it an image of 800 x 400.
 class ScrollStage : public testing::Test, public UIScrollViewDelegate {
@@ -53,8 +52,7 @@ protected:
     std::shared_ptr<UIView> window = ViewNode::make({{0, 0}, {200, 100}});
     std::shared_ptr<UIScrollView> scroll = UIScrollView::make();
     std::shared_ptr<UIImageView> picture = UIImageView::make(plainImage(8, 4, {0, 128, 0, 255}));
-    int zooms = 0;
-    int scrolls = 0;
+    int zooms = 0, scrolls = 0;
 };
 
 TEST_F(ScrollStage, zoomStaysInItsRangeAndKeepsTheMiddle) {
@@ -101,8 +99,7 @@ TEST_F(ScrollStage, twoFingersKeepTheContentBetweenThem) {
     scroll->setZoomScale(0.5, false);
     scroll->setContentOffset({100, 50});
     TouchStory story(window);
-    const CGPoint first = pictureAt({80, 40});
-    const CGPoint second = pictureAt({120, 60});
+    const CGPoint first = pictureAt({80, 40}), second = pictureAt({120, 60});
     story.down(1, {80, 40}).down(2, {120, 60});
     story.move({{1, {75, 55}}, {2, {145, 90}}}).move({{1, {60, 30}}, {2, {132, 66}}});
     EXPECT_NEAR(scroll->zoomScale(), 0.9, 1e-9);
@@ -183,5 +180,4 @@ TEST_F(ScrollStage, theComposedPictureShowsEveryViewWhereTouchesFindIt) {
     EXPECT_FALSE(ViewComposer::compose(*ViewNode::make()));
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::scroll_view_test

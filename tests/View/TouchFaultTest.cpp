@@ -1,13 +1,8 @@
 #include "View/GestureStage.h"
 
 #include <cmath>
-#include <limits>
 
-namespace trelmix {
-namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+namespace trelmix::touch_fault_test {
 
 using TouchFaults = GestureStage;
 
@@ -147,5 +142,4 @@ TEST_F(TouchFaults, aViewTakenOutOfTheTreeCancelsItsGesture) {
     EXPECT_TRUE(allAtRest());
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::touch_fault_test

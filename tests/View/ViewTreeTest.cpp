@@ -1,15 +1,11 @@
 #include "Platform/View/LayoutConstraint.h"
 
 #include "Platform/View/ViewNode.h"
+#include "support/NotFinite.h"
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
-namespace trelmix {
-namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+namespace trelmix::view_tree_test {
 
 TEST(LayoutConstraint, pinnedViewsFollowTheirSuperviewAndFixedOnesKeepTheirLength) {
     const auto parent = ViewNode::make({{5, 5}, {300, 200}});
@@ -36,19 +32,9 @@ TEST(LayoutConstraint, otherFormatsSayWhatIsWrong) {
     const LayoutConstraint::Views views{{"v", view}, {"gone", gone}};
     gone.reset();
     const LayoutConstraint::Metrics metrics{{"bad", kNaN}};
-    const char* const formats[] = {"",
-                                   "|[v]|",
-                                   "H:|[v]",
-                                   "H:|[v]|x",
-                                   "H:|[w]|",
-                                   "H:|[gone]|",
-                                   "V:|[v(==m)]|",
-                                   "V:|[v(==4]|",
-                                   "V:|[v(==bad)]|",
-                                   "V:|[v(==-1)]|",
-                                   "V:|[v(==0x)]|",
-                                   "V:|[v\n]|"};
-    for (const char* format : formats) {
+    for (const char* format :
+         {"", "|[v]|", "H:|[v]", "H:|[v]|x", "H:|[w]|", "H:|[gone]|", "V:|[v(==m)]|", "V:|[v(==4]|",
+          "V:|[v(==bad)]|", "V:|[v(==-1)]|", "V:|[v(==0x)]|", "V:|[v\n]|"}) {
         const auto result = LayoutConstraint::constraintsWithVisualFormat(format, metrics, views);
         EXPECT_FALSE(result) << format;
         EXPECT_EQ(result.reason().find('\n'), std::string::npos);
@@ -99,5 +85,4 @@ TEST(UIView, refusesCirclesAndKeepsNumbersFinite) {
     EXPECT_TRUE(gone.expired());
 }
 
-} // namespace
-} // namespace trelmix
+} // namespace trelmix::view_tree_test

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -21,11 +19,6 @@ inline std::vector<std::byte> sampleBody(int number) {
         byte = static_cast<std::byte>(random() >> 8);
     }
     return body;
-}
-
-inline std::string bytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 } // namespace trelmix

@@ -15,8 +15,7 @@ class DelegateLog : public TrelmixMapEngineDelegate {
 public:
     std::vector<std::string> calls;
     std::vector<std::shared_ptr<TrelmixMapEngineCamera>> records;
-    std::function<void()> onWillMove;
-    std::function<void()> onIdle;
+    std::function<void()> onWillMove, onIdle;
 
     void mapViewWillMoveFromGesture(bool fromGesture) override {
         calls.emplace_back(fromGesture ? "willMove(gesture)" : "willMove");

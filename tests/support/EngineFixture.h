@@ -5,6 +5,7 @@
 #include "Platform/Foundation/CallerFault.h"
 #include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/RunLoop.h"
+#include "support/NotFinite.h"
 
 #include <Trelmix/TrelmixMapMarker.h>
 
@@ -53,16 +54,6 @@ protected:
         Clock::set(Clock::now() + seconds);
         lastFrame = engine->sceneView()->nextFrame(Clock::now());
         RunLoop::main().pump();
-    }
-
-    /// A frame in which a callback lets go of the engine; a new one takes its place.
-    void stepThatEndsTheEngine() {
-        const auto view = engine->sceneView();
-        Clock::set(Clock::now() + 2);
-        view->nextFrame(Clock::now());
-        EXPECT_FALSE(engine);
-        RunLoop::main().drain();
-        engine = makeEngine();
     }
 
     /// The faults reported since the last call.

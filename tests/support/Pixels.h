@@ -2,8 +2,10 @@
 
 #include <Trelmix/Platform/UIImage.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
@@ -12,8 +14,7 @@
 
 namespace trelmix {
 
-/// An opaque picture whose pixel (x, y) has the colour that `color(x, y)` gives: {red, green, blue}, 0 to
-/// 255.
+/// An opaque picture whose pixel (x, y) has the colour `color(x, y)`: {red, green, blue}, 0 to 255.
 template <class Color>
 std::shared_ptr<const UIImage> painted(int width, int height, const Color& color) {
     std::vector<std::uint8_t> pixels;
@@ -55,6 +56,23 @@ inline std::array<int, 4> pixelAt(const UIImage& image, int x, int y) {
 inline std::array<int, 3> colorAt(const UIImage& image, int x, int y) {
     const auto pixel = pixelAt(image, x, y);
     return {pixel[0], pixel[1], pixel[2]};
+}
+
+inline int pixelsOtherThan(std::array<int, 4> color, const UIImage& image) {
+    int count = 0;
+    for (int i = 0; i < image.pixelWidth() * image.pixelHeight(); ++i) {
+        count += pixelAt(image, i % image.pixelWidth(), i / image.pixelWidth()) != color;
+    }
+    return count;
+}
+
+/// Of two values at one place; 256 where there are more of the one.
+inline int largestDifference(std::span<const std::uint8_t> a, std::span<const std::uint8_t> b) {
+    int largest = a.size() == b.size() ? 0 : 256;
+    for (std::size_t i = 0; largest < 256 && i < a.size(); ++i) {
+        largest = std::max(largest, std::abs(a[i] - b[i]));
+    }
+    return largest;
 }
 
 /// Nothing when these are not a picture's bytes.

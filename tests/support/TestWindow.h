@@ -43,8 +43,7 @@ public:
 
 private:
     int _height;
-    GLuint _texture = 0;
-    GLuint _framebuffer = 0;
+    GLuint _texture = 0, _framebuffer = 0;
 };
 
 } // namespace trelmix

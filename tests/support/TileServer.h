@@ -229,13 +229,11 @@ private:
     std::thread _acceptor;
     mutable std::mutex _mutex;
     std::condition_variable _changed;
-    bool _isStopping = false;
-    bool _isReleased = false;
+    bool _isStopping = false, _isReleased = false;
     std::list<int> _connections;
     std::vector<std::string> _paths;
     std::map<std::string, int> _counts;
-    int _running = 0;
-    int _mostAtOnce = 0;
+    int _running = 0, _mostAtOnce = 0;
 };
 
 } // namespace trelmix

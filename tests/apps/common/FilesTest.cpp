@@ -11,8 +11,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::files_test {
 
 namespace fs = std::filesystem;
 
@@ -69,5 +68,4 @@ TEST(Files, devicesAreWrittenToRatherThanReplacedAndAFullOneIsNoticed) {
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::files_test

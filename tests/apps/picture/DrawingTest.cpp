@@ -34,8 +34,7 @@ TEST(Attribution, staysInsideThePictureHoweverSmallThatIs) {
 TEST(Attribution, leavesAsMuchRoomOnBothSidesOfItsText) {
     const auto image = attributionImage("HHHHHH", 1, 800);
     const auto isInk = [&](int x) { return pixelAt(*image, x, image->pixelHeight() / 2)[0] < 120; };
-    int left = 0;
-    int right = image->pixelWidth() - 1;
+    int left = 0, right = image->pixelWidth() - 1;
     for (; !isInk(left); ++left) {
     }
     for (; !isInk(right); --right) {

@@ -23,8 +23,7 @@ TEST(TileSource, enlargedPartsKeepEveryPointOfTheGroundAtItsPlaceAlsoAcrossTheEd
     }
     const TileSource source(std::move(store));
     for (const std::int64_t levels : {1, 2, 7}) {
-        const std::int64_t middle = std::int64_t{1} << levels;
-        const std::int64_t last = 2 * middle - 1;
+        const std::int64_t middle = std::int64_t{1} << levels, last = 2 * middle - 1;
         const std::pair<std::int64_t, std::int64_t> places[] = {
             {middle - 1, middle}, {middle, middle - 1}, {0, 0}, {last, last}};
         for (const auto& [x, y] : places) {

@@ -11,8 +11,7 @@ namespace trelmix::apps {
 
 struct Outcome {
     int exitCode = -1;
-    std::string output;
-    std::string errors;
+    std::string output, errors;
 };
 
 /// Runs the program itself, as a shell would, in a folder of its own.

@@ -7,8 +7,7 @@
 #include <cstdio>
 #include <unistd.h>
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::program_test {
 
 constexpr const char* kTown = R"({"view": {"width": 300, "height": 200, "background": "#00ff00"},
     "camera": {"target": {"lat": 0, "lon": 0}, "zoom": 17}, "tiles": [{"mbtiles": "town.mbtiles"}]})";
@@ -128,8 +127,7 @@ nonsense
     EXPECT_EQ(outcome.exitCode, 2);
     const char* const format = "{\"lat\":%lf,\"lon\":%lf}\n{\"error\":\"above the horizon\"}\n"
                                "{\"error\":\"behind the camera\"}\n{\"x\":%lf,\"y\":%lf}";
-    double lat = 0;
-    double lon = 0;
+    double lat = 0, lon = 0;
     CGPoint point;
     ASSERT_EQ(std::sscanf(outcome.output.c_str(), format, &lat, &lon, &point.x, &point.y), 4)
         << outcome.output;
@@ -235,5 +233,4 @@ TEST_F(LocalProgramTest, aSideViewIsWrittenAsHighAsItsPictureOrAsAsked) {
     EXPECT_EQ(picture("b.png")->size(), (CGSize{200, 160}));
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::program_test

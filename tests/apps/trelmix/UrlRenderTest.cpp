@@ -6,8 +6,7 @@
 #include <functional>
 #include <optional>
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::url_render_test {
 
 class UrlRender : public ProgramTest {
 protected:
@@ -96,5 +95,4 @@ TEST_F(UrlRender, tilesThatDoNotComeInTimeAreReportedAndThePictureIsWrittenAllTh
     EXPECT_NE(lost.errors.find("--ca-file missing.pem: "), std::string::npos);
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::url_render_test

@@ -8,8 +8,7 @@
 #include <thread>
 #include <unistd.h>
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::command_test {
 
 TEST_F(WindowTest, keysMoveTheCamera) {
     open(kPlain);
@@ -157,5 +156,4 @@ TEST_F(WindowTest, theProgramEndsOnSignalsUnlessTheyWereIgnored) {
     EXPECT_EQ(endAfter({SIGHUP, SIGTERM}, true), 128 + SIGTERM) << "started by nohup";
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::command_test

@@ -5,20 +5,7 @@
 
 #include <functional>
 
-namespace trelmix::apps {
-namespace {
-
-TEST_F(WindowTest, theMapStaysUnderTheMouseThatDragsItAlsoStraightAlongAnAxis) {
-    open(kPlain);
-    for (const auto& [from, to, steps] : std::vector<std::tuple<CGPoint, CGPoint, int>>{
-             {{300, 200}, {500, 200}, 40}, {{300, 200}, {300, 60}, 140}, {{100, 400}, {420, 130}, 9}}) {
-        const auto place = groundAt(from);
-        drag(from, to, steps);
-        EXPECT_LE(distance(pointOf(place), to), 0.5) << from.x << "," << from.y;
-        settle();
-        EXPECT_LE(distance(pointOf(place), to), 0.5) << "at rest";
-    }
-}
+namespace trelmix::apps::input_test {
 
 TEST_F(WindowTest, fingersPanPinchAndTurn) {
     open(kPlain);
@@ -36,25 +23,23 @@ TEST_F(WindowTest, fingersPanPinchAndTurn) {
         }
         each(SDL_FINGERUP, 1);
     };
-    slide({[](double t) { return CGPoint{200 + 100 * t, 200 + 60 * t}; }});
+    const auto line = [](CGPoint from, CGPoint way) {
+        return [=](double t) { return CGPoint{from.x + way.x * t, from.y + way.y * t}; };
+    };
+    slide({line({200, 200}, {100, 60})});
     EXPECT_LE(distance(pointOf(place), {300, 260}), 0.5);
 
     const float zoom = engine().camera()->zoom();
-    slide({[](double t) {
-               return CGPoint{270 - 100 * t, 240};
-           },
-           [](double t) {
-               return CGPoint{370 + 100 * t, 240};
-           }});
+    slide({line({270, 240}, {-100, 0}), line({370, 240}, {100, 0})});
     EXPECT_NEAR(engine().camera()->zoom(), zoom + std::log2(3.0F), 0.05);
 
     constexpr double kTurn = 0.9;
-    slide({[](double t) {
-               return CGPoint{320 - 100 * std::cos(kTurn * t), 240 - 100 * std::sin(kTurn * t)};
-           },
-           [](double t) {
-               return CGPoint{320 + 100 * std::cos(kTurn * t), 240 + 100 * std::sin(kTurn * t)};
-           }});
+    const auto arc = [](double radius) {
+        return [=](double t) {
+            return CGPoint{320 + radius * std::cos(kTurn * t), 240 + radius * std::sin(kTurn * t)};
+        };
+    };
+    slide({arc(-100), arc(100)});
     EXPECT_NEAR(std::abs(engine().camera()->rotation()), kTurn * 180 / 3.14159265, 4);
 }
 
@@ -165,5 +150,4 @@ TEST_F(WindowTest, aWindowThatLosesItsInputLetsGoOfTheMap) {
     EXPECT_NE(engine().camera()->target().longitude, target.longitude) << "and takes hold anew";
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::input_test

@@ -4,8 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::layout_test {
 
 TEST(ScreenLayout, mapAndSideViewShareTheWindowInWholePixels) {
     for (const double scale : {1.0, 1.5, 2.0}) {
@@ -23,5 +22,4 @@ TEST(ScreenLayout, mapAndSideViewShareTheWindowInWholePixels) {
     EXPECT_EQ(layoutFor({-5, 0}, 1, CGSize{640, 150}).map.size.height, 1) << "neither vanishes";
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::layout_test

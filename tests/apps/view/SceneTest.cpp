@@ -6,8 +6,7 @@
 #include <filesystem>
 #include <set>
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::scene_test {
 
 using Color = std::array<int, 3>;
 
@@ -235,5 +234,4 @@ TEST_F(SceneWindowTest, cornersShowSourcesScaleAndNorth) {
     EXPECT_TRUE(lines.empty()) << "the arrow's click is not the map's";
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::scene_test

@@ -1,8 +1,7 @@
 // Map and side view together.
 #include "apps/view/WindowFixture.h"
 
-namespace trelmix::apps {
-namespace {
+namespace trelmix::apps::side_panel_test {
 
 // Twice the size at which it shows: 1 m takes 10 points.
 constexpr const char* kScene = R"({"view": {"width": 640, "height": 480},
@@ -24,8 +23,7 @@ protected:
         ASSERT_TRUE(app->stage().side());
     }
     std::int64_t level() { return app->stage().side()->sideview().levelNumber(); }
-    static constexpr std::array<int, 3> kPlanOne{0, 0, 200};
-    static constexpr std::array<int, 3> kPlanTwo{0, 200, 0};
+    static constexpr std::array<int, 3> kPlanOne{0, 0, 200}, kPlanTwo{0, 200, 0};
 };
 
 TEST_F(SidePanelTest, bothAreInTheWindowAndTheLevelsPlanIsShown) {
@@ -129,5 +127,4 @@ TEST_F(SidePanelTest, inALowWindowTheDisplayedLevelIsInView) {
     EXPECT_TRUE(levelAt(1) == 7 && levelAt(44) == 7) << "its middle where it does not fit";
 }
 
-} // namespace
-} // namespace trelmix::apps
+} // namespace trelmix::apps::side_panel_test

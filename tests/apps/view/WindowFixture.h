@@ -26,8 +26,7 @@ inline constexpr const char* kSideLevels = R"({"bearing": 90, "bowPosition": "ri
 /// The program's loop in a real window, fed by pushed events.
 class WindowTest : public testing::Test {
 protected:
-    static constexpr double kWidth = 640;
-    static constexpr double kHeight = 480;
+    static constexpr double kWidth = 640, kHeight = 480;
     /// A scene with these members besides.
     static std::string sceneWith(const std::string& members, const std::string& background = "#ffffff") {
         return R"({"view": {"width": 640, "height": 480, "background": ")" + background +

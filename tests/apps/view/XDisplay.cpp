@@ -51,8 +51,7 @@ void setResources(const std::string& lines) {
 }
 
 bool hasWindow(const std::string& title) {
-    Window root = 0;
-    Window parent = 0;
+    Window root = 0, parent = 0;
     Window* windows = nullptr;
     unsigned count = 0;
     if (XQueryTree(display(), DefaultRootWindow(display()), &root, &parent, &windows, &count) == 0) {

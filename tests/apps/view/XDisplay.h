@@ -7,8 +7,7 @@ struct SDL_Window;
 
 namespace trelmix::apps {
 
-/// What another client of the X server sees and does. X11's own headers stay out of the tests: their macros
-/// are named like anything.
+/// What another client of the X server sees and does. X11's headers, full of macros, stay out of the tests.
 namespace xdisplay {
 
 /// Red, green, blue of what the screen shows at a pixel of the window.
