@@ -65,6 +65,26 @@ CGSize sizeOfDisplay() {
                    : CGSize{kLargestSide, kLargestSide};
 }
 
+/// A window manager's borders, which are there once the window is shown, belong to what a window can have.
+void leaveRoomForBorders(SDL_Window* window, CGSize most) {
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+    SDL_PumpEvents();
+    if (SDL_GetWindowBordersSize(window, &top, &left, &bottom, &right) != 0) {
+        return;
+    }
+    int width = 0;
+    int height = 0;
+    SDL_GetWindowSize(window, &width, &height);
+    const int widest = std::max(1, static_cast<int>(most.width) - left - right);
+    const int highest = std::max(1, static_cast<int>(most.height) - top - bottom);
+    if (width > widest || height > highest) {
+        SDL_SetWindowSize(window, std::min(width, widest), std::min(height, highest));
+    }
+}
+
 void* contextOf(SDL_Window* window) {
     for (const int version : {3, 2}) {
         SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, version);
@@ -94,7 +114,10 @@ Result<std::unique_ptr<Window>> Window::open(const std::string& title, CGSize si
     made->_window = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
                                      side(size.width, most.width), side(size.height, most.height),
                                      SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
-    made->_context = made->_window != nullptr ? contextOf(made->_window) : nullptr;
+    if (made->_window != nullptr) {
+        leaveRoomForBorders(made->_window, most);
+        made->_context = contextOf(made->_window);
+    }
     if (made->_context == nullptr) {
         return Made::failure(std::string(SDL_GetError()) + "; " + kDriverHint);
     }
