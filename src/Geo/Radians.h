@@ -21,7 +21,8 @@ struct Radians {
     constexpr Radians operator-() const { return Radians(-value); }
     friend constexpr Radians operator+(Radians a, Radians b) { return Radians(a.value + b.value); }
     friend constexpr Radians operator-(Radians a, Radians b) { return Radians(a.value - b.value); }
-    friend constexpr auto operator<=>(const Radians&, const Radians&) = default;
+    friend constexpr bool operator==(const Radians&, const Radians&) = default;
+    friend constexpr bool operator<(Radians a, Radians b) { return a.value < b.value; }
 };
 
 /// The direction of `goal`, its whole turns taken off, at most half a turn from a `current` within one turn.
