@@ -16,7 +16,7 @@ struct TileIndex {
     /// Whole zoom.
     std::int64_t zoom = 0;
     /// By column, row and zoom, for keys of maps and sets.
-    friend auto operator<=>(const TileIndex&, const TileIndex&) = default;
+    friend auto operator<=>(const TileIndex&, const TileIndex&) = default; // NOLINT(modernize-use-nullptr)
 };
 
 /// Whether the world has such a tile: a zoom from 0 to 62, a column and a row from 0 to 2^zoom - 1.
