@@ -262,6 +262,9 @@ void MapTileNode::checkTilesAtCurrentZoomLevel(const std::vector<TileIndex>& til
         tile->setDrawSequence(drawSequence());
         _images.request(tile->index());
     }
+    if (cameraProjection()) {
+        _images.startDownloads(*cameraProjection());
+    }
     trimImageCache();
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace trelmix {
@@ -104,6 +105,21 @@ std::optional<std::pair<double, double>> extentBetween(const Quad& quad, double 
         }
     }
     return north <= south ? std::optional(std::pair(north, south)) : std::nullopt;
+}
+
+/// The tile's part of the plane touches the ground.
+bool touches(const Quad& ground, const TileIndex& tile) {
+    const double side = kTilePoints * scaleOf(tile.zoom);
+    const double west = static_cast<double>(tile.x) * side;
+    const double north = static_cast<double>(tile.y) * side;
+    const auto extent = extentBetween(ground, west, west + side);
+    return extent && extent->first <= north + side && extent->second >= north;
+}
+
+double distanceToMiddle(const TileIndex& tile, const Point& from) {
+    const double side = kTilePoints * scaleOf(tile.zoom);
+    return std::hypot((static_cast<double>(tile.x) + 0.5) * side - from.x,
+                      (static_cast<double>(tile.y) + 0.5) * side - from.y);
 }
 
 struct IndexRange {
@@ -213,18 +229,13 @@ private:
         }
     }
 
-    double distanceFromTarget(const TileIndex& tile) const {
-        return std::hypot((static_cast<double>(tile.x) + 0.5) * _side - _target.x,
-                          (static_cast<double>(tile.y) + 0.5) * _side - _target.y);
-    }
-
     void keepNearest() {
         if (_need.tiles.size() <= kMostTiles) {
             return;
         }
         std::stable_sort(_need.tiles.begin(), _need.tiles.end(),
                          [this](const TileIndex& a, const TileIndex& b) {
-                             return distanceFromTarget(a) < distanceFromTarget(b);
+                             return distanceToMiddle(a, _target) < distanceToMiddle(b, _target);
                          });
         _need.tiles.resize(kMostTiles);
     }
@@ -272,6 +283,19 @@ TileNeed tilesInView(const CameraProjection& projection, float zoom) {
         return {};
     }
     return TileSearch(projection, whole).result();
+}
+
+std::vector<TileIndex> viewFirst(const CameraProjection& projection, std::vector<TileIndex> tiles) {
+    const Quad ground = cornersOf(projection);
+    const Point target = projection.cameraTargetMapPoint();
+    std::vector<std::tuple<bool, double, TileIndex>> ranked;
+    for (const TileIndex& tile : tiles) {
+        ranked.emplace_back(!touches(ground, tile), distanceToMiddle(tile, target), tile);
+    }
+    std::sort(ranked.begin(), ranked.end());
+    std::transform(ranked.begin(), ranked.end(), tiles.begin(),
+                   [](const auto& rank) { return std::get<TileIndex>(rank); });
+    return tiles;
 }
 
 } // namespace trelmix

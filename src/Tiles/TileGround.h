@@ -42,6 +42,10 @@ TileBox boundingBoxTiles(const CameraProjection& projection);
 /// limits are one computation.
 TileNeed tilesInView(const CameraProjection& projection, float zoom);
 
+/// Tiles of one zoom, sorted so that those on ground that the view shows come first, and those nearest the
+/// target first among both.
+std::vector<TileIndex> viewFirst(const CameraProjection& projection, std::vector<TileIndex> tiles);
+
 /// Several times what a usual view needs; only a view squeezed to a sliver sees more ground.
 inline constexpr std::size_t kMostTiles = 512;
 

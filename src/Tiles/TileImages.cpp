@@ -5,6 +5,7 @@
 #include "Platform/Foundation/Thread.h"
 #include "Tiles/MapTileNode.h"
 #include "Tiles/TileDownload.h"
+#include "Tiles/TileGround.h"
 
 #include <utility>
 
@@ -14,7 +15,7 @@ void TileImages::request(const TileIndex& tile) {
     if (const auto* const answer = _cache.find(tile)) {
         _layer.show(tile, *answer);
     } else if (_source.loadsFromUrls()) {
-        download(tile);
+        prepareDownload(tile);
     } else if (_source.isSynchronous) {
         askAtOnce(tile);
     } else {
@@ -37,7 +38,7 @@ void TileImages::askAtOnce(const TileIndex& tile) {
     acceptOnMainThread(tile, {std::move(image), false, {}}, true);
 }
 
-void TileImages::download(const TileIndex& tile) {
+void TileImages::prepareDownload(const TileIndex& tile) {
     if (!isInWorld(tile)) {
         acceptOnMainThread(tile, {}, true);
         return;
@@ -62,9 +63,21 @@ void TileImages::download(const TileIndex& tile) {
         _downloads.erase(tile);
         return;
     }
-    loadTileImage(*url, _layer.self(), [this, tile, asked](std::optional<TileAnswer> answer) {
-        endDownload(tile, asked, std::move(answer));
-    });
+    _prepared.insert_or_assign(tile, *url);
+}
+
+void TileImages::startDownloads(const CameraProjection& projection) {
+    std::vector<TileIndex> tiles;
+    for (const auto& [tile, url] : _prepared) {
+        tiles.push_back(tile);
+    }
+    for (const TileIndex& tile : viewFirst(projection, std::move(tiles))) {
+        loadTileImage(_prepared.at(tile), _layer.self(),
+                      [this, tile, asked = _generation](std::optional<TileAnswer> answer) {
+                          endDownload(tile, asked, std::move(answer));
+                      });
+    }
+    _prepared.clear();
 }
 
 void TileImages::endDownload(const TileIndex& tile, std::uint64_t generation,
@@ -115,6 +128,7 @@ void TileImages::clear() {
     _cache.clear();
     _downloads.clear();
     _lost.clear();
+    _prepared.clear();
 }
 
 } // namespace trelmix

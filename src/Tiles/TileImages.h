@@ -2,14 +2,17 @@
 
 #include "Tiles/TileImageCache.h"
 
+#include <Trelmix/Platform/URL.h>
 #include <Trelmix/TrelmixMapTileLayer.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <set>
 
 namespace trelmix {
 
+class CameraProjection;
 class MapTileNode;
 
 /// Where a tile layer's images come from: what was answered before, the engine's delegate, or addresses. Each
@@ -36,6 +39,8 @@ public:
     /// Asks for the image of a tile that the layer shows without one. The application may do anything
     /// meanwhile.
     void request(const TileIndex& tile);
+    /// Starts the downloads that were requested, what the view shows before its margin.
+    void startDownloads(const CameraProjection& projection);
     /// The application's answer. Any thread, without the lock.
     void provide(const TileIndex& tile, TileAnswer answer);
     /// Whether nobody is going to answer for the tile, as its download was dropped; true once.
@@ -48,7 +53,8 @@ public:
 private:
     void askAtOnce(const TileIndex& tile);
     void ask(const TileIndex& tile);
-    void download(const TileIndex& tile);
+    /// Asks for the address; `startDownloads` does the rest.
+    void prepareDownload(const TileIndex& tile);
     void acceptOnMainThread(const TileIndex& tile, TileAnswer answer, bool isOwn);
     void accept(const TileIndex& tile, TileAnswer answer, bool isOwn);
     void endDownload(const TileIndex& tile, std::uint64_t generation, std::optional<TileAnswer> answer);
@@ -59,6 +65,8 @@ private:
     /// Tiles whose images are on their way from their addresses.
     std::set<TileIndex> _downloads;
     std::set<TileIndex> _lost;
+    /// Of them, those that have not been started.
+    std::map<TileIndex, URL> _prepared;
     std::uint64_t _generation = 0;
 };
 

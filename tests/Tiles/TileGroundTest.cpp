@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <set>
@@ -51,6 +52,23 @@ void expectEveryVisiblePointCovered(const CameraProjection& projection, const Ti
     }
 }
 
+/// The tiles up to where the distance falls back cover the view alone; from there on it grows again.
+void expectViewFirst(const CameraProjection& projection, const std::vector<TileIndex>& tiles,
+                     std::int64_t zoom) {
+    const auto order = viewFirst(projection, tiles);
+    ASSERT_EQ(TileSet(order.begin(), order.end()), TileSet(tiles.begin(), tiles.end()));
+    const double side = 256.0 * std::exp2(22.0 - static_cast<double>(zoom));
+    const WorldMapPoint target = projection.cameraTargetMapPoint();
+    const auto distance = [&](const TileIndex& tile) {
+        return std::hypot((static_cast<double>(tile.x) + 0.5) * side - target.x,
+                          (static_cast<double>(tile.y) + 0.5) * side - target.y);
+    };
+    const auto isNearer = [&](const TileIndex& a, const TileIndex& b) { return distance(a) < distance(b); };
+    const auto margin = std::is_sorted_until(order.begin(), order.end(), isNearer);
+    EXPECT_TRUE(std::is_sorted(margin, order.end(), isNearer));
+    expectEveryVisiblePointCovered(projection, TileSet(order.begin(), margin), zoom);
+}
+
 TEST(TileGround, everyVisiblePointWithinReachHasItsTileAlsoAfterAMoveThatTriggersNoCheck) {
     std::mt19937 random(7);
     const auto uniform = [&random](double low, double high) {
@@ -67,6 +85,7 @@ TEST(TileGround, everyVisiblePointWithinReachHasItsTileAlsoAfterAMoveThatTrigger
         const TileSet tiles(need.tiles.begin(), need.tiles.end());
         ASSERT_EQ(tiles.size(), need.tiles.size()) << "a tile is listed twice";
         expectEveryVisiblePointCovered(projection, tiles, zoom);
+        expectViewFirst(projection, need.tiles, zoom);
         const double step = 199.0 * std::exp2(22.0 - static_cast<double>(zoom));
         WorldMapPoint moved = projection.cameraTargetMapPoint();
         moved.x += uniform(-step, step);
