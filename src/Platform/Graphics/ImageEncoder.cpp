@@ -74,7 +74,7 @@ void appendNumber(std::vector<std::byte>& file, std::uint32_t number) {
 void appendChunk(std::vector<std::byte>& file, std::string_view type, std::span<const std::byte> content) {
     appendNumber(file, static_cast<std::uint32_t>(content.size()));
     const std::size_t start = file.size();
-    const auto letters = std::as_bytes(std::span(type));
+    const auto letters = std::as_bytes(std::span<const char>(type.data(), type.size()));
     file.insert(file.end(), letters.begin(), letters.end());
     file.insert(file.end(), content.begin(), content.end());
     appendNumber(file, libdeflate_crc32(0, &file[start], file.size() - start));
