@@ -91,10 +91,6 @@ TEST_F(ViewHostTest, aFrameWithoutChangesLeavesTheWindowAlone) {
     EXPECT_FALSE(isDrawnAfter([&] { host->setOverlayImages({{image, {{0, 0}, {4, 4}}}}); }));
     EXPECT_TRUE(isDrawnAfter([&] { host->setOverlayImages({}); }));
     EXPECT_TRUE(isDrawnAfter([&] { host->setLayout({{200, 150}, {{0, 0}, {180, 80}}, 1}); }));
-    engine->setCameraWithRotation(90, 30, 19, true);
-    EXPECT_EQ(frame(), Drawing::drawn);
-    EXPECT_EQ(frame(), Drawing::drawn) << "a camera on its way";
-    EXPECT_TRUE(comesToRest());
     EXPECT_EQ(frame(true), Drawing::drawn) << "asked for";
 }
 
