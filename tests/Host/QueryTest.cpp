@@ -29,8 +29,7 @@ TRELMIX_COUNTED(void, glGetVertexAttribiv, (GLuint index, GLenum name, GLint* va
 
 namespace trelmix::query_test {
 
-class QueryTest : public WindowFixture {
-protected:
+struct QueryTest : WindowFixture {
     /// Of the fifth frame, in which the camera moves and something of every kind is drawn.
     int questionsOfAFrame(bool contextIsOurs) {
         engine->initialiseWithTarget({53.5, 10}, 17);

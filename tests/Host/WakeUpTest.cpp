@@ -47,14 +47,12 @@ protected:
         for (double asleep = 0; asleep < seconds; asleep += 1.0 / 60) {
             Clock::set(Clock::now() + 1.0 / 60);
             isWoken = false;
-            bool isBusy = host->pump();
-            if (host->needsDisplay()) {
-                host->drawFrame();
-                isBusy = true;
+            const bool ran = host->pump();
+            const bool draws = host->needsDisplay() && host->drawFrame() != ViewHost::Drawing::failed;
+            if (ran || draws || isWoken) {
+                ++passes;
+                asleep = 0;
             }
-            isBusy = isBusy || isWoken;
-            passes += isBusy ? 1 : 0;
-            asleep = isBusy ? 0 : asleep;
         }
         return passes;
     }

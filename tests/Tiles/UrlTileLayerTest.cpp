@@ -31,12 +31,13 @@ class UrlTileLayer : public EngineFixture {
 protected:
     void SetUp() override {
         EngineFixture::SetUp();
-        useCache(folder.path("cache"));
+        NetworkSettings settings = before;
+        settings.cacheFolder = folder.path("cache");
+        setNetworkSettings(settings);
         engine->initialiseWithTarget(kPlace, 17);
         layer->setImageUrlLayer(true);
         layer->setImageUrlConstructor([this](std::uint64_t x, std::uint64_t y, std::uint64_t zoom) {
-            ++asked[{static_cast<std::int64_t>(x), static_cast<std::int64_t>(y),
-                     static_cast<std::int64_t>(zoom)}];
+            ++asked[{std::int64_t(x), std::int64_t(y), std::int64_t(zoom)}];
             return URL::fromString(server.address() + "/" + std::to_string(zoom) + "/" + std::to_string(x) +
                                    "/" + std::to_string(y) + ".png");
         });
@@ -50,11 +51,6 @@ protected:
         RunLoop::main().drain();
         setNetworkSettings(before);
         EngineFixture::TearDown();
-    }
-    void useCache(const std::string& place) {
-        NetworkSettings settings = before;
-        settings.cacheFolder = place;
-        setNetworkSettings(settings);
     }
     void show() {
         layer->setMap(engine);
@@ -98,7 +94,7 @@ protected:
     }
     void expectEachAskedOnce() const {
         for (const auto& [tile, count] : asked) {
-            EXPECT_EQ(count, 1) << std::get<0>(tile) << ", " << std::get<1>(tile);
+            EXPECT_EQ(count, 1) << tile.x << ", " << tile.y;
         }
     }
 
@@ -108,7 +104,7 @@ protected:
         return TileReply::ok(tileFile());
     };
     TileServer server{[this](const TileRequest& request) { return reply(request); }};
-    std::map<std::tuple<std::int64_t, std::int64_t, std::int64_t>, int> asked;
+    std::map<TileIndex, int> asked;
     std::shared_ptr<MapTileNode> layer = MapTileNode::make();
 };
 
@@ -187,8 +183,7 @@ TEST_F(UrlTileLayer, beyondTheWorldNothingIsAskedFor) {
     EXPECT_LT(asked.size(), layer->tileCounts().wanted);
     EXPECT_FALSE(asked.empty());
     for (const auto& [tile, count] : asked) {
-        const auto& [x, y, zoom] = tile;
-        EXPECT_TRUE(isInWorld({x, y, zoom})) << x << ", " << y;
+        EXPECT_TRUE(isInWorld(tile)) << tile.x << ", " << tile.y;
     }
 }
 
