@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Engine/CameraPath.h"
-#include "Engine/EngineGestures.h"
 #include "Engine/EngineTaps.h"
+#include "Engine/Gestures/EngineGestures.h"
 #include "Engine/MarkerDrag.h"
 #include "Platform/Foundation/MainEntry.h"
 #include "Platform/Scene/SCNView.h"

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Platform/View/UIGestureRecognizer.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace trelmix {
+
+/// What fingers may do to the camera.
+struct GestureFlags {
+    bool rotation = true;
+    bool tilt = true;
+    bool zoom = true;
+    bool scroll = true;
+};
+
+/// How fingers move the camera: one of several ways, which EngineGestures chooses from.
+///
+/// A part of its engine. Needs the scene lock.
+class CameraGestures {
+public:
+    virtual ~CameraGestures() = default;
+    /// The gestures that move the camera, with actions that need not look whether the engine still lives.
+    struct Gesture {
+        std::shared_ptr<UIGestureRecognizer> recognizer;
+        std::function<void(UIGestureRecognizer&)> action;
+    };
+    virtual std::vector<Gesture> gestures() = 0;
+    /// @param location points, in the engine's view.
+    virtual void doubleTap(CGPoint location) = 0;
+    /// Asked while no marker is dragged.
+    virtual bool recognizesTogether(const UIGestureRecognizer& asked,
+                                    const UIGestureRecognizer& other) const = 0;
+};
+
+} // namespace trelmix
