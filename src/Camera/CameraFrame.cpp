@@ -29,12 +29,22 @@ Vector3d turned(const std::array<double, 9>& m, Vector3d v) {
 
 } // namespace
 
+double CameraStage::cameraDistance(double latitude, float zoom) const {
+    const double scale = std::exp2(static_cast<double>(zoom));
+    if (!zoomIsScale) {
+        return kCircumference * std::cos(latitude * DEG_TO_RAD_CONST) / scale;
+    }
+    // The scene has 2^22 tiles a side; the public zoom is one more than the internal one.
+    const double mapPointsPerScreenPoint = std::exp2(21.0) / scale;
+    return mapDimensions.y * 0.5 * kCosHalfView / kSinHalfView * mapPointsPerScreenPoint /
+           mapPointsPerMeterMax;
+}
+
 CameraFrame::CameraFrame(const CameraPose& pose, const CameraStage& stage)
     : _initialMapPoint(stage.initialMapPoint), _target(pose.target),
       _mapPointsPerMeterMax(stage.mapPointsPerMeterMax),
-      _distance(kCircumference * std::cos(pose.latitude * DEG_TO_RAD_CONST) /
-                std::exp2(static_cast<double>(pose.zoom))),
-      _halfWidth(stage.mapDimensions.x * 0.5), _halfHeight(stage.mapDimensions.y * 0.5),
+      _distance(stage.cameraDistance(pose.latitude, pose.zoom)), _halfWidth(stage.mapDimensions.x * 0.5),
+      _halfHeight(stage.mapDimensions.y * 0.5),
       _mapPointsPerMeter(GeoUtils::mapPointsPerMeter(pose.latitude, pose.zoom)),
       _focalLength(stage.mapDimensions.y / _mapPointsPerMeter * 0.5 * kCosHalfView / kSinHalfView),
       _height(_distance * std::cos(pose.viewingAngle.value)), _isTilted(pose.viewingAngle.value != 0.0),

@@ -19,6 +19,8 @@ struct CameraPose {
     Radians rotation;
     /// From the vertical.
     Radians viewingAngle;
+
+    friend bool operator==(const CameraPose&, const CameraPose&) = default;
 };
 
 /// The plane that the camera looks at and the view that it looks through.
@@ -29,6 +31,13 @@ struct CameraStage {
     double mapPointsPerMeterMax = 1;
     /// Size of the view in screen points.
     ScreenPoint mapDimensions;
+    /// True: 256 points of a tile of the public zoom are 256 points of the screen at the target. False: the
+    /// camera stands as many metres away as a view 443 points high would want it, at the target's latitude,
+    /// in a scene of the origin's scale.
+    bool zoomIsScale = false;
+
+    /// Metres of the scene between the camera and its target.
+    double cameraDistance(double latitude, float zoom) const;
 };
 
 /// Everything about one camera position that does not depend on the point to convert, and the conversions.
@@ -58,7 +67,7 @@ public:
 
     /// Scene position (x east, y north, z up; map points) of the camera.
     Vector3d cameraPosition() const;
-    /// Metres between the camera and its target, at the target's latitude.
+    /// Metres of the scene between the camera and its target.
     double distance() const { return _distance; }
 
     /// World to camera, row by row: Rx(viewing angle) * Rz(rotation).

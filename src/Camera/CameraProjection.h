@@ -99,6 +99,7 @@ public:
     /// must not spoil it for good. A new height alone leaves the ratio as it is.
     void setMapDimensions(ScreenPoint dimensions);
 
+    const CameraStage& stage() const { return _stage; }
     WorldMapPoint initialMapPoint() const { return _stage.initialMapPoint; }
     /// Map points of the scene per screen point for a camera at internal zoom 22 that looks straight down;
     /// NaN for an empty view, which callers take as: no scrolling, leave sizes alone.
