@@ -2,6 +2,7 @@
 /// The map itself.
 #pragma once
 
+#include <Trelmix/MapBehaviour.h>
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/UIColor.h>
 #include <Trelmix/Platform/UIView.h>
@@ -79,6 +80,11 @@ public:
     virtual CLLocationCoordinate2D cameraTargetBoundsSouthWest() const = 0;
     /// As for `setCameraTargetBoundsNorthEast`.
     virtual void setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) = 0;
+
+    /// How the map behaves; classic at first.
+    virtual MapBehaviour behaviour() const = 0;
+    /// Takes effect at once, also in a map that is shown; a gesture under way is cancelled.
+    virtual void setBehaviour(const MapBehaviour& behaviour) = 0;
 
     /// True (as at first): taps hit overlays by their bounding boxes. False: by what is drawn.
     virtual bool hitTestBoundingBoxOnly() const = 0;

@@ -21,7 +21,7 @@ namespace trelmix {
 class TRELMIX_API TrelmixMapEngineFactory {
 public:
     /// An engine with an empty frame, fully set up; place its view and give it to a host.
-    static std::shared_ptr<TrelmixMapEngine> createMap();
+    static std::shared_ptr<TrelmixMapEngine> createMap(const MapBehaviour& behaviour = {});
     /// A layer of tiles that asks the engine's delegate and takes the answers later.
     static std::shared_ptr<TrelmixMapTileLayer> createMapTilesNode();
     /// A floor plan. As an engine's first overlay it chooses a camera that shows it whole.

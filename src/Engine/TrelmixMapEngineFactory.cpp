@@ -9,9 +9,9 @@
 
 namespace trelmix {
 
-std::shared_ptr<TrelmixMapEngine> TrelmixMapEngineFactory::createMap() {
+std::shared_ptr<TrelmixMapEngine> TrelmixMapEngineFactory::createMap(const MapBehaviour& behaviour) {
     requireMainThread("createMap");
-    return TrelmixMapEngineSceneView::make();
+    return TrelmixMapEngineSceneView::make({}, behaviour);
 }
 
 std::shared_ptr<TrelmixMapTileLayer> TrelmixMapEngineFactory::createMapTilesNode() {

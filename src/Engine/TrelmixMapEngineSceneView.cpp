@@ -27,16 +27,18 @@ void destroyOnMainThread(TrelmixMapEngineSceneView* engine) {
 
 } // namespace
 
-std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::make(CGRect frame) {
+std::shared_ptr<TrelmixMapEngineSceneView> TrelmixMapEngineSceneView::make(CGRect frame,
+                                                                           const MapBehaviour& behaviour) {
     const SceneLock lock;
     Thread::fixMainThread();
-    auto engine =
-        std::shared_ptr<TrelmixMapEngineSceneView>(new TrelmixMapEngineSceneView(frame), destroyOnMainThread);
+    auto engine = std::shared_ptr<TrelmixMapEngineSceneView>(new TrelmixMapEngineSceneView(frame, behaviour),
+                                                             destroyOnMainThread);
     engine->setupSceneKit();
     return engine;
 }
 
-TrelmixMapEngineSceneView::TrelmixMapEngineSceneView(CGRect frame) : ViewNode(frame) {}
+TrelmixMapEngineSceneView::TrelmixMapEngineSceneView(CGRect frame, const MapBehaviour& behaviour)
+    : ViewNode(frame), _behaviour(behaviour) {}
 
 TrelmixMapEngineSceneView::~TrelmixMapEngineSceneView() {
     const SceneLock lock;
@@ -78,7 +80,7 @@ void TrelmixMapEngineSceneView::setupSceneKit() {
     _defaultScene = std::make_shared<SCNScene>();
     _sceneView->setScene(_defaultScene);
     setupCamera();
-    _gestures.setup();
+    _gestures.use(_behaviour);
     _sceneView->setSceneDelegate(self());
     _sceneView->setAllowsCameraControl(false);
     _sceneView->setIsPlaying(true);
@@ -165,6 +167,16 @@ void TrelmixMapEngineSceneView::setCameraTargetBoundsSouthWest(CLLocationCoordin
     if (const MainEntry entry{"setCameraTargetBoundsSouthWest"}) {
         _cameraPath.setBoundsSouthWest(corner);
     }
+}
+
+void TrelmixMapEngineSceneView::setBehaviour(const MapBehaviour& behaviour) {
+    const MainEntry entry{"setBehaviour"};
+    if (!entry || behaviour == _behaviour) {
+        return;
+    }
+    const auto keep = self();
+    _behaviour = behaviour;
+    _gestures.use(behaviour);
 }
 
 void TrelmixMapEngineSceneView::setHitTestBoundingBoxOnly(bool boxOnly) {

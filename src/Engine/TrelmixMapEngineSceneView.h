@@ -31,7 +31,8 @@ public:
     /// Seconds of every animated camera change.
     static constexpr double kTMXEngineMapAnimationDuration = CameraPath::kDuration;
 
-    static std::shared_ptr<TrelmixMapEngineSceneView> make(CGRect frame = {});
+    static std::shared_ptr<TrelmixMapEngineSceneView> make(CGRect frame = {},
+                                                           const MapBehaviour& behaviour = {});
     ~TrelmixMapEngineSceneView() override;
     static std::shared_ptr<TrelmixMapMarker> createMapMarker(std::shared_ptr<const UIImage> icon,
                                                              CLLocationCoordinate2D coordinate);
@@ -82,6 +83,9 @@ public:
     }
     void setCameraTargetBoundsSouthWest(CLLocationCoordinate2D corner) override;
 
+    MapBehaviour behaviour() const override { return readOnMain("behaviour", _behaviour); }
+    void setBehaviour(const MapBehaviour& behaviour) override;
+
     bool hitTestBoundingBoxOnly() const override {
         return readOnMain("hitTestBoundingBoxOnly", _taps.hitTestBoundingBoxOnly);
     }
@@ -120,7 +124,7 @@ protected:
     void layoutSubviews() override;
 
 private:
-    explicit TrelmixMapEngineSceneView(CGRect frame);
+    TrelmixMapEngineSceneView(CGRect frame, const MapBehaviour& behaviour);
     void setupSceneKit();
     void setupCamera();
     std::shared_ptr<TrelmixMapEngineSceneView> self();
@@ -131,6 +135,7 @@ private:
     std::shared_ptr<SCNNode> _cameraNode;
     float _maxZoom = 23.0F;
     float _minZoom = 15.0F;
+    MapBehaviour _behaviour;
     bool _renderedFirstTime = false;
     CameraPath _cameraPath{*this};
     EngineGestures _gestures{*this};

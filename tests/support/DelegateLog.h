@@ -30,6 +30,7 @@ public:
         records.push_back(camera);
         run(onIdle);
     }
+    void mapViewDidLongPressAt(CLLocationCoordinate2D) override { calls.emplace_back("longPress"); }
 
     std::size_t count(const std::string& call) const {
         return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), call));

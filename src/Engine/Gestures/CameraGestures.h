@@ -16,6 +16,9 @@ struct GestureFlags {
     bool scroll = true;
 };
 
+/// Radians of tilt per point that two fingers move down.
+inline constexpr double kTiltPerPoint = -0.017453292519943295;
+
 /// How fingers move the camera: one of several ways, which EngineGestures chooses from.
 ///
 /// A part of its engine. Needs the scene lock.
@@ -28,6 +31,8 @@ public:
         std::function<void(UIGestureRecognizer&)> action;
     };
     virtual std::vector<Gesture> gestures() = 0;
+    /// The fingers move something else for a while.
+    virtual void pause() {}
     /// @param location points, in the engine's view.
     virtual void doubleTap(CGPoint location) = 0;
     /// Asked while no marker is dragged.

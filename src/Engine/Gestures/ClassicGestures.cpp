@@ -13,8 +13,6 @@ namespace {
 
 /// How much more sideways than up a movement of several fingers must be to scroll rather than tilt.
 constexpr double kSidewaysFactor = 1.5;
-/// Radians of tilt per point that the fingers move down.
-constexpr double kTiltPerPoint = -0.017453292519943295;
 
 bool isFinite(CGPoint p) {
     return std::isfinite(p.x) && std::isfinite(p.y);

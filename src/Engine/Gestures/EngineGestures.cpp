@@ -1,19 +1,26 @@
 #include "Engine/Gestures/EngineGestures.h"
 
-#include "Engine/Gestures/ClassicGestures.h"
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/Foundation/SceneLock.h"
 #include "Platform/View/UILongPressGestureRecognizer.h"
 #include "Platform/View/UITapGestureRecognizer.h"
 
+#include <utility>
+
 namespace trelmix {
 
-void EngineGestures::setup() {
-    _camera = std::make_unique<ClassicGestures>(_engine, flags);
+void EngineGestures::use(const MapBehaviour& behaviour) {
+    for (const auto& recognizer : std::exchange(_recognizers, {})) {
+        _engine.removeGestureRecognizer(recognizer);
+    }
+    _camera = behaviour.groundFollowsFingers ? static_cast<CameraGestures*>(&_anchored) : &_classic;
+    _camera->pause();
     for (CameraGestures::Gesture& gesture : _camera->gestures()) {
         add(gesture.recognizer, [this, action = std::move(gesture.action)](UIGestureRecognizer& r) {
             if (canMove()) {
                 action(r);
+            } else {
+                _camera->pause();
             }
         });
     }
@@ -34,6 +41,14 @@ void EngineGestures::setup() {
         }
     });
     add(pressing, [this](UIGestureRecognizer& r) { _engine.drag().press(locationOf(r), r.state()); });
+    _press = pressing;
+}
+
+void EngineGestures::cancelPress() {
+    if (!_engine.drag().isDragging()) {
+        _press->setIsEnabled(false);
+        _press->setIsEnabled(true);
+    }
 }
 
 void EngineGestures::add(const std::shared_ptr<UIGestureRecognizer>& recognizer, Action action) {
@@ -45,6 +60,7 @@ void EngineGestures::add(const std::shared_ptr<UIGestureRecognizer>& recognizer,
         }
     });
     _engine.addGestureRecognizer(recognizer);
+    _recognizers.push_back(recognizer);
 }
 
 CGPoint EngineGestures::locationOf(const UIGestureRecognizer& recognizer) const {

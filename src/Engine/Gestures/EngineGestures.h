@@ -1,6 +1,9 @@
 #pragma once
 
-#include "Engine/Gestures/CameraGestures.h"
+#include "Engine/Gestures/AnchoredGestures.h"
+#include "Engine/Gestures/ClassicGestures.h"
+
+#include <Trelmix/MapBehaviour.h>
 
 namespace trelmix {
 
@@ -15,8 +18,11 @@ public:
 
     explicit EngineGestures(TrelmixMapEngineSceneView& engine) : _engine(engine) {}
 
-    /// Adds the recognisers to the engine's view, once.
-    void setup();
+    /// Puts the recognisers into the engine's view, in place of those before; what fingers do at the time is
+    /// cancelled.
+    void use(const MapBehaviour& behaviour);
+    /// A press under way reports nothing any more.
+    void cancelPress();
 
     /// While a marker is dragged any two; otherwise as the camera's gestures want it.
     bool recognizesTogether(const UIGestureRecognizer& asked, const UIGestureRecognizer& other) const;
@@ -28,7 +34,11 @@ private:
     bool canMove() const;
 
     TrelmixMapEngineSceneView& _engine;
-    std::unique_ptr<CameraGestures> _camera;
+    ClassicGestures _classic{_engine, flags};
+    AnchoredGestures _anchored{_engine, flags};
+    CameraGestures* _camera = &_classic;
+    std::vector<std::shared_ptr<UIGestureRecognizer>> _recognizers;
+    std::shared_ptr<UIGestureRecognizer> _press;
 };
 
 } // namespace trelmix

@@ -66,8 +66,12 @@ bool UIGestureRecognizer::dependsOn(const UIGestureRecognizer& other) const {
 }
 
 CGPoint UIGestureRecognizer::locationInView(const std::shared_ptr<UIView>& view) const {
+    return pointInView(_location, view);
+}
+
+CGPoint UIGestureRecognizer::pointInView(CGPoint point, const std::shared_ptr<UIView>& view) const {
     const std::shared_ptr<UIView> root = _root.lock();
-    return root && view ? root->convertPointToView(_location, view) : _location;
+    return root && view ? root->convertPointToView(point, view) : point;
 }
 
 CGPoint UIGestureRecognizer::vectorInView(CGPoint vector, const std::shared_ptr<UIView>& view) const {

@@ -115,7 +115,8 @@ protected:
     bool isActive() const { return _state == State::began || _state == State::changed; }
     bool wantsRecognition() const { return _wantsRecognition; }
     CGPoint centroid() const;
-    /// A distance between two places of the root view, in a view's coordinates, and back.
+    /// A place of the root view, and a distance between two, in a view's coordinates; and back.
+    CGPoint pointInView(CGPoint point, const std::shared_ptr<UIView>& view) const;
     CGPoint vectorInView(CGPoint vector, const std::shared_ptr<UIView>& view) const;
     CGPoint vectorFromView(CGPoint vector, const std::shared_ptr<UIView>& view) const;
 

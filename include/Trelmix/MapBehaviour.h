@@ -1,0 +1,28 @@
+/// @file
+/// How a map behaves: as first described, or as people expect of a map today.
+#pragma once
+
+namespace trelmix {
+
+/// What a map does, one idea a member. `MapBehaviour{}` is classic, the behaviour of a map that nobody asks
+/// for another; `natural()` is all ideas together. A plain record: copy it, compare it, set single members.
+struct MapBehaviour {
+    /// False: fingers pan by a formula for the view's middle; pinch, rotation and double tap are about the
+    /// middle; one gesture at a time.
+    /// True: the ground grabbed stays under the finger at every tilt. Two fingers move, turn and zoom at
+    /// once, each with its own ground; moved up or down together they tilt. A gesture begins once a finger
+    /// has moved 10 points, and catches up. A finger on far ground of a tilted view moves the map at most
+    /// four times as fast as it would at the target. Where a limit or a gesture that is switched off takes
+    /// zoom or rotation away, the middle of the fingers stays exact.
+    bool groundFollowsFingers = false;
+
+    static constexpr MapBehaviour natural() {
+        MapBehaviour behaviour;
+        behaviour.groundFollowsFingers = true;
+        return behaviour;
+    }
+
+    friend bool operator==(const MapBehaviour&, const MapBehaviour&) = default;
+};
+
+} // namespace trelmix
