@@ -16,9 +16,22 @@ struct MapBehaviour {
     /// zoom or rotation away, the middle of the fingers stays exact.
     bool groundFollowsFingers = false;
 
+    /// False: the first target's latitude fixes the scale for life, and a higher view shows the same ground
+    /// larger.
+    /// True: at zoom z, 256 points of a tile of zoom z are 256 points on screen at the target, at every
+    /// latitude and in every view. Radii and widths follow the latitude of a circle's centre and a line's
+    /// first vertex; markers are as large everywhere.
+    bool zoomIsScale = false;
+
+    /// False: 15 to 23, with limits that all engines of the process share, from their next change on.
+    /// True: 0 to 23, with limits of this engine, at once.
+    bool zooms = false;
+
     static constexpr MapBehaviour natural() {
         MapBehaviour behaviour;
         behaviour.groundFollowsFingers = true;
+        behaviour.zoomIsScale = true;
+        behaviour.zooms = true;
         return behaviour;
     }
 

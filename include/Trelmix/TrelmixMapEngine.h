@@ -57,18 +57,19 @@ public:
     /// Counts from the next movement of the fingers.
     virtual void setEnableScrollGesture(bool enable) = 0;
 
-    /// The highest zoom that a camera may take, as it was set here last; 23 unless set.
+    /// The highest zoom that a camera may take, as it was set here last; `maxSupportedZoom` unless set.
     virtual float maxZoom() const = 0;
     /// Limits the cameras of all engines of the process from their next change on; the last one to set it
-    /// decides. A value outside the supported range is read back, but limits nothing; NaN is ignored.
+    /// decides. Where the behaviour has `zooms` it limits this engine alone, and its camera at once. A value
+    /// outside the supported range is read back, but limits nothing; NaN is ignored.
     virtual void setMaxZoom(float zoom) = 0;
-    /// The lowest zoom that a camera may take, as it was set here last; 15 unless set.
+    /// The lowest zoom that a camera may take, as it was set here last; `minSupportedZoom` unless set.
     virtual float minZoom() const = 0;
     /// As for `setMaxZoom`; where the lowest lies above the highest it wins.
     virtual void setMinZoom(float zoom) = 0;
     /// 23: the highest zoom that is ever shown.
     virtual float maxSupportedZoom() const = 0;
-    /// 15: the lowest zoom that is ever shown.
+    /// 15, or 0 where the behaviour has `zooms`: the lowest zoom that is ever shown.
     virtual float minSupportedZoom() const = 0;
 
     /// One corner of the rectangle that the camera's target must stay in; invalid at first.

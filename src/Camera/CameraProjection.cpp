@@ -1,6 +1,5 @@
 #include "Camera/CameraProjection.h"
 
-#include "Camera/ZoomLimits.h"
 #include "Geo/GeoUtils.h"
 #include "Platform/Foundation/SceneLock.h"
 
@@ -106,10 +105,6 @@ TrelmixMapEngineCamera CameraProjection::cameraRecord() const {
     return {locationOf(_cameraTarget), (-_pose.rotation).degrees(), _pose.viewingAngle.degrees(), mapZoom()};
 }
 
-float CameraProjection::zoomLevelSanitised(float mapZoom) {
-    return ZoomLimits::sanitised(mapZoom);
-}
-
 float CameraProjection::zoomLevelToFit(Coordinate bounds1, Coordinate bounds2) const {
     constexpr float kLowest = 14.0F;
     constexpr float kHighest = 22.0F;
@@ -164,6 +159,12 @@ void CameraProjection::setPose(Radians rotation, Radians viewingAngle, float map
     _pose.viewingAngle = viewingAngle;
     _pose.zoom = mapZoom - 1.0F;
     cameraChanged();
+}
+
+void CameraProjection::setZoomIsScale(bool zoomIsScale) {
+    _stage.zoomIsScale = zoomIsScale;
+    cameraChanged();
+    _mapPointScreenPointRatio = currentRatio();
 }
 
 void CameraProjection::setMapDimensions(ScreenPoint dimensions) {

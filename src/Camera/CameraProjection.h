@@ -62,7 +62,6 @@ public:
     /// A fresh public record of the camera.
     TrelmixMapEngineCamera cameraRecord() const;
 
-    static float zoomLevelSanitised(float mapZoom);
     /// Public zoom, 14 to 22, at which the rectangle of two opposite corners fits the view.
     float zoomLevelToFit(Coordinate bounds1, Coordinate bounds2) const;
     /// The same without limits: infinite for a rectangle of no size, NaN for numbers that are not finite.
@@ -100,6 +99,8 @@ public:
     void setMapDimensions(ScreenPoint dimensions);
 
     const CameraStage& stage() const { return _stage; }
+    /// See CameraStage::zoomIsScale. What stands on the map must be set up again afterwards.
+    void setZoomIsScale(bool zoomIsScale);
     WorldMapPoint initialMapPoint() const { return _stage.initialMapPoint; }
     /// Map points of the scene per screen point for a camera at internal zoom 22 that looks straight down;
     /// NaN for an empty view, which callers take as: no scrolling, leave sizes alone.

@@ -11,10 +11,6 @@ namespace {
 std::atomic<float> kZOOM_USER_MIN{ZoomLimits::kSupportedMin};
 std::atomic<float> kZOOM_USER_MAX{ZoomLimits::kSupportedMax};
 
-bool isSupported(float zoom) {
-    return zoom >= ZoomLimits::kSupportedMin && zoom <= ZoomLimits::kSupportedMax;
-}
-
 void store(std::atomic<float>& limit, float zoom) {
     if (!std::isnan(zoom)) {
         limit = zoom;
@@ -44,12 +40,16 @@ void ZoomLimits::reset() {
     kZOOM_USER_MAX = kSupportedMax;
 }
 
-float ZoomLimits::sanitised(float zoom) {
-    const float highest = isSupported(userMax()) ? userMax() : kSupportedMax;
-    const float lowest = isSupported(userMin()) ? userMin() : kSupportedMin;
+float ZoomLimits::limited(float zoom, ZoomRange user, ZoomRange supported) {
+    const float highest = supported.contains(user.highest) ? user.highest : supported.highest;
+    const float lowest = supported.contains(user.lowest) ? user.lowest : supported.lowest;
     const float lowered = zoom > highest ? highest : zoom;
     // Negated, so that NaN takes the lowest too.
     return !(lowered > lowest) ? lowest : lowered;
+}
+
+float ZoomLimits::sanitised(float zoom) {
+    return limited(zoom, {userMin(), userMax()}, {kSupportedMin, kSupportedMax});
 }
 
 } // namespace trelmix

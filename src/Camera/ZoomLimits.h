@@ -2,6 +2,13 @@
 
 namespace trelmix {
 
+/// Public zooms.
+struct ZoomRange {
+    float lowest = 0;
+    float highest = 0;
+    bool contains(float zoom) const { return zoom >= lowest && zoom <= highest; }
+};
+
 /// The user's zoom limits (kZOOM_USER_MIN and kZOOM_USER_MAX), public zoom, shared by every engine of the
 /// process and outliving them. Any thread.
 class ZoomLimits {
@@ -18,6 +25,9 @@ public:
     /// Back to the supported range: tests share one process.
     static void reset();
 
+    /// The zoom brought within two limits, of which those outside the supported range limit nothing; a lowest
+    /// above the highest wins; NaN gives the lowest.
+    static float limited(float zoom, ZoomRange user, ZoomRange supported);
     /// The zoom brought within the user's and the supported limits; NaN gives the lowest.
     static float sanitised(float zoom);
 };

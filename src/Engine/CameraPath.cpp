@@ -1,6 +1,7 @@
 #include "Engine/CameraPath.h"
 
 #include "Engine/CameraBounds.h"
+#include "Engine/SceneUpdate.h"
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Geo/GeoUtils.h"
 #include "Platform/Foundation/SceneLock.h"
@@ -36,6 +37,7 @@ void CameraPath::initialiseProjection(Coordinate coordinate) {
     }
     const CGSize size = _engine.frame().size;
     _projection = std::make_shared<CameraProjection>(coordinate, ScreenPoint{size.width, size.height});
+    _projection->setZoomIsScale(_engine.currentBehaviour().zoomIsScale);
     _engine.layoutIfNeeded();
     _engine.sceneView()->setSceneTime(_engine.sceneView()->sceneTime() + 1.0);
 }
@@ -57,7 +59,7 @@ void CameraPath::initialise(Coordinate target, float zoom) {
     }
     initialiseProjection(target);
     // The delegate may look at the camera when it hears of it, before the camera path has limited it.
-    _projection->setMapZoom(CameraProjection::zoomLevelSanitised(zoom));
+    _projection->setMapZoom(limitedZoom(zoom));
     setupProjection();
 }
 
@@ -68,6 +70,45 @@ void CameraPath::applyInitialZoom(float zoom) {
         change.zoom = zoom;
         set(change);
     }
+}
+
+ZoomRange CameraPath::supportedZooms() const {
+    return {_engine.currentBehaviour().zooms ? 0.0F : ZoomLimits::kSupportedMin, ZoomLimits::kSupportedMax};
+}
+
+float CameraPath::limitedZoom(float zoom) const {
+    if (!_engine.currentBehaviour().zooms) {
+        return ZoomLimits::sanitised(zoom);
+    }
+    const ZoomRange supported = supportedZooms();
+    return ZoomLimits::limited(zoom, {lowestZoom(), highestZoom()}, supported);
+}
+
+void CameraPath::setHighestZoom(float zoom) {
+    _highestZoom = zoom;
+    if (!_engine.currentBehaviour().zooms) {
+        ZoomLimits::setUserMax(zoom);
+    } else if (_hasCamera) {
+        set(current());
+    }
+}
+
+void CameraPath::setLowestZoom(float zoom) {
+    _lowestZoom = zoom;
+    if (!_engine.currentBehaviour().zooms) {
+        ZoomLimits::setUserMin(zoom);
+    } else if (_hasCamera) {
+        set(current());
+    }
+}
+
+void CameraPath::behaviourChanged() {
+    if (!_projection) {
+        return;
+    }
+    _projection->setZoomIsScale(_engine.currentBehaviour().zoomIsScale);
+    setUpGeoNodes(*_engine.defaultScene(), _projection);
+    set(current());
 }
 
 CameraChange CameraPath::current() const {
@@ -113,7 +154,7 @@ bool CameraPath::apply(const CameraChange& change) {
         return false;
     }
     _engine.cameraNode()->removeAllActions();
-    const float goalZoom = _projection->zoomLevelSanitised(change.zoom);
+    const float goalZoom = limitedZoom(change.zoom);
     // The first camera has nowhere to come from: no overlay may see the placeholder.
     const float startZoom = _hasCamera ? _projection->mapZoom() : goalZoom;
     const bool placesAtOnce = !change.animated || !_hasCamera;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Camera/CameraProjection.h"
+#include "Camera/ZoomLimits.h"
 #include "Geo/Radians.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Scene/SCNAction.h"
@@ -66,6 +67,19 @@ public:
     /// Updates the overlays, and tells the delegate from the main queue.
     void informDelegateAboutIdle();
 
+    /// The user's limits, as they were set; until then those of the supported range.
+    float highestZoom() const { return _highestZoom.value_or(supportedZooms().highest); }
+    float lowestZoom() const { return _lowestZoom.value_or(supportedZooms().lowest); }
+    /// Limits of all engines, or of this one, to which its camera keeps at once, as its behaviour wants.
+    void setHighestZoom(float zoom);
+    void setLowestZoom(float zoom);
+    /// The zooms that are ever shown.
+    ZoomRange supportedZooms() const;
+    /// A public zoom brought within the limits.
+    float limitedZoom(float zoom) const;
+    /// Brings the camera and what stands on the map to what the engine's behaviour wants.
+    void behaviourChanged();
+
     CLLocationCoordinate2D boundsNorthEast() const { return _boundsNorthEast; }
     void setBoundsNorthEast(CLLocationCoordinate2D corner) { _boundsNorthEast = corner; }
     CLLocationCoordinate2D boundsSouthWest() const { return _boundsSouthWest; }
@@ -89,6 +103,8 @@ private:
     TrelmixMapEngineSceneView& _engine;
     std::shared_ptr<CameraProjection> _projection;
     std::optional<float> _initialZoom;
+    std::optional<float> _highestZoom;
+    std::optional<float> _lowestZoom;
     std::shared_ptr<Timer> _idleTimer;
     CLLocationCoordinate2D _boundsNorthEast = kCLLocationCoordinate2DInvalid;
     CLLocationCoordinate2D _boundsSouthWest = kCLLocationCoordinate2DInvalid;

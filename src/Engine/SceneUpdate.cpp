@@ -14,6 +14,15 @@ void clearNodes(SCNScene& scene) {
     }
 }
 
+void setUpGeoNodes(SCNScene& scene, const std::shared_ptr<CameraProjection>& projection) {
+    const auto nodes = scene.childNodes();
+    for (const auto& node : *nodes) {
+        if (node->takesFrameUpdates() && node->scene() == &scene) {
+            static_cast<GeoNode&>(*node).setup(projection);
+        }
+    }
+}
+
 void updatePossibleGeoNodes(SCNScene& scene, float zoom, Radians rotation, Radians viewingAngle) {
     // Updates call the application, which may add and remove anything: the walk has its own list.
     const auto nodes = scene.childNodes();

@@ -1,6 +1,5 @@
 #include "Engine/TrelmixMapEngineSceneView.h"
 
-#include "Camera/ZoomLimits.h"
 #include "Engine/SceneUpdate.h"
 #include "Geo/GeoUtils.h"
 #include "Overlays/LevelPlanNode.h"
@@ -144,16 +143,16 @@ void TrelmixMapEngineSceneView::setEnableScrollGesture(bool enable) {
 void TrelmixMapEngineSceneView::setMaxZoom(float zoom) {
     const MainEntry entry{"setMaxZoom"};
     if (entry && !std::isnan(zoom)) {
-        _maxZoom = zoom;
-        ZoomLimits::setUserMax(zoom);
+        const auto keep = self();
+        _cameraPath.setHighestZoom(zoom);
     }
 }
 
 void TrelmixMapEngineSceneView::setMinZoom(float zoom) {
     const MainEntry entry{"setMinZoom"};
     if (entry && !std::isnan(zoom)) {
-        _minZoom = zoom;
-        ZoomLimits::setUserMin(zoom);
+        const auto keep = self();
+        _cameraPath.setLowestZoom(zoom);
     }
 }
 
@@ -177,6 +176,7 @@ void TrelmixMapEngineSceneView::setBehaviour(const MapBehaviour& behaviour) {
     const auto keep = self();
     _behaviour = behaviour;
     _gestures.use(behaviour);
+    _cameraPath.behaviourChanged();
 }
 
 void TrelmixMapEngineSceneView::setHitTestBoundingBoxOnly(bool boxOnly) {

@@ -65,12 +65,12 @@ public:
     }
     void setEnableScrollGesture(bool enable) override;
 
-    float maxZoom() const override { return readOnMain("maxZoom", _maxZoom); }
+    float maxZoom() const override { return readOnMain("maxZoom", _cameraPath.highestZoom()); }
     void setMaxZoom(float zoom) override;
-    float minZoom() const override { return readOnMain("minZoom", _minZoom); }
+    float minZoom() const override { return readOnMain("minZoom", _cameraPath.lowestZoom()); }
     void setMinZoom(float zoom) override;
-    float maxSupportedZoom() const override { return 23.0F; }
-    float minSupportedZoom() const override { return 15.0F; }
+    float maxSupportedZoom() const override { return _cameraPath.supportedZooms().highest; }
+    float minSupportedZoom() const override { return _cameraPath.supportedZooms().lowest; }
 
     CLLocationCoordinate2D cameraTargetBoundsNorthEast() const override {
         return readOnMain("cameraTargetBoundsNorthEast", _cameraPath.boundsNorthEast(),
@@ -96,6 +96,7 @@ public:
     void setCameraWithRotation(double rotation, double viewingAngle, float zoom, bool animated) override;
 
     // For overlays and hosts, with the scene lock held.
+    const MapBehaviour& currentBehaviour() const { return _behaviour; }
     const std::shared_ptr<SCNView>& sceneView() const { return _sceneView; }
     const std::shared_ptr<SCNScene>& defaultScene() const { return _defaultScene; }
     std::shared_ptr<TrelmixMapEngineDelegate> currentDelegate() const { return _delegate.lock(); }
@@ -133,8 +134,6 @@ private:
     std::shared_ptr<SCNView> _sceneView;
     std::shared_ptr<SCNScene> _defaultScene;
     std::shared_ptr<SCNNode> _cameraNode;
-    float _maxZoom = 23.0F;
-    float _minZoom = 15.0F;
     MapBehaviour _behaviour;
     bool _renderedFirstTime = false;
     CameraPath _cameraPath{*this};

@@ -103,6 +103,7 @@ void CircleNode::showAtOnce() {
 
 void CircleNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     OverlayNode::setup(projection);
+    _groundScale.setFollowsLatitude(projection && projection->stage().zoomIsScale);
     setExactPosition({exactPosition().x, exactPosition().y, kHeight});
     if (!geometry() || geometry()->materials().empty()) {
         prepareCircle();

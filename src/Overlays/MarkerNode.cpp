@@ -235,6 +235,8 @@ void MarkerNode::update(float zoom, Radians rotation, Radians viewingAngle) {
 
 void MarkerNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     OverlayNode::setup(projection);
+    _groundScale.setFollowsLatitude(projection && projection->stage().zoomIsScale);
+    _needsUpdate = true;
     // Another engine has another origin: a marker whose coordinate has become invalid stays at its last
     // place.
     const bool isValid = CLLocationCoordinate2DIsValid(_coordinate);

@@ -146,11 +146,12 @@ Coordinate PolylineNode::initialTargetCoordinateForProjection() const {
 
 void PolylineNode::setup(const std::shared_ptr<CameraProjection>& projection) {
     OverlayNode::setup(projection);
+    _groundScale.setFollowsLatitude(projection && projection->stage().zoomIsScale);
+    _needsWidth = true;
     if (projection && _origin != projection->initialMapPoint()) {
         // A mesh that is kept would stand elsewhere on another engine's map.
         setGeometry(nullptr);
         _origin = projection->initialMapPoint();
-        _needsWidth = true;
     }
 }
 

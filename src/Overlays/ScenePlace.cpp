@@ -58,7 +58,7 @@ std::string descriptionOf(const std::vector<CLLocation>& locations) {
 double GroundScale::metersPerMappointMax(double latitude) {
     // At a pole a scene unit covers nothing, and everything would be infinitely large for good.
     constexpr double kHighest = 89.999;
-    if (!_metersPerMappointMax) {
+    if (!_metersPerMappointMax || _followsLatitude) {
         const double sound = std::isfinite(latitude) ? std::clamp(latitude, -kHighest, kHighest) : 0.0;
         _metersPerMappointMax = GeoUtils::metersPerMapPoint(sound, ZOOMLEVEL_MAX);
     }

@@ -49,6 +49,8 @@ private:
 /// latitude is kept for the overlay's life, also when it moves.
 class GroundScale {
 public:
+    /// True: the scale is that of the latitude asked for. False: of the first one that was.
+    void setFollowsLatitude(bool follows) { _followsLatitude = follows; }
     /// Metres that one scene unit covers. Greater than 0.
     double metersPerMappointMax(double latitude);
     /// Scene units per screen point for something at `latitude`, at an internal zoom. Nothing while the ratio
@@ -57,6 +59,7 @@ public:
 
 private:
     std::optional<double> _metersPerMappointMax;
+    bool _followsLatitude = false;
 };
 
 } // namespace trelmix

@@ -109,12 +109,12 @@ TEST_F(ProjectionTest, aRectangleAtTheZoomThatFitsItFillsTheViewOnATilePyramid) 
 }
 
 TEST_F(ProjectionTest, aZoomThatIsNoNumberIsTheLowestAndALimitThatIsNoneChangesNothing) {
-    EXPECT_EQ(CameraProjection::zoomLevelSanitised(kFloatNaN), 15.0F);
+    EXPECT_EQ(ZoomLimits::sanitised(kFloatNaN), 15.0F);
     ZoomLimits::setUserMax(20);
     ZoomLimits::setUserMax(kFloatNaN);
-    EXPECT_EQ(CameraProjection::zoomLevelSanitised(30), 20.0F);
+    EXPECT_EQ(ZoomLimits::sanitised(30), 20.0F);
     ZoomLimits::setUserMin(21);
-    EXPECT_EQ(CameraProjection::zoomLevelSanitised(18), 21.0F) << "a minimum above the maximum wins";
+    EXPECT_EQ(ZoomLimits::sanitised(18), 21.0F) << "a minimum above the maximum wins";
 }
 
 } // namespace trelmix::camera_projection_test

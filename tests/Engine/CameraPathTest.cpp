@@ -83,6 +83,27 @@ TEST_F(CameraPath, zoomAndTiltAreLimitedToWhatIsSupported) {
     step();
 }
 
+TEST_F(CameraPath, aBehaviourSetInARunningMapShowsItAsAFreshMapWould) {
+    MapBehaviour wide;
+    wide.zooms = wide.zoomIsScale = true;
+    start(16);
+    engine->setBehaviour(wide);
+    EXPECT_EQ(engine->minSupportedZoom(), 0.0F);
+    engine->setCamera(record({70, 11.2}, 20, 40, 3), false);
+    EXPECT_EQ(engine->camera()->zoom(), 3.0F);
+    auto fresh = TrelmixMapEngineSceneView::make({{0, 0}, {800, 600}}, wide);
+    fresh->initialiseWithTarget(kPlace, 16);
+    fresh->setCamera(record({70, 11.2}, 20, 40, 3), false);
+    EXPECT_EQ(engine->projection()->topLeftCoordinate(), fresh->projection()->topLeftCoordinate());
+
+    fresh->setMinZoom(5);
+    EXPECT_EQ(fresh->camera()->zoom(), 5.0F) << "at once";
+    EXPECT_EQ(engine->camera()->zoom(), 3.0F) << "and for this engine alone";
+    engine->setBehaviour({});
+    EXPECT_EQ(engine->camera()->zoom(), 15.0F);
+    step();
+}
+
 TEST_F(CameraPath, numbersThatAreNotFiniteLeaveTheCameraAsItWas) {
     start();
     const auto before = engine->camera();

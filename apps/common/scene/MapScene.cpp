@@ -24,7 +24,7 @@ void loadFromUrls(TrelmixMapTileLayer& layer, const std::string& urlTemplate) {
 
 std::shared_ptr<TrelmixMapEngine> makeEngine(const SceneFile& scene, const SceneCamera& camera,
                                              CGSize viewSize) {
-    auto engine = TrelmixMapEngineFactory::createMap();
+    auto engine = TrelmixMapEngineFactory::createMap(scene.behaviour);
     // Sized before the first camera, which depends on the height of the view.
     engine->view()->setFrame({{0, 0}, viewSize});
     engine->view()->layoutIfNeeded();

@@ -65,6 +65,13 @@ SceneCamera readCamera(const JsonCursor& at) {
     return camera;
 }
 
+MapBehaviour readBehaviour(const JsonCursor& at) {
+    if (at.text() != "classic" && at.text() != "natural") {
+        at.fail("must be \"classic\" or \"natural\"");
+    }
+    return at.text() == "natural" ? MapBehaviour::natural() : MapBehaviour{};
+}
+
 SceneLimits readLimits(const JsonCursor& at) {
     at.expectObject({"minZoom", "maxZoom", "southWest", "northEast"});
     SceneLimits limits;
@@ -151,9 +158,12 @@ void refuseDoubledIds(const SceneFile& scene) {
 }
 
 SceneFile readScene(const JsonCursor& root, const std::string& folder) {
-    root.expectObject({"view", "camera", "limits", "tiles", "levelPlans", "markers", "circles", "polygons",
-                       "polylines", "geojson", "sideView"});
+    root.expectObject({"behaviour", "view", "camera", "limits", "tiles", "levelPlans", "markers", "circles",
+                       "polygons", "polylines", "geojson", "sideView"});
     SceneFile scene;
+    if (const auto behaviour = root.member("behaviour")) {
+        scene.behaviour = readBehaviour(*behaviour);
+    }
     if (const auto view = root.member("view")) {
         scene.view = readView(*view);
     }

@@ -2,6 +2,7 @@
 
 #include "common/scene/GeoJsonStyle.h"
 
+#include <Trelmix/MapBehaviour.h>
 #include <Trelmix/Platform/CGGeometry.h>
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
@@ -149,6 +150,7 @@ struct SceneSideview {
 /// A scene as its file describes it; nothing that it names has been opened. Paths are joined with the file's
 /// folder. Longer than others, as a scene has many sections; the overlays' are read in sources of their own.
 struct SceneFile {
+    MapBehaviour behaviour;
     SceneView view;
     std::optional<SceneCamera> camera;
     SceneLimits limits;

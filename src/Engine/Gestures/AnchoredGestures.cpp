@@ -25,10 +25,6 @@ ScreenPoint middle(ScreenPoint a, ScreenPoint b) {
     return {(a.x + b.x) * 0.5, (a.y + b.y) * 0.5};
 }
 
-float limitedZoom(float internalZoom) {
-    return CameraProjection::zoomLevelSanitised(internalZoom + 1.0F) - 1.0F;
-}
-
 bool isUpright(const AnchoredRecognizer::Finger& finger) {
     return std::abs(finger.location.y - finger.start.y) >
            kUprightFactor * std::abs(finger.location.x - finger.start.x);
@@ -177,6 +173,10 @@ CameraPose AnchoredGestures::poseAboutMiddle(const std::vector<HeldGround>& want
     }
     pose.zoom = zoom;
     return GroundHold::holdingMiddle(pose, stage, middleHeld, wanted[0], wanted[1], {false, _flags.rotation});
+}
+
+float AnchoredGestures::limitedZoom(float internalZoom) const {
+    return _engine.cameraPath().limitedZoom(internalZoom + 1.0F) - 1.0F;
 }
 
 CameraPose AnchoredGestures::poseAboutTarget(const std::vector<HeldGround>& wanted) const {

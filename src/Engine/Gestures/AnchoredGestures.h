@@ -54,6 +54,7 @@ private:
     Middle middleOf(const std::vector<HeldGround>& wanted) const;
     CameraPose poseAboutMiddle(const std::vector<HeldGround>& wanted, const HeldGround& middleHeld) const;
     CameraPose poseAboutTarget(const std::vector<HeldGround>& wanted) const;
+    float limitedZoom(float internalZoom) const;
     void set(const CameraPose& pose, bool animated = false);
 
     TrelmixMapEngineSceneView& _engine;

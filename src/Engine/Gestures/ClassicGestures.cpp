@@ -45,7 +45,7 @@ void ClassicGestures::pinch(UIGestureRecognizer& recognizer) {
     fingers.setScale(1.0);
     if (_flags.zoom && !std::isnan(steps)) {
         CameraChange change = _engine.currentCamera();
-        change.zoom = CameraProjection::zoomLevelSanitised(static_cast<float>(steps) + change.zoom);
+        change.zoom = _engine.cameraPath().limitedZoom(static_cast<float>(steps) + change.zoom);
         change.fromGesture = true;
         _engine.internalSetCamera(change);
     }
