@@ -16,6 +16,12 @@ struct MapBehaviour {
     /// zoom or rotation away, the middle of the fingers stays exact.
     bool groundFollowsFingers = false;
 
+    /// False: the map stands when the fingers lift.
+    /// True: thrown at more than 60 points a second it runs on, moving, zooming and turning as it did in the
+    /// last 50 milliseconds, and slows down with a time constant of 0.325 seconds. A touch, a camera that is
+    /// set, or a limit ends it, bounds gently; the rest is reported once it stands.
+    bool glide = false;
+
     /// False: the first target's latitude fixes the scale for life, and a higher view shows the same ground
     /// larger.
     /// True: at zoom z, 256 points of a tile of zoom z are 256 points on screen at the target, at every
@@ -27,14 +33,17 @@ struct MapBehaviour {
     /// True: 0 to 23, with limits of this engine, at once.
     bool zooms = false;
 
+    /// What people expect of a map today: everything above.
     static constexpr MapBehaviour natural() {
         MapBehaviour behaviour;
         behaviour.groundFollowsFingers = true;
+        behaviour.glide = true;
         behaviour.zoomIsScale = true;
         behaviour.zooms = true;
         return behaviour;
     }
 
+    /// Member by member.
     friend bool operator==(const MapBehaviour&, const MapBehaviour&) = default;
 };
 

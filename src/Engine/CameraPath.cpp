@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace trelmix {
 
@@ -154,6 +155,7 @@ bool CameraPath::apply(const CameraChange& change) {
         return false;
     }
     _engine.cameraNode()->removeAllActions();
+    _isRunning = false;
     const float goalZoom = limitedZoom(change.zoom);
     // The first camera has nowhere to come from: no overlay may see the placeholder.
     const float startZoom = _hasCamera ? _projection->mapZoom() : goalZoom;
@@ -191,6 +193,45 @@ void CameraPath::runAnimation(float startZoom, float goalZoom, std::shared_ptr<c
         });
 }
 
+void CameraPath::run(std::function<CameraPose(double elapsed)> poses, double duration) {
+    if (!_projection || !announce(true)) {
+        return;
+    }
+    if (_idleTimer) {
+        _idleTimer->invalidate();
+    }
+    _engine.cameraNode()->removeAllActions();
+    _isRunning = true;
+    auto step = [weak = _engine.weakSelf(), poses = std::move(poses)](SCNNode&, double elapsed) {
+        if (const auto engine = weak.lock()) {
+            engine->cameraPath().place(poses(elapsed));
+        }
+    };
+    _engine.cameraNode()->runAction(SCNAction::customAction(duration, std::move(step)),
+                                    [weak = _engine.weakSelf()] {
+                                        if (const auto engine = weak.lock()) {
+                                            engine->cameraPath()._isRunning = false;
+                                            engine->informDelegateAboutIdle();
+                                        }
+                                    });
+}
+
+void CameraPath::stop() {
+    if (std::exchange(_isRunning, false)) {
+        _engine.cameraNode()->removeAllActions();
+        reportSoon();
+    }
+}
+
+/// While something runs; limits have been asked before.
+void CameraPath::place(const CameraPose& pose) {
+    const Coordinate target = GeoUtils::coordinateOfScenePoint(pose.target);
+    _projection->setCameraTarget(pose.target, target);
+    _projection->setPose(pose.rotation, pose.viewingAngle, pose.zoom + 1.0F);
+    _engine.cameraNode()->setExactEulerAngles({pose.viewingAngle.value, 0, pose.rotation.value});
+    _engine.cameraNode()->setExactPosition(_projection->exactCameraPosition());
+}
+
 std::shared_ptr<const SCNAction> CameraPath::performMapEulerRotate(Radians viewingAngle, Radians rotation,
                                                                    bool animated) {
     if (animated) {
@@ -216,6 +257,10 @@ void CameraPath::reportWhenAtRest(const CameraChange& change) {
         informDelegateAboutIdle();
         return;
     }
+    reportSoon();
+}
+
+void CameraPath::reportSoon() {
     if (_idleTimer) {
         _idleTimer->invalidate();
     }

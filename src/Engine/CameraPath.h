@@ -9,6 +9,7 @@
 #include <Trelmix/Platform/CLLocation.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -64,6 +65,13 @@ public:
     CameraChange current() const;
     /// Numbers that are not finite (but for the viewing angle) change nothing. Angles are narrowed.
     void set(CameraChange change);
+    /// Runs through the poses of so many seconds, from a gesture: announced once, reported when it stands.
+    /// Any other camera ends it where it is.
+    void run(std::function<CameraPose(double elapsed)> poses, double duration);
+    /// Ends what runs, where it is; it reports as the end of a gesture.
+    void stop();
+    /// The nearest target within the bounds.
+    WorldMapPoint canSetCameraToTarget(WorldMapPoint target) const;
     /// Updates the overlays, and tells the delegate from the main queue.
     void informDelegateAboutIdle();
 
@@ -90,6 +98,8 @@ public:
 
 private:
     void connectProjection();
+    void place(const CameraPose& pose);
+    void reportSoon();
     /// False when the delegate has made another camera meanwhile, and this one stops.
     bool announce(bool fromGesture);
     bool apply(const CameraChange& change);
@@ -97,7 +107,6 @@ private:
     std::shared_ptr<const SCNAction> performMapEulerRotate(Radians viewingAngle, Radians rotation,
                                                            bool animated);
     void runAnimation(float startZoom, float goalZoom, std::shared_ptr<const SCNAction> turn);
-    WorldMapPoint canSetCameraToTarget(WorldMapPoint target) const;
     void reportWhenAtRest(const CameraChange& change);
 
     TrelmixMapEngineSceneView& _engine;
@@ -110,6 +119,7 @@ private:
     CLLocationCoordinate2D _boundsSouthWest = kCLLocationCoordinate2DInvalid;
     /// Whether a camera has been placed; until then the projection's zoom is a placeholder.
     bool _hasCamera = false;
+    bool _isRunning = false;
     std::uint64_t _changeNumber = 0;
     int _changeDepth = 0;
 };

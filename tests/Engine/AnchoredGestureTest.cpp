@@ -161,4 +161,86 @@ TEST_F(AnchoredGesture, aDoubleTapZoomsAboutThePointAndAHeldPressStillPans) {
     EXPECT_GT(miss(tapped, {600, 400}), 50);
 }
 
+class ThrownMap : public AnchoredGesture {
+protected:
+    /// 600 points a second to the right, and the place that was under the finger then.
+    CLLocationCoordinate2D fling() {
+        auto told = story();
+        told.down(1, {300, 300});
+        for (double x = 310; x <= 400; x += 10) {
+            told.move(1, {x, 300});
+        }
+        const CLLocationCoordinate2D held = under({400, 300});
+        told.up(1);
+        return held;
+    }
+    double xOf(CLLocationCoordinate2D place) const {
+        return engine->projection()->screenCoordinateFor(place).x;
+    }
+    /// The frames of so many seconds.
+    void run(double seconds) {
+        for (double t = 0; t < seconds; t += kFrame) {
+            step();
+        }
+    }
+};
+
+TEST_F(ThrownMap, aThrownMapRunsOnSlowsDownAndReportsItsRestOnce) {
+    const CLLocationCoordinate2D held = fling();
+    run(0.325);
+    EXPECT_NEAR(xOf(held), 400 + 195 * 0.632, 12);
+    EXPECT_EQ(log->count("idle"), 0U);
+    run(4);
+    EXPECT_NEAR(xOf(held), 400 + 195, 12);
+    EXPECT_NEAR(engine->projection()->screenCoordinateFor(held).y, 300, 0.1);
+    EXPECT_EQ(log->count("idle"), 1U);
+
+    engine->setCameraTargetBoundsNorthEast({90, engine->camera()->target().longitude});
+    engine->setCameraTargetBoundsSouthWest({-90, engine->camera()->target().longitude - 0.001});
+    fling();
+    run(4);
+    EXPECT_NEAR(engine->camera()->target().longitude, engine->cameraTargetBoundsSouthWest().longitude, 1e-9);
+}
+
+TEST_F(ThrownMap, aTouchACameraOrAFingerThatRestedEndsItWhereItIs) {
+    fling();
+    run(0.1);
+    auto told = story();
+    told.down(2, {200, 200});
+    const CLLocationCoordinate2D held = engine->camera()->target();
+    run(0.5);
+    EXPECT_EQ(engine->camera()->target(), held);
+    EXPECT_EQ(log->count("idle"), 1U);
+    told.up(2);
+
+    fling();
+    run(0.1);
+    engine->setCameraWithRotation(10, 0, 17, false);
+    const CLLocationCoordinate2D set = engine->camera()->target();
+    run(0.5);
+    EXPECT_EQ(engine->camera()->target(), set);
+
+    auto slow = story();
+    slow.down(1, {300, 300}).move(1, {400, 300}).wait(0.06);
+    const CLLocationCoordinate2D still = engine->camera()->target();
+    slow.up(1);
+    run(0.5);
+    EXPECT_EQ(engine->camera()->target(), still);
+}
+
+TEST_F(ThrownMap, twoFingersThatSpreadAndTurnGoOnSpreadingAndTurningToTheLimit) {
+    auto told = story();
+    told.down(1, {350, 300}).down(2, {450, 300});
+    for (int i = 1; i <= 8; ++i) {
+        told.move({{1, {350 - i * 8.0, 300.0 - i * 6}}, {2, {450 + i * 8.0, 300.0 + i * 6}}});
+    }
+    const float zoom = engine->camera()->zoom();
+    const double rotation = engine->camera()->rotation();
+    engine->setMaxZoom(zoom + 0.25F);
+    told.up(1).up(2);
+    run(4);
+    EXPECT_NEAR(engine->camera()->zoom(), zoom + 0.25F, 1e-4);
+    EXPECT_GT(std::abs(engine->camera()->rotation() - rotation), 5);
+}
+
 } // namespace trelmix::gesture_test

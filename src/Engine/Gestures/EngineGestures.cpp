@@ -9,21 +9,42 @@
 
 namespace trelmix {
 
+namespace {
+
+/// Tells of every finger that comes down, and recognises nothing.
+class TouchWatcher final : public UIGestureRecognizer {
+public:
+    explicit TouchWatcher(std::function<void()> onTouch) : _onTouch(std::move(onTouch)) {}
+
+protected:
+    void touchBegan(const TrackedTouch&) override { _onTouch(); }
+    void touchesMoved(double) override {}
+    void touchEnded(const TrackedTouch&) override {}
+
+private:
+    std::function<void()> _onTouch;
+};
+
+} // namespace
+
 void EngineGestures::use(const MapBehaviour& behaviour) {
     for (const auto& recognizer : std::exchange(_recognizers, {})) {
         _engine.removeGestureRecognizer(recognizer);
     }
     _camera = behaviour.groundFollowsFingers ? static_cast<CameraGestures*>(&_anchored) : &_classic;
     _camera->pause();
+    _glide.forget();
     for (CameraGestures::Gesture& gesture : _camera->gestures()) {
-        add(gesture.recognizer, [this, action = std::move(gesture.action)](UIGestureRecognizer& r) {
-            if (canMove()) {
-                action(r);
-            } else {
-                _camera->pause();
-            }
-        });
+        add(gesture.recognizer,
+            [this, action = std::move(gesture.action)](UIGestureRecognizer& r) { move(r, action); });
     }
+    add(std::make_shared<TouchWatcher>([weak = _engine.weakSelf()] {
+            const SceneLock lock;
+            if (const auto engine = weak.lock()) {
+                engine->cameraPath().stop();
+            }
+        }),
+        [](UIGestureRecognizer&) {});
     const auto tapping = std::make_shared<UITapGestureRecognizer>();
     const auto doubleTapping = std::make_shared<UITapGestureRecognizer>();
     const auto pressing = std::make_shared<UILongPressGestureRecognizer>();
@@ -42,6 +63,39 @@ void EngineGestures::use(const MapBehaviour& behaviour) {
     });
     add(pressing, [this](UIGestureRecognizer& r) { _engine.drag().press(locationOf(r), r.state()); });
     _press = pressing;
+}
+
+void EngineGestures::move(UIGestureRecognizer& recognizer, const Action& action) {
+    if (!canMove()) {
+        _camera->pause();
+        _glide.forget();
+        return;
+    }
+    if (recognizer.state() == UIGestureRecognizerState::began) {
+        _glide.forget();
+    }
+    const CameraPose before = _engine.cameraProjection()->pose();
+    const CGPoint location = locationOf(recognizer);
+    action(recognizer);
+    const CameraProjection& projection = *_engine.cameraProjection();
+    if (_engine.currentBehaviour().glide && projection.pose() != before) {
+        _glide.record(before, projection.pose(), projection.stage(), {location.x, location.y},
+                      recognizer.time());
+    }
+    if (recognizer.state() == UIGestureRecognizerState::ended) {
+        glideOn(recognizer.time());
+    }
+}
+
+void EngineGestures::glideOn(double time) {
+    CameraPath& path = _engine.cameraPath();
+    const CameraProjection& projection = *_engine.cameraProjection();
+    const Glide::Limits limits{
+        [&](float internalZoom) { return path.limitedZoom(internalZoom + 1.0F) - 1.0F; },
+        [&](WorldMapPoint target) { return path.canSetCameraToTarget(target); }};
+    if (auto motion = _glide.motion(projection.pose(), projection.stage(), limits, time)) {
+        path.run(std::move(motion->pose), motion->duration);
+    }
 }
 
 void EngineGestures::cancelPress() {

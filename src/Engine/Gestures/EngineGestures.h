@@ -2,6 +2,7 @@
 
 #include "Engine/Gestures/AnchoredGestures.h"
 #include "Engine/Gestures/ClassicGestures.h"
+#include "Engine/Gestures/Glide.h"
 
 #include <Trelmix/MapBehaviour.h>
 
@@ -32,11 +33,14 @@ private:
     void add(const std::shared_ptr<UIGestureRecognizer>& recognizer, Action action);
     CGPoint locationOf(const UIGestureRecognizer& recognizer) const;
     bool canMove() const;
+    void move(UIGestureRecognizer& recognizer, const Action& action);
+    void glideOn(double time);
 
     TrelmixMapEngineSceneView& _engine;
     ClassicGestures _classic{_engine, flags};
     AnchoredGestures _anchored{_engine, flags};
     CameraGestures* _camera = &_classic;
+    Glide _glide;
     std::vector<std::shared_ptr<UIGestureRecognizer>> _recognizers;
     std::shared_ptr<UIGestureRecognizer> _press;
 };

@@ -175,6 +175,7 @@ void UIGestureRecognizer::beginTouch(std::uint64_t serial, CGPoint location, dou
     if (!_isEnabled || !acceptsTouch()) {
         return;
     }
+    _time = time;
     const TrackedTouch touch{serial, location, location, time};
     _touches.push_back(touch);
     if (isOpen()) {
@@ -189,6 +190,7 @@ bool UIGestureRecognizer::moveTouch(std::uint64_t serial, CGPoint location, doub
     if (touch == _touches.end()) {
         return false;
     }
+    _time = time;
     touch->location = location;
     touch->time = time;
     return true;
@@ -200,6 +202,7 @@ void UIGestureRecognizer::endTouch(std::uint64_t serial, double time, bool isCan
     if (place == _touches.end()) {
         return;
     }
+    _time = time;
     TrackedTouch touch = *place;
     touch.time = time;
     _touches.erase(place);

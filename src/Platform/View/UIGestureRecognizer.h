@@ -69,6 +69,8 @@ public:
     /// The middle of the gesture's touches in a view's coordinates (empty: the root view's); after the last
     /// one is up, where that was.
     CGPoint locationInView(const std::shared_ptr<UIView>& view) const;
+    /// Seconds of the touches' clock at the last event of one of its touches.
+    double time() const { return _time; }
     /// Touches that are down.
     std::size_t numberOfTouches() const { return _touches.size(); }
 
@@ -146,6 +148,7 @@ private:
     bool _actionDue = false;
     bool _beganSent = false;
     CGPoint _location;
+    double _time = 0;
     std::vector<TrackedTouch> _touches;
     std::vector<std::uint64_t> _endedSerials;
     std::vector<Action> _actions;
