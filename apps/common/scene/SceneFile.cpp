@@ -158,8 +158,8 @@ void refuseDoubledIds(const SceneFile& scene) {
 }
 
 SceneFile readScene(const JsonCursor& root, const std::string& folder) {
-    root.expectObject({"behaviour", "view", "camera", "limits", "tiles", "levelPlans", "markers", "circles",
-                       "polygons", "polylines", "geojson", "sideView"});
+    root.expectObject({"view", "camera", "limits", "tiles", "levelPlans", "markers", "circles", "polygons",
+                       "polylines", "geojson", "sideView", "behaviour"});
     SceneFile scene;
     if (const auto behaviour = root.member("behaviour")) {
         scene.behaviour = readBehaviour(*behaviour);
