@@ -155,7 +155,7 @@ bool CameraPath::apply(const CameraChange& change) {
         return false;
     }
     _engine.cameraNode()->removeAllActions();
-    _isRunning = false;
+    _running.reset();
     const float goalZoom = limitedZoom(change.zoom);
     // The first camera has nowhere to come from: no overlay may see the placeholder.
     const float startZoom = _hasCamera ? _projection->mapZoom() : goalZoom;
@@ -193,7 +193,7 @@ void CameraPath::runAnimation(float startZoom, float goalZoom, std::shared_ptr<c
         });
 }
 
-void CameraPath::run(std::function<CameraPose(double elapsed)> poses, double duration) {
+void CameraPath::run(std::function<CameraPose(double elapsed)> poses, double duration, Touch touch) {
     if (!_projection || !announce(true)) {
         return;
     }
@@ -201,7 +201,7 @@ void CameraPath::run(std::function<CameraPose(double elapsed)> poses, double dur
         _idleTimer->invalidate();
     }
     _engine.cameraNode()->removeAllActions();
-    _isRunning = true;
+    _running = {touch, poses(duration).zoom + 1.0F};
     auto step = [weak = _engine.weakSelf(), poses = std::move(poses)](SCNNode&, double elapsed) {
         if (const auto engine = weak.lock()) {
             engine->cameraPath().place(poses(elapsed));
@@ -210,14 +210,15 @@ void CameraPath::run(std::function<CameraPose(double elapsed)> poses, double dur
     _engine.cameraNode()->runAction(SCNAction::customAction(duration, std::move(step)),
                                     [weak = _engine.weakSelf()] {
                                         if (const auto engine = weak.lock()) {
-                                            engine->cameraPath()._isRunning = false;
+                                            engine->cameraPath()._running.reset();
                                             engine->informDelegateAboutIdle();
                                         }
                                     });
 }
 
-void CameraPath::stop() {
-    if (std::exchange(_isRunning, false)) {
+void CameraPath::touched() {
+    if (_running && _running->touch == Touch::stops) {
+        _running.reset();
         _engine.cameraNode()->removeAllActions();
         reportSoon();
     }

@@ -65,11 +65,14 @@ public:
     CameraChange current() const;
     /// Numbers that are not finite (but for the viewing angle) change nothing. Angles are narrowed.
     void set(CameraChange change);
+    enum class Touch { stops, goesOn };
     /// Runs through the poses of so many seconds, from a gesture: announced once, reported when it stands.
     /// Any other camera ends it where it is.
-    void run(std::function<CameraPose(double elapsed)> poses, double duration);
-    /// Ends what runs, where it is; it reports as the end of a gesture.
-    void stop();
+    void run(std::function<CameraPose(double elapsed)> poses, double duration, Touch touch);
+    /// A finger has come down: what a touch stops ends where it is, and reports as the end of a gesture.
+    void touched();
+    /// The public zoom at which what runs will end; the camera's when nothing does.
+    float goalZoom() const { return _running ? _running->goalZoom : _projection->mapZoom(); }
     /// The nearest target within the bounds.
     WorldMapPoint canSetCameraToTarget(WorldMapPoint target) const;
     /// Updates the overlays, and tells the delegate from the main queue.
@@ -119,7 +122,11 @@ private:
     CLLocationCoordinate2D _boundsSouthWest = kCLLocationCoordinate2DInvalid;
     /// Whether a camera has been placed; until then the projection's zoom is a placeholder.
     bool _hasCamera = false;
-    bool _isRunning = false;
+    struct Running {
+        Touch touch;
+        float goalZoom;
+    };
+    std::optional<Running> _running;
     std::uint64_t _changeNumber = 0;
     int _changeDepth = 0;
 };

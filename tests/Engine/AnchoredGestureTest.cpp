@@ -149,10 +149,29 @@ TEST_F(AnchoredGesture, aDoubleTapZoomsAboutThePointAndAHeldPressStillPans) {
     engine->setCameraWithRotation(30, 40, 18, false);
     const CLLocationCoordinate2D tapped = under({600, 400});
     story().tap({600, 400}).tap({600, 400});
+    for (int i = 0; i < 6; ++i) {
+        step();
+    }
+    EXPECT_GT(engine->camera()->zoom(), 18.3F);
+    EXPECT_LT(miss(tapped, {600, 400}), 0.05) << "all the way";
+    story().tap({600, 400}).tap({600, 400});
+    step(1);
+    step();
+    EXPECT_EQ(engine->camera()->zoom(), 20.0F) << "what was asked for first is not lost";
+    EXPECT_LT(miss(tapped, {600, 400}), 0.05);
+
+    auto two = story();
+    const CLLocationCoordinate2D middle = under({300, 350});
+    two.down(1, {200, 300}).down(2, {400, 400}).up(1).up(2);
     step(1);
     step();
     EXPECT_EQ(engine->camera()->zoom(), 19.0F);
-    EXPECT_LT(miss(tapped, {600, 400}), 0.05);
+    EXPECT_LT(miss(middle, {300, 350}), 0.05);
+
+    const CLLocationCoordinate2D pressed = under({300, 200});
+    story().tap({300, 200}).down(1, {300, 200}).move(1, {300, 150}).move(1, {310, 100}).wait(0.1).up(1);
+    EXPECT_NEAR(engine->camera()->zoom(), 18.0F, 0.01) << "up after a tap zooms out";
+    EXPECT_LT(miss(pressed, {300, 200}), 0.05);
 
     story().down(1, {300, 300}).wait(0.7).up(1);
     EXPECT_EQ(log->count("longPress"), 1U);

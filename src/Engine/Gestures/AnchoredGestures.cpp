@@ -1,5 +1,6 @@
 #include "Engine/Gestures/AnchoredGestures.h"
 
+#include "Engine/Gestures/TwoFingerTapRecognizer.h"
 #include "Engine/TrelmixMapEngineSceneView.h"
 #include "Platform/View/UILongPressGestureRecognizer.h"
 
@@ -16,6 +17,10 @@ constexpr double kFastest = 4.0;
 constexpr double kUprightFactor = 1.5;
 /// ... and the slower one at least this share of the faster.
 constexpr double kTogether = 0.3;
+/// Points that a finger moves down after a tap to zoom in by one.
+constexpr double kPointsPerZoom = 100.0;
+/// Seconds in which a double tap zooms.
+constexpr double kZoomDuration = 0.3;
 
 ScreenPoint screenPoint(CGPoint p) {
     return {p.x, p.y};
@@ -45,7 +50,10 @@ bool meansTilt(const std::vector<AnchoredRecognizer::Finger>& fingers) {
 
 std::vector<CameraGestures::Gesture> AnchoredGestures::gestures() {
     return {{std::make_shared<AnchoredRecognizer>(),
-             [this](UIGestureRecognizer& r) { follow(static_cast<AnchoredRecognizer&>(r)); }}};
+             [this](UIGestureRecognizer& r) { follow(static_cast<AnchoredRecognizer&>(r)); }},
+            {std::make_shared<TwoFingerTapRecognizer>(), [this](UIGestureRecognizer& r) {
+                 zoomBy(-1.0F, static_cast<TwoFingerTapRecognizer&>(r).middle());
+             }}};
 }
 
 bool AnchoredGestures::recognizesTogether(const UIGestureRecognizer& asked,
@@ -57,15 +65,20 @@ bool AnchoredGestures::recognizesTogether(const UIGestureRecognizer& asked,
 
 void AnchoredGestures::pause() {
     _held.clear();
-    _isTilting = false;
+    _mode = Mode::hold;
+}
+
+CGPoint AnchoredGestures::centre(CGPoint location) const {
+    return _mode == Mode::zoom ? CGPoint{_zoomCentre.point.x, _zoomCentre.point.y} : location;
 }
 
 void AnchoredGestures::follow(const AnchoredRecognizer& recognizer) {
     const std::vector<Finger> fingers = recognizer.fingers();
     if (recognizer.state() == UIGestureRecognizerState::began) {
-        _engine.gestures().cancelPress();
         hold(fingers, &Finger::start);
-        _isTilting = _flags.tilt && meansTilt(fingers);
+        _mode = modeOf(recognizer, fingers);
+        _zoomCentre = _held.front().at;
+        _engine.gestures().cancelPress(_mode == Mode::zoom);
     } else if (!isSameFingers(fingers)) {
         hold(fingers, &Finger::location);
     } else if (_engine.cameraProjection()->pose() != _pose) {
@@ -73,11 +86,21 @@ void AnchoredGestures::follow(const AnchoredRecognizer& recognizer) {
     }
     if (fingers.empty()) {
         pause();
-    } else if (_isTilting) {
+    } else if (_mode == Mode::tilt) {
         tilt(fingers);
+    } else if (_mode == Mode::zoom) {
+        zoomAlong(fingers);
     } else {
         moveTo(fingers);
     }
+}
+
+AnchoredGestures::Mode AnchoredGestures::modeOf(const AnchoredRecognizer& recognizer,
+                                                const std::vector<Finger>& fingers) const {
+    if (_flags.zoom && recognizer.isAfterTap()) {
+        return Mode::zoom;
+    }
+    return _flags.tilt && meansTilt(fingers) ? Mode::tilt : Mode::hold;
 }
 
 bool AnchoredGestures::isSameFingers(const std::vector<Finger>& fingers) const {
@@ -208,27 +231,47 @@ void AnchoredGestures::tilt(const std::vector<Finger>& fingers) {
     hold(fingers, &Finger::location);
 }
 
-void AnchoredGestures::doubleTap(CGPoint location) {
-    if (!_flags.zoom) {
-        return;
+void AnchoredGestures::zoomAlong(const std::vector<Finger>& fingers) {
+    const double down = fingers[0].location.y - _held[0].at.point.y;
+    CameraPose pose = _pose;
+    pose.zoom = limitedZoom(pose.zoom + static_cast<float>(down / kPointsPerZoom));
+    if (down != 0) {
+        set(_flags.scroll ? GroundHold::holding(pose, _engine.cameraProjection()->stage(), _zoomCentre)
+                          : pose);
     }
-    const CameraProjection& projection = *_engine.cameraProjection();
-    CameraPose pose = projection.pose();
-    pose.zoom = limitedZoom(pose.zoom + 1.0F);
-    const HeldGround held{projection.frame().unproject(screenPoint(location)), screenPoint(location)};
-    set(projection.frame().seesGround(held.point) ? GroundHold::holding(pose, projection.stage(), held)
-                                                  : pose,
-        true);
+    hold(fingers, &Finger::location);
 }
 
-void AnchoredGestures::set(const CameraPose& pose, bool animated) {
+void AnchoredGestures::doubleTap(CGPoint location) {
+    zoomBy(1.0F, location);
+}
+
+void AnchoredGestures::zoomBy(float steps, CGPoint location) {
+    const CameraProjection& projection = *_engine.cameraProjection();
+    const HeldGround held{projection.frame().unproject(screenPoint(location)), screenPoint(location)};
+    const CameraPose start = projection.pose();
+    const float goal = limitedZoom(_engine.cameraPath().goalZoom() - 1.0F + steps);
+    if (!_flags.zoom || goal == start.zoom) {
+        return;
+    }
+    const bool holds = _flags.scroll && projection.frame().seesGround(held.point);
+    _engine.cameraPath().run(
+        [=, stage = projection.stage()](double elapsed) {
+            const double left = 1.0 - std::min(elapsed / kZoomDuration, 1.0);
+            CameraPose pose = start;
+            pose.zoom = goal + (start.zoom - goal) * static_cast<float>(left * left * left);
+            return holds ? GroundHold::holding(pose, stage, held) : pose;
+        },
+        kZoomDuration, CameraPath::Touch::goesOn);
+}
+
+void AnchoredGestures::set(const CameraPose& pose) {
     CameraChange change;
     change.target = pose.target;
     change.rotation = pose.rotation;
     change.viewingAngle = pose.viewingAngle;
     change.zoom = pose.zoom + 1.0F;
     change.fromGesture = true;
-    change.animated = animated;
     _engine.internalSetCamera(change);
 }
 

@@ -10,7 +10,8 @@ namespace trelmix {
 
 class TrelmixMapEngineSceneView;
 
-/// Every finger holds the ground that it went down on; two that move up or down together tilt.
+/// Every finger holds the ground that it went down on; two that move up or down together tilt, and one that
+/// moves after a tap zooms.
 ///
 /// Between two events it remembers where the fingers were, and the ground there. Fingers that came or went, a
 /// limit that was met, a camera that somebody else set: each only means that the ground is taken anew where
@@ -23,6 +24,7 @@ public:
 
     std::vector<Gesture> gestures() override;
     void pause() override;
+    CGPoint centre(CGPoint location) const override;
     void doubleTap(CGPoint location) override;
     bool recognizesTogether(const UIGestureRecognizer& asked,
                             const UIGestureRecognizer& other) const override;
@@ -34,12 +36,18 @@ private:
         HeldGround at;
     };
 
+    /// What the fingers do until they lift.
+    enum class Mode { hold, tilt, zoom };
+
     void follow(const AnchoredRecognizer& recognizer);
     bool isSameFingers(const std::vector<Finger>& fingers) const;
     void hold(const std::vector<Finger>& fingers, CGPoint Finger::*where);
     void holdAnew();
     void moveTo(const std::vector<Finger>& fingers);
     void tilt(const std::vector<Finger>& fingers);
+    void zoomAlong(const std::vector<Finger>& fingers);
+    Mode modeOf(const AnchoredRecognizer& recognizer, const std::vector<Finger>& fingers) const;
+    void zoomBy(float steps, CGPoint location);
     struct Solution {
         CameraPose pose;
         /// Whether every finger holds its ground.
@@ -55,14 +63,16 @@ private:
     CameraPose poseAboutMiddle(const std::vector<HeldGround>& wanted, const HeldGround& middleHeld) const;
     CameraPose poseAboutTarget(const std::vector<HeldGround>& wanted) const;
     float limitedZoom(float internalZoom) const;
-    void set(const CameraPose& pose, bool animated = false);
+    void set(const CameraPose& pose);
 
     TrelmixMapEngineSceneView& _engine;
     const GestureFlags& _flags;
     std::vector<Held> _held;
     /// The camera for which `_held` is true.
     CameraPose _pose;
-    bool _isTilting = false;
+    Mode _mode = Mode::hold;
+    /// Where the finger of a zoom came down, and the ground there.
+    HeldGround _zoomCentre;
 };
 
 } // namespace trelmix

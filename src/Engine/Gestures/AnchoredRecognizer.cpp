@@ -1,6 +1,8 @@
 #include "Engine/Gestures/AnchoredRecognizer.h"
 
 #include "Platform/View/GestureMath.h"
+#include "Platform/View/UILongPressGestureRecognizer.h"
+#include "Platform/View/UITapGestureRecognizer.h"
 
 #include <algorithm>
 
@@ -27,11 +29,21 @@ std::vector<AnchoredRecognizer::Finger> AnchoredRecognizer::fingers() const {
     return found;
 }
 
-void AnchoredRecognizer::touchBegan(const TrackedTouch&) {
+void AnchoredRecognizer::touchBegan(const TrackedTouch& touch) {
+    _isAfterTap = _lastTap && touches().size() == 1 &&
+                  touch.time - _lastTap->time <= UITapGestureRecognizer::kTapInterval &&
+                  distanceBetween(_lastTap->location, touch.start) <= UITapGestureRecognizer::kTapDistance;
+    _lastTap.reset();
+    _touchedAt = touch.time;
     change();
 }
 
-void AnchoredRecognizer::touchEnded(const TrackedTouch&) {
+void AnchoredRecognizer::touchEnded(const TrackedTouch& touch) {
+    // A gesture that has not begun, of a finger that came and went.
+    if (!isActive() && touches().empty() && !_isAfterTap &&
+        touch.time - _touchedAt < UILongPressGestureRecognizer::kDuration) {
+        _lastTap = Tap{touch.location, touch.time};
+    }
     change();
 }
 

@@ -3,6 +3,7 @@
 #include "Platform/View/UIGestureRecognizer.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace trelmix {
@@ -23,6 +24,8 @@ public:
     };
     /// The first two that are down, the older first.
     std::vector<Finger> fingers() const;
+    /// Whether the one finger came down where another has just tapped.
+    bool isAfterTap() const { return _isAfterTap && touches().size() == 1; }
 
 protected:
     void touchBegan(const TrackedTouch& touch) override;
@@ -31,6 +34,14 @@ protected:
 
 private:
     bool isClear() const;
+
+    struct Tap {
+        CGPoint location;
+        double time = 0;
+    };
+    std::optional<Tap> _lastTap;
+    double _touchedAt = 0;
+    bool _isAfterTap = false;
 };
 
 } // namespace trelmix

@@ -33,6 +33,8 @@ public:
     virtual std::vector<Gesture> gestures() = 0;
     /// The fingers move something else for a while.
     virtual void pause() {}
+    /// The point about which the camera turns and zooms while the fingers' middle is at `location`.
+    virtual CGPoint centre(CGPoint location) const { return location; }
     /// @param location points, in the engine's view.
     virtual void doubleTap(CGPoint location) = 0;
     /// Asked while no marker is dragged.

@@ -41,7 +41,7 @@ void EngineGestures::use(const MapBehaviour& behaviour) {
     add(std::make_shared<TouchWatcher>([weak = _engine.weakSelf()] {
             const SceneLock lock;
             if (const auto engine = weak.lock()) {
-                engine->cameraPath().stop();
+                engine->cameraPath().touched();
             }
         }),
         [](UIGestureRecognizer&) {});
@@ -63,6 +63,7 @@ void EngineGestures::use(const MapBehaviour& behaviour) {
     });
     add(pressing, [this](UIGestureRecognizer& r) { _engine.drag().press(locationOf(r), r.state()); });
     _press = pressing;
+    _tap = tapping;
 }
 
 void EngineGestures::move(UIGestureRecognizer& recognizer, const Action& action) {
@@ -75,12 +76,11 @@ void EngineGestures::move(UIGestureRecognizer& recognizer, const Action& action)
         _glide.forget();
     }
     const CameraPose before = _engine.cameraProjection()->pose();
-    const CGPoint location = locationOf(recognizer);
     action(recognizer);
+    const CGPoint centre = _camera->centre(locationOf(recognizer));
     const CameraProjection& projection = *_engine.cameraProjection();
     if (_engine.currentBehaviour().glide && projection.pose() != before) {
-        _glide.record(before, projection.pose(), projection.stage(), {location.x, location.y},
-                      recognizer.time());
+        _glide.record(before, projection.pose(), projection.stage(), {centre.x, centre.y}, recognizer.time());
     }
     if (recognizer.state() == UIGestureRecognizerState::ended) {
         glideOn(recognizer.time());
@@ -94,14 +94,17 @@ void EngineGestures::glideOn(double time) {
         [&](float internalZoom) { return path.limitedZoom(internalZoom + 1.0F) - 1.0F; },
         [&](WorldMapPoint target) { return path.canSetCameraToTarget(target); }};
     if (auto motion = _glide.motion(projection.pose(), projection.stage(), limits, time)) {
-        path.run(std::move(motion->pose), motion->duration);
+        path.run(std::move(motion->pose), motion->duration, CameraPath::Touch::stops);
     }
 }
 
-void EngineGestures::cancelPress() {
-    if (!_engine.drag().isDragging()) {
-        _press->setIsEnabled(false);
-        _press->setIsEnabled(true);
+void EngineGestures::cancelPress(bool alsoTap) {
+    const auto press = _engine.drag().isDragging() ? nullptr : _press;
+    for (const auto& recognizer : {press, alsoTap ? _tap : nullptr}) {
+        if (recognizer) {
+            recognizer->setIsEnabled(false);
+            recognizer->setIsEnabled(true);
+        }
     }
 }
 

@@ -22,8 +22,8 @@ public:
     /// Puts the recognisers into the engine's view, in place of those before; what fingers do at the time is
     /// cancelled.
     void use(const MapBehaviour& behaviour);
-    /// A press under way reports nothing any more.
-    void cancelPress();
+    /// A press under way reports nothing any more, and neither does a tap that waits for a second one.
+    void cancelPress(bool alsoTap);
 
     /// While a marker is dragged any two; otherwise as the camera's gestures want it.
     bool recognizesTogether(const UIGestureRecognizer& asked, const UIGestureRecognizer& other) const;
@@ -42,7 +42,7 @@ private:
     CameraGestures* _camera = &_classic;
     Glide _glide;
     std::vector<std::shared_ptr<UIGestureRecognizer>> _recognizers;
-    std::shared_ptr<UIGestureRecognizer> _press;
+    std::shared_ptr<UIGestureRecognizer> _press, _tap;
 };
 
 } // namespace trelmix

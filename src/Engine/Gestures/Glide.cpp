@@ -26,6 +26,10 @@ double pointsOf(WorldMapPoint ground, double zoom, double turn, double scale) {
 
 void Glide::record(const CameraPose& before, const CameraPose& after, const CameraStage& stage,
                    ScreenPoint point, double time) {
+    if (before.viewingAngle != after.viewingAngle) {
+        forget(); // tilting is no throw, and moves the ground under the fingers
+        return;
+    }
     const double began = _steps.empty() ? time - kWindow : _steps.back().ended;
     const WorldMapPoint from = CameraFrame(before, stage).unproject(point);
     const WorldMapPoint to = CameraFrame(after, stage).unproject(point);
