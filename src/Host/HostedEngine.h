@@ -22,6 +22,7 @@ public:
     std::string resize(double width, double height, double scale);
 
     TrelmixMapEngineSceneView& engine() const { return *_engine; }
+    const std::shared_ptr<TrelmixMapEngineSceneView>& shared() const { return _engine; }
     /// Calls the application, which may destroy whoever holds this.
     DrawFrame nextFrame(double time) const { return _engine->sceneView()->nextFrame(time); }
     int pixelWidth() const { return _pixelWidth; }

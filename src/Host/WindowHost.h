@@ -26,6 +26,8 @@ public:
     WindowHost(HostedEngine engine, Options options);
     ~WindowHost() override;
 
+    std::shared_ptr<TrelmixMapEngine> engine() const override { return _engine.shared(); }
+    Layout layout() const override { return _layout; }
     bool setLayout(Layout layout) override;
     /// Why the layout is out of range; empty when it was taken.
     std::string place(const Layout& layout);

@@ -66,6 +66,10 @@ public:
     /// Destroy it with the context current, or after the context is gone.
     virtual ~ViewHost();
 
+    /// The engine that it runs. Main thread.
+    virtual std::shared_ptr<TrelmixMapEngine> engine() const = 0;
+    /// As it was set last. Main thread.
+    virtual Layout layout() const = 0;
     /// A window that is resized keeps markers at their size. False when the layout is out of range.
     virtual bool setLayout(Layout layout) = 0;
     /// The whole window is the map.
