@@ -7,6 +7,7 @@
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/UIColor.h>
 #include <Trelmix/Platform/UIImage.h>
+#include <Trelmix/SideviewBehaviour.h>
 #include <Trelmix/TrelmixMapEngineDelegate.h>
 
 #include <cstdint>
@@ -35,7 +36,8 @@ public:
     static constexpr std::int64_t kInitialLevel = -1337;
 
     /// Nothing to see yet. Without a width the picture will be fitted to the width of the screen.
-    static std::shared_ptr<TMXSideviewScrollView> make(CGRect frame = {});
+    static std::shared_ptr<TMXSideviewScrollView> make(CGRect frame = {},
+                                                       const SideviewBehaviour& behaviour = {});
     ~TMXSideviewScrollView() override;
 
     /// The view that the application places in its hierarchy.
@@ -44,6 +46,10 @@ public:
     virtual std::shared_ptr<TMXSideviewScrollViewDelegate> delegate() const = 0;
     /// Takes the place of the one before; empty for none.
     virtual void setDelegate(std::weak_ptr<TMXSideviewScrollViewDelegate> delegate) = 0;
+    /// How the side view behaves; classic at first.
+    virtual SideviewBehaviour behaviour() const = 0;
+    /// Takes effect at once, also in a side view that is shown; a gesture under way is cancelled.
+    virtual void setBehaviour(const SideviewBehaviour& behaviour) = 0;
     /// White once set up, unless changed after.
     virtual std::optional<UIColor> backgroundColor() const = 0;
     /// Behind the picture; without one nothing is painted there. A later set-up makes it white again.

@@ -18,6 +18,7 @@ bool isActive(const UIGestureRecognizer& recogniser) {
 } // namespace
 
 void SideviewGestures::setup() {
+    _recognisers.clear();
     const auto tapping = std::make_shared<UITapGestureRecognizer>();
     const auto pressing = std::make_shared<UILongPressGestureRecognizer>();
     add(tapping, &SideviewGestures::tap);
@@ -38,6 +39,19 @@ void SideviewGestures::add(const std::shared_ptr<UIGestureRecognizer>& recognise
     });
     recogniser->setDelegate(_sideview.self());
     _sideview.scrollView()->addGestureRecognizer(recogniser);
+    _recognisers.push_back(recogniser);
+}
+
+void SideviewGestures::cancel() {
+    for (const auto& recogniser : _recognisers) {
+        recogniser->setIsEnabled(false);
+        recogniser->setIsEnabled(true);
+    }
+    if (const auto& scrollView = _sideview.scrollView()) {
+        // The scroll view's own pan as well.
+        scrollView->setScrollEnabled(false);
+        scrollView->setScrollEnabled(_sideview.enableZooming());
+    }
 }
 
 bool SideviewGestures::isDraggingCamera() const {
@@ -82,6 +96,11 @@ void SideviewGestures::longPress(UIGestureRecognizer& recogniser) {
     UIScrollView& scrollView = *_sideview.scrollView();
     if (_sideview.enableZooming() && scrollView.isScrollEnabled() && isActive(recogniser)) {
         scrollView.setScrollEnabled(false);
+    }
+    const bool dragGoesOn = isActive(*_recognisers.back());
+    if (_sideview.behaviour().pressEndsWithFinger && isDraggingCamera() && !isActive(recogniser) &&
+        !dragGoesOn) {
+        scrollView.setScrollEnabled(true);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <Trelmix/Platform/CGGeometry.h>
 
 #include <memory>
+#include <vector>
 
 namespace trelmix {
 
@@ -20,6 +21,9 @@ public:
 
     /// Adds the recognisers to the side view's scroll view, which is a new one with every set-up.
     void setup();
+    /// Ends what is under way, the mode of dragging the camera included. Fingers that are down do nothing
+    /// more.
+    void cancel();
 
 private:
     using Handler = void (SideviewGestures::*)(UIGestureRecognizer&);
@@ -34,6 +38,8 @@ private:
     void reportAndMove(UIGestureRecognizer& recogniser, Report report, bool animated);
 
     SideviewScrollView& _sideview;
+    /// Of the present scroll view; the drag is last.
+    std::vector<std::shared_ptr<UIGestureRecognizer>> _recognisers;
 };
 
 } // namespace trelmix

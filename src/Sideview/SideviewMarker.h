@@ -2,19 +2,26 @@
 
 #include "Platform/View/UIImageView.h"
 
+#include <Trelmix/Platform/CLLocation.h>
+
+#include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace trelmix {
 
-/// One named marker of the side view; it shows once it has an icon and a place.
+/// Where something stands in the world.
+struct SideviewPlace {
+    CLLocationCoordinate2D coordinate;
+    std::int64_t levelNumber = 0;
+};
+
+/// An icon on the side view's bitmap; it shows once it has both an icon and a place.
 struct SideviewMarker {
     std::shared_ptr<UIImageView> imageView;
     std::shared_ptr<const UIImage> icon;
-    /// The icon's centre, image points.
-    std::optional<CGPoint> position;
-    std::string identifier;
+    /// Of the icon's centre.
+    std::optional<SideviewPlace> place;
 };
 
 } // namespace trelmix

@@ -26,10 +26,19 @@ void SideviewOverlays::startOn(std::shared_ptr<UIScrollView> scrollView, std::sh
     _projection = std::move(projection);
 }
 
+void SideviewOverlays::place(std::shared_ptr<const SideviewProjection> projection) {
+    _projection = std::move(projection);
+    if (_projection) {
+        showIcons();
+        tracePath();
+    }
+}
+
 void SideviewOverlays::clear() {
     startOn(nullptr, nullptr, nullptr);
-    _userPositionMarker.reset();
+    _user.imageView.reset();
     _markers.clear();
+    _pathPlaces.clear();
     _path.reset();
     ++_pathRevision;
 }
@@ -38,17 +47,12 @@ void SideviewOverlays::followZoom() {
     if (_path) {
         _path->setLineWidth(_pathWidth / _scrollView->zoomScale());
     }
-    updateUserPositionIcon();
-    updateMarkers();
+    showIcons();
 }
 
-std::optional<CGPoint> SideviewOverlays::imagePoint(CLLocationCoordinate2D coordinate,
-                                                    std::int64_t levelNumber) const {
-    const CGPoint point = _projection->point(coordinate, levelNumber);
-    if (!std::isfinite(point.x) || !std::isfinite(point.y)) {
-        return std::nullopt;
-    }
-    return point;
+// A level that hides what lies on it is a place too.
+bool SideviewOverlays::hasPlace(const SideviewPlace& place) const {
+    return std::isfinite(_projection->point(place.coordinate, place.levelNumber).x);
 }
 
 CGRect SideviewOverlays::iconFrame(CGSize iconSize, CGPoint centre) const {
@@ -63,43 +67,51 @@ std::shared_ptr<UIImageView> SideviewOverlays::addIconView() {
     return added;
 }
 
+void SideviewOverlays::show(const SideviewMarker& marker) const {
+    if (!marker.imageView || !marker.place) {
+        return;
+    }
+    const CGPoint centre = _projection->point(marker.place->coordinate, marker.place->levelNumber);
+    marker.imageView->setHidden(!std::isfinite(centre.y));
+    marker.imageView->setImage(marker.icon);
+    if (marker.icon) {
+        marker.imageView->setFrame(iconFrame(marker.icon->size(), centre));
+    }
+}
+
+void SideviewOverlays::showIcons() const {
+    show(_user);
+    for (const auto& [identifier, marker] : _markers) {
+        show(marker);
+    }
+}
+
 void SideviewOverlays::setUserPositionIcon(std::shared_ptr<const UIImage> icon) {
-    _userPositionIcon = std::move(icon);
-    updateUserPositionIcon();
+    _user.icon = std::move(icon);
+    show(_user);
 }
 
 void SideviewOverlays::updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) {
-    if (!_projection || !CLLocationCoordinate2DIsValid(coordinate)) {
+    const SideviewPlace place{coordinate, levelNumber};
+    if (!_projection || !CLLocationCoordinate2DIsValid(coordinate) || !hasPlace(place)) {
         return;
     }
-    if (const auto point = imagePoint(coordinate, levelNumber)) {
-        if (!_userPositionMarker) {
-            _userPositionMarker = addIconView();
-        }
-        _userPosition = *point;
-        updateUserPositionIcon();
+    if (!_user.imageView) {
+        _user.imageView = addIconView();
     }
-}
-
-void SideviewOverlays::updateUserPositionIcon() {
-    if (_userPositionMarker) {
-        _userPositionMarker->setImage(_userPositionIcon);
-        if (_userPositionIcon) {
-            _userPositionMarker->setFrame(iconFrame(_userPositionIcon->size(), _userPosition));
-        }
-    }
+    _user.place = place;
+    show(_user);
 }
 
 void SideviewOverlays::removeUserPosition() {
-    if (_userPositionMarker) {
-        std::exchange(_userPositionMarker, nullptr)->removeFromSuperview();
+    if (_user.imageView) {
+        std::exchange(_user.imageView, nullptr)->removeFromSuperview();
     }
 }
 
 SideviewMarker& SideviewOverlays::markerNamed(const std::string& identifier) {
     const auto [place, isNew] = _markers.try_emplace(identifier);
     if (isNew) {
-        place->second.identifier = identifier;
         place->second.imageView = addIconView();
     }
     return place->second;
@@ -107,8 +119,9 @@ SideviewMarker& SideviewOverlays::markerNamed(const std::string& identifier) {
 
 void SideviewOverlays::updateMarker(const std::string& identifier, std::shared_ptr<const UIImage> icon) {
     if (_imageView) {
-        markerNamed(identifier).icon = std::move(icon);
-        updateMarkers();
+        SideviewMarker& marker = markerNamed(identifier);
+        marker.icon = std::move(icon);
+        show(marker);
     }
 }
 
@@ -118,21 +131,11 @@ void SideviewOverlays::updateMarker(const std::string& identifier, CLLocationCoo
         return;
     }
     SideviewMarker& marker = markerNamed(identifier);
-    if (const auto point = imagePoint(coordinate, levelNumber)) {
-        marker.position = point;
+    const SideviewPlace place{coordinate, levelNumber};
+    if (hasPlace(place)) {
+        marker.place = place;
     }
-    updateMarkers();
-}
-
-void SideviewOverlays::updateMarkers() {
-    for (const auto& [identifier, marker] : _markers) {
-        if (marker.position) {
-            marker.imageView->setImage(marker.icon);
-            if (marker.icon) {
-                marker.imageView->setFrame(iconFrame(marker.icon->size(), *marker.position));
-            }
-        }
-    }
+    show(marker);
 }
 
 void SideviewOverlays::removeMarker(const std::string& identifier) {
@@ -147,13 +150,27 @@ void SideviewOverlays::drawPath(const std::vector<CLLocation>& path, UIColor col
     }
     _pathColor = color;
     _pathWidth = width;
+    _pathPlaces = path;
+    _path.emplace();
+    tracePath();
+}
+
+void SideviewOverlays::tracePath() {
+    if (!_path) {
+        return;
+    }
     UIBezierPath drawn;
-    drawn.setLineWidth(width / _scrollView->zoomScale());
-    for (const CLLocation& location : path) {
-        // The path leaves out points without a finite place by itself; its first one starts it.
-        if (const auto level = levelOf(location)) {
-            drawn.addLineToPoint(_projection->point(location.coordinate(), *level));
+    drawn.setLineWidth(_pathWidth / _scrollView->zoomScale());
+    bool hasGap = false;
+    for (const CLLocation& location : _pathPlaces) {
+        const auto level = levelOf(location);
+        if (!level) {
+            continue;
         }
+        // The path leaves out points without a finite place by itself; its first one starts it.
+        const CGPoint point = _projection->point(location.coordinate(), *level);
+        hasGap ? drawn.moveToPoint(point) : drawn.addLineToPoint(point);
+        hasGap = std::isfinite(point.x) ? !std::isfinite(point.y) : hasGap;
     }
     _path = std::move(drawn);
     ++_pathRevision;

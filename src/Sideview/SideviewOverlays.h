@@ -8,6 +8,8 @@
 #include <Trelmix/Platform/UIColor.h>
 
 #include <map>
+#include <string>
+#include <vector>
 
 namespace trelmix {
 
@@ -21,12 +23,14 @@ public:
     /// A new bitmap: an image view that a scroll view zooms. Without a projection nothing can be placed.
     void startOn(std::shared_ptr<UIScrollView> scrollView, std::shared_ptr<UIView> imageView,
                  std::shared_ptr<const SideviewProjection> projection);
+    /// Puts everything where another projection of the same bitmap has it.
+    void place(std::shared_ptr<const SideviewProjection> projection);
     /// Everything goes, but for the user position's icon.
     void clear();
     /// Brings everything to its size on screen after a zoom.
     void followZoom();
 
-    const std::shared_ptr<const UIImage>& userPositionIcon() const { return _userPositionIcon; }
+    const std::shared_ptr<const UIImage>& userPositionIcon() const { return _user.icon; }
     void setUserPositionIcon(std::shared_ptr<const UIImage> icon);
     void updateUserPosition(CLLocationCoordinate2D coordinate, std::int64_t levelNumber);
     void removeUserPosition();
@@ -45,19 +49,20 @@ public:
 
 private:
     CGRect iconFrame(CGSize iconSize, CGPoint centre) const;
-    std::optional<CGPoint> imagePoint(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) const;
+    bool hasPlace(const SideviewPlace& place) const;
     std::shared_ptr<UIImageView> addIconView();
-    void updateUserPositionIcon();
-    void updateMarkers();
+    void show(const SideviewMarker& marker) const;
+    void showIcons() const;
+    void tracePath();
     SideviewMarker& markerNamed(const std::string& identifier);
 
     std::shared_ptr<UIScrollView> _scrollView;
     std::shared_ptr<UIView> _imageView;
     std::shared_ptr<const SideviewProjection> _projection;
-    std::shared_ptr<const UIImage> _userPositionIcon;
-    std::shared_ptr<UIImageView> _userPositionMarker;
-    CGPoint _userPosition;
+    /// Without a view there is no user position.
+    SideviewMarker _user;
     std::map<std::string, SideviewMarker> _markers;
+    std::vector<CLLocation> _pathPlaces;
     std::optional<UIBezierPath> _path;
     UIColor _pathColor;
     double _pathWidth = 0;

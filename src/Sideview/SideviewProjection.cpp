@@ -15,33 +15,44 @@ namespace {
 using Made = Result<std::shared_ptr<const SideviewProjection>>;
 
 constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
 constexpr Radians kHalfTurn{std::numbers::pi};
 
 } // namespace
 
 TMXSideviewProjection::~TMXSideviewProjection() = default;
 
-Made SideviewProjection::make(const std::string& path, double dimensionX, double dimensionY) {
+Made SideviewProjection::make(const std::string& path, double dimensionX, double dimensionY,
+                              const SideviewBehaviour& behaviour) {
     Result<LevelsFile> file = readLevelsFile(path);
     if (!file) {
         return Made::failure(file.reason());
     }
-    Made made = make(std::move(*file), dimensionX, dimensionY);
+    Made made = make(std::move(*file), dimensionX, dimensionY, behaviour);
     return made ? std::move(made) : Made::failure(path + ": " + made.reason());
 }
 
-Made SideviewProjection::make(LevelsFile file, double dimensionX, double dimensionY) {
+Made SideviewProjection::make(LevelsFile file, double dimensionX, double dimensionY,
+                              const SideviewBehaviour& behaviour) {
     const std::shared_ptr<const SideviewProjection> projection(
-        new SideviewProjection(std::move(file), dimensionX, dimensionY));
+        new SideviewProjection(std::move(file), dimensionX, dimensionY, behaviour));
     std::string fault = projection->fault();
     return fault.empty() ? Made(projection) : Made::failure(std::move(fault));
 }
 
-SideviewProjection::SideviewProjection(LevelsFile file, double dimensionX, double dimensionY)
-    : _file(std::move(file)), _dimensionX(dimensionX), _dimensionY(dimensionY),
+std::shared_ptr<const SideviewProjection>
+SideviewProjection::withBehaviour(const SideviewBehaviour& behaviour) const {
+    return std::shared_ptr<const SideviewProjection>(
+        new SideviewProjection(_file, _dimensionX, _dimensionY, behaviour));
+}
+
+SideviewProjection::SideviewProjection(LevelsFile file, double dimensionX, double dimensionY,
+                                       const SideviewBehaviour& behaviour)
+    : _file(std::move(file)), _dimensionX(dimensionX), _dimensionY(dimensionY), _behaviour(behaviour),
       // Absolute values: the axis always points towards growing x (east) and growing y (south).
       _sine(std::abs(std::sin(Radians::fromDegrees(_file.bearing).value))),
-      _cosine(std::abs(std::cos(Radians::fromDegrees(_file.bearing).value))) {
+      _cosine(std::abs(std::cos(Radians::fromDegrees(_file.bearing).value))),
+      _mirrorWidth(behaviour.flipsBetweenMargins ? widthBetweenMargins() : dimensionX) {
     projectBox();
     _mirrored = runsAgainstBearing();
     addUpHeights();
@@ -162,15 +173,28 @@ double SideviewProjection::axisValue(Coordinate coordinate) const {
     return point.x * _sine + point.y * _cosine;
 }
 
+double SideviewProjection::widthBetweenMargins() const {
+    return _dimensionX - _file.rightOffset - _file.leftOffset;
+}
+
 double SideviewProjection::imageX(CLLocationCoordinate2D coordinate) const {
     const double fraction = (axisValue(coordinateOf(coordinate)) - _lowerBound) / projectedPointDimension();
-    double x = (_dimensionX - _file.rightOffset - _file.leftOffset) * fraction;
+    double x = widthBetweenMargins() * fraction;
     if (_mirrored) {
-        // The full width, not the width between the margins.
-        x = _dimensionX - x;
+        x = _mirrorWidth - x;
     }
     return _file.bowPosition == SideviewBowPosition::right ? x + _file.leftOffset
                                                            : (_dimensionX - _file.rightOffset) - x;
+}
+
+// The inverse: 0 at the minimum, 1 at the maximum corner.
+double SideviewProjection::fractionAt(double imageX) const {
+    double x = _file.bowPosition == SideviewBowPosition::right ? imageX - _file.leftOffset
+                                                               : (_dimensionX - _file.rightOffset) - imageX;
+    if (_mirrored) {
+        x = _mirrorWidth - x;
+    }
+    return x / widthBetweenMargins();
 }
 
 double SideviewProjection::lower(const SideviewLevelBounds& bounds) const {
@@ -189,11 +213,11 @@ SideviewProjection::VerticalPosition SideviewProjection::screenPointY(std::int64
             if (level.levelNumber == levelNumber && level.levelBounds && !level.levelBounds->empty()) {
                 const SideviewLevelBounds& first = level.levelBounds->front();
                 const double floor = _dimensionY - lower(first);
-                return {floor - first.ceilingHeight * imagePointsPerMeter() / 2, floor};
+                return {floor - first.ceilingHeight * imagePointsPerMeter() / 2, floor, first.ceilingHeight};
             }
         }
     }
-    return {};
+    return _behaviour.hidesUnknownLevels ? VerticalPosition{kNowhere, kNowhere, 0} : VerticalPosition{};
 }
 
 CGPoint SideviewProjection::point(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) const {
@@ -201,6 +225,9 @@ CGPoint SideviewProjection::point(CLLocationCoordinate2D coordinate, std::int64_
 }
 
 CLLocationCoordinate2D SideviewProjection::coordinate(CGPoint point) const {
+    if (_behaviour.touchesLeadToPlaces) {
+        return locationOf(onDiagonal(fractionAt(point.x)));
+    }
     const bool left = _file.bowPosition == SideviewBowPosition::left;
     const Coordinate start = left ? _maximumCoordinate : _minimumCoordinate;
     const Radians bearing = left ? _bearingToTarget - kHalfTurn : _bearingToTarget;
@@ -282,9 +309,11 @@ double SideviewProjection::levelHeight(CGPoint point) const {
 CGRect SideviewProjection::cameraBoundingRectangle(const TrelmixMapProjection& projection,
                                                    std::int64_t levelNumber) const {
     CGRect rectangle;
-    if (levelNumber != kInvalidLevel) {
-        const VerticalPosition position = screenPointY(levelNumber);
-        rectangle.size.height = levelHeight({0, position.levelCenter}) * imagePointsPerMeter();
+    const VerticalPosition position = screenPointY(levelNumber);
+    if (levelNumber != kInvalidLevel && std::isfinite(position.levelFloor)) {
+        const double height = _behaviour.footprintHasOwnHeight ? position.ceilingHeight
+                                                               : levelHeight({0, position.levelCenter});
+        rectangle.size.height = height * imagePointsPerMeter();
         rectangle.origin.y = position.levelFloor - rectangle.size.height;
     }
     const std::array<double, 4> xs = {
@@ -301,9 +330,22 @@ CGRect SideviewProjection::cameraBoundingRectangle(const TrelmixMapProjection& p
     return rectangle;
 }
 
-std::shared_ptr<TrelmixMapEngineCamera>
-SideviewProjection::cameraForSideviewPoint(CGPoint point, const TrelmixMapEngineCamera& currentCamera) const {
-    const double currentX = this->point(currentCamera.target(), levelNumber(point)).x;
+Coordinate SideviewProjection::onDiagonal(double fraction) const {
+    const WorldMapPoint from = GeoUtils::scenePoint(_minimumCoordinate);
+    const WorldMapPoint to = GeoUtils::scenePoint(_maximumCoordinate);
+    return GeoUtils::coordinateOfScenePoint(
+        {from.x + fraction * (to.x - from.x), from.y + fraction * (to.y - from.y)});
+}
+
+// Straight along the picture's axis, in the plane of map points.
+Coordinate SideviewProjection::targetAt(double imageX, Coordinate current) const {
+    const double way = _lowerBound + fractionAt(imageX) * projectedPointDimension() - axisValue(current);
+    const WorldMapPoint from = GeoUtils::scenePoint(current);
+    return GeoUtils::coordinateOfScenePoint({from.x + way * _sine, from.y + way * _cosine});
+}
+
+Coordinate SideviewProjection::targetAlongBearing(CGPoint point, Coordinate current) const {
+    const double currentX = this->point(locationOf(current), levelNumber(point)).x;
     const bool back =
         _file.bowPosition == SideviewBowPosition::right ? point.x < currentX : currentX < point.x;
     Radians bearing = Radians::fromDegrees(_file.bearing);
@@ -312,7 +354,14 @@ SideviewProjection::cameraForSideviewPoint(CGPoint point, const TrelmixMapEngine
     }
     // One metre along the structure is as long in the image as one metre of height.
     const double distance = std::abs(point.x - currentX) / imagePointsPerMeter();
-    const Coordinate target = GeoUtils::coordinate(coordinateOf(currentCamera.target()), bearing, distance);
+    return GeoUtils::coordinate(current, bearing, distance);
+}
+
+std::shared_ptr<TrelmixMapEngineCamera>
+SideviewProjection::cameraForSideviewPoint(CGPoint point, const TrelmixMapEngineCamera& currentCamera) const {
+    const Coordinate current = coordinateOf(currentCamera.target());
+    const Coordinate target =
+        _behaviour.touchesLeadToPlaces ? targetAt(point.x, current) : targetAlongBearing(point, current);
     if (!std::isfinite(target.lat) || !std::isfinite(target.lon)) {
         return nullptr;
     }

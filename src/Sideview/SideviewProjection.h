@@ -6,6 +6,7 @@
 #include <Trelmix/Platform/CGGeometry.h>
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
+#include <Trelmix/SideviewBehaviour.h>
 #include <Trelmix/TMXSideviewProjection.h>
 
 #include <cstdint>
@@ -43,10 +44,13 @@ public:
     /// along the bearing, margins that leave no height, levels whose heights add up to nothing. A file
     /// without levels is usable.
     static Result<std::shared_ptr<const SideviewProjection>> make(const std::string& path, double dimensionX,
-                                                                  double dimensionY);
+                                                                  double dimensionY,
+                                                                  const SideviewBehaviour& behaviour = {});
     /// The same for a file already read; the reason has no path.
-    static Result<std::shared_ptr<const SideviewProjection>> make(LevelsFile file, double dimensionX,
-                                                                  double dimensionY);
+    static Result<std::shared_ptr<const SideviewProjection>>
+    make(LevelsFile file, double dimensionX, double dimensionY, const SideviewBehaviour& behaviour = {});
+    /// Of the same file and image.
+    std::shared_ptr<const SideviewProjection> withBehaviour(const SideviewBehaviour& behaviour) const;
 
     CGPoint point(CLLocationCoordinate2D coordinate, std::int64_t levelNumber) const override;
     CLLocationCoordinate2D coordinate(CGPoint point) const override;
@@ -61,9 +65,9 @@ public:
     /// Ceiling height in metres of the first of `levelBounds`, 0 without.
     double levelHeight(CGPoint point) const override;
 
-    /// Where the map's view lies on a level. With kInvalidLevel only the horizontal extent counts, y and
-    /// height are 0; a view whose corners have no finite place covers the whole width. Not finite in y and
-    /// height for a file without levels.
+    /// Where the map's view lies on a level. With kInvalidLevel, and on a level that hides what lies on it,
+    /// only the horizontal extent counts, y and height are 0; a view whose corners have no finite place
+    /// covers the whole width. Not finite in y and height for a file without levels.
     CGRect cameraBoundingRectangle(const TrelmixMapProjection& projection,
                                    std::int64_t levelNumber) const override;
     std::shared_ptr<TrelmixMapEngineCamera>
@@ -106,9 +110,12 @@ private:
     struct VerticalPosition {
         double levelCenter = 0;
         double levelFloor = 0;
+        /// Metres, of the level itself.
+        double ceilingHeight = 0;
     };
 
-    SideviewProjection(LevelsFile file, double dimensionX, double dimensionY);
+    SideviewProjection(LevelsFile file, double dimensionX, double dimensionY,
+                       const SideviewBehaviour& behaviour);
     void projectBox();
     void addUpHeights();
     bool runsAgainstBearing() const;
@@ -117,7 +124,12 @@ private:
     std::string faultOfHeights() const;
 
     double axisValue(Coordinate coordinate) const;
+    double widthBetweenMargins() const;
     double imageX(CLLocationCoordinate2D coordinate) const;
+    double fractionAt(double imageX) const;
+    Coordinate onDiagonal(double fraction) const;
+    Coordinate targetAt(double imageX, Coordinate current) const;
+    Coordinate targetAlongBearing(CGPoint point, Coordinate current) const;
     VerticalPosition screenPointY(std::int64_t levelNumber) const;
     double lower(const SideviewLevelBounds& bounds) const;
     double upper(const SideviewLevelBounds& bounds) const;
@@ -127,6 +139,7 @@ private:
     LevelsFile _file;
     double _dimensionX;
     double _dimensionY;
+    SideviewBehaviour _behaviour;
     double _sine;
     double _cosine;
     bool _boxIsFinite = true;
@@ -137,6 +150,8 @@ private:
     Radians _bearingToTarget;
     double _boundsDistance = 0;
     bool _mirrored = false;
+    /// What a mirrored picture is turned round over, image points.
+    double _mirrorWidth;
     double _netLevelHeights = 0;
     double _totalHeight = 0;
 };

@@ -24,12 +24,14 @@ void pin(ViewNode& superview, const char* format, const LayoutConstraint::Metric
 TMXSideviewScrollViewDelegate::~TMXSideviewScrollViewDelegate() = default;
 TMXSideviewScrollView::~TMXSideviewScrollView() = default;
 
-std::shared_ptr<TMXSideviewScrollView> TMXSideviewScrollView::make(CGRect frame) {
-    return SideviewScrollView::make(frame);
+std::shared_ptr<TMXSideviewScrollView> TMXSideviewScrollView::make(CGRect frame,
+                                                                   const SideviewBehaviour& behaviour) {
+    return SideviewScrollView::make(frame, behaviour);
 }
 
-std::shared_ptr<SideviewScrollView> SideviewScrollView::make(CGRect frame) {
-    return std::shared_ptr<SideviewScrollView>(new SideviewScrollView(frame));
+std::shared_ptr<SideviewScrollView> SideviewScrollView::make(CGRect frame,
+                                                             const SideviewBehaviour& behaviour) {
+    return std::shared_ptr<SideviewScrollView>(new SideviewScrollView(frame, behaviour));
 }
 
 SideviewScrollView::~SideviewScrollView() = default;
@@ -42,6 +44,21 @@ void SideviewScrollView::setDelegate(std::weak_ptr<TMXSideviewScrollViewDelegate
     if (const MainEntry entry{"setDelegate"}) {
         _delegate = std::move(delegate);
     }
+}
+
+void SideviewScrollView::setBehaviour(const SideviewBehaviour& behaviour) {
+    const MainEntry entry{"setBehaviour"};
+    if (!entry || behaviour == _behaviour) {
+        return;
+    }
+    const auto keep = self();
+    _behaviour = behaviour;
+    _gestures.cancel();
+    if (_projection) {
+        _projection = _projection->withBehaviour(behaviour);
+        _overlays.place(_projection);
+    }
+    mapViewIdle();
 }
 
 void SideviewScrollView::setBackgroundColor(std::optional<UIColor> color) {
@@ -81,8 +98,9 @@ void SideviewScrollView::setupSideviewWith(std::shared_ptr<const UIImage> image,
     }
     const auto keep = self();
     using Made = Result<std::shared_ptr<const SideviewProjection>>;
-    auto projection = image ? SideviewProjection::make(levelsPath, image->size().width, image->size().height)
-                            : Made::failure("image: there is none");
+    auto projection =
+        image ? SideviewProjection::make(levelsPath, image->size().width, image->size().height, _behaviour)
+              : Made::failure("image: there is none");
     const MainEntry entry{"setupSideviewWith"};
     removeHierarchy();
     _setupFailure = projection.reason();

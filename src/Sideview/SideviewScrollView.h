@@ -26,12 +26,15 @@ class SideviewScrollView final : public ViewNode,
                                  public UIScrollViewDelegate,
                                  public UIGestureRecognizerDelegate {
 public:
-    static std::shared_ptr<SideviewScrollView> make(CGRect frame = {});
+    static std::shared_ptr<SideviewScrollView> make(CGRect frame = {},
+                                                    const SideviewBehaviour& behaviour = {});
     ~SideviewScrollView() override;
 
     std::shared_ptr<UIView> view() override { return shared_from_this(); }
     std::shared_ptr<TMXSideviewScrollViewDelegate> delegate() const override { return _delegate.lock(); }
     void setDelegate(std::weak_ptr<TMXSideviewScrollViewDelegate> delegate) override;
+    SideviewBehaviour behaviour() const override { return _behaviour; }
+    void setBehaviour(const SideviewBehaviour& behaviour) override;
     std::optional<UIColor> backgroundColor() const override { return UIView::backgroundColor(); }
     void setBackgroundColor(std::optional<UIColor> color) override;
     bool enableZooming() const override { return _enableZooming; }
@@ -85,13 +88,15 @@ public:
     }
 
 private:
-    explicit SideviewScrollView(CGRect frame) : ViewNode(frame) {}
+    SideviewScrollView(CGRect frame, const SideviewBehaviour& behaviour)
+        : ViewNode(frame), _behaviour(behaviour) {}
     void removeHierarchy();
     void addScrollView();
     void addImageView(const std::shared_ptr<const UIImage>& image);
     void fitToWidth(CGSize imageSize);
     void applyEnableZooming();
 
+    SideviewBehaviour _behaviour;
     std::weak_ptr<TMXSideviewScrollViewDelegate> _delegate;
     std::shared_ptr<TrelmixMapEngine> _mapEngine;
     std::int64_t _levelNumber = kInitialLevel;

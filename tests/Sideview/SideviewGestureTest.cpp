@@ -93,6 +93,19 @@ TEST_F(SideviewGestures, aLongPressWithoutAPanNeverSticks) {
         sideview->setDisplayedLevel(0, engine);
     });
     wake("zooming is enabled again", [&] { sideview->setEnableZooming(true); });
+    wake("the behaviour changes", [&] { sideview->setBehaviour(SideviewBehaviour::natural()); });
+    enterDragMode();
+    story->up(1);
+    EXPECT_TRUE(isScrolling()) << "naturally the press ends with the finger";
+    enterDragMode();
+    story->move(1, {200, 50});
+    EXPECT_EQ(takeLog(), "scroll; ");
+    const double there = targetLongitude();
+    sideview->setBehaviour({});
+    story->move(1, {260, 50}).up(1);
+    EXPECT_TRUE(isScrolling());
+    EXPECT_EQ(targetLongitude(), there) << "another behaviour ends the drag";
+    rest();
 }
 
 TEST_F(SideviewGestures, withoutZoomingATapMovesTheCameraAndEveryPanDragsIt) {

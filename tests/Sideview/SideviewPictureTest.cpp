@@ -137,6 +137,13 @@ TEST_F(SideviewPicture, aPathLeavesOutWhatHasNoPlace) {
     EXPECT_NEAR(elements[0].point.y, kMiddle[0], 1e-9);
     EXPECT_NEAR(elements[1].point.y, kMiddle[1], 1e-9);
     EXPECT_EQ(elements[2].point.y, 0) << "the file knows no level 5";
+    sideview->setBehaviour(SideviewBehaviour::natural());
+    path.emplace_back(here, 0);
+    sideview->drawNavigationPath(path, UIColor::blackColor(), 4);
+    const auto& withGap = sideview->overlays().path()->elements();
+    ASSERT_EQ(withGap.size(), 3U);
+    EXPECT_FALSE(withGap[1].startsSubpath);
+    EXPECT_TRUE(withGap[2].startsSubpath) << "nothing leads over a level that is not there";
     for (const double width : {kNaN, kInfinity, -3.0, 0.0, 1e300}) {
         sideview->drawNavigationPath(path, UIColor::blackColor(), width);
         compose();
@@ -156,6 +163,12 @@ TEST_F(SideviewPicture, aMarkerShowsOnceItHasBothAnIconAndAPlace) {
     EXPECT_TRUE(shows());
     sideview->updateSideviewMarkerWithIdentifier("a", kCLLocationCoordinate2DInvalid, 0);
     EXPECT_TRUE(shows()) << "it stays where it was";
+    sideview->updateSideviewMarkerWithIdentifier("a", here, 7);
+    EXPECT_TRUE(shows()) << "at the upper edge";
+    sideview->setBehaviour(SideviewBehaviour::natural());
+    EXPECT_FALSE(shows());
+    sideview->setBehaviour({});
+    EXPECT_TRUE(shows());
     sideview->removeSideviewMarkerWithIdentifier("a");
     EXPECT_FALSE(shows());
     sideview->updateSideviewMarkerWithIdentifier("a", here, 0);

@@ -1,5 +1,6 @@
 #include "Sideview/LevelsText.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
@@ -143,6 +144,38 @@ TEST(SideviewProjection, theCameraMovesAlongTheBearingByTheDistanceThatThePictur
         EXPECT_FALSE(side->cameraForSideviewPoint({kNaN, 100}, {kInTheBox, 0, 0, 18}));
         EXPECT_FALSE(side->cameraForSideviewPoint({10, 100}, {{-90, 9.96}, 0, 0, 18}));
         EXPECT_TRUE(side->cameraForSideviewPoint({10, kNaN}, {kInTheBox, 0, 0, 18})) << "only x moves it";
+    }
+}
+
+TEST(SideviewProjection, theNaturalBehaviourLeadsToPlacesAndKeepsToMarginsAndLevels) {
+    for (int bearing = 0; bearing <= 360; bearing += 15) {
+        for (const std::string bow : {"left", "right"}) {
+            SCOPED_TRACE(bow + std::to_string(bearing));
+            const auto classic =
+                projectionOf(levelsText("\"bearing\": " + std::to_string(bearing) + R"(, "bowPosition": ")" +
+                                        bow + R"(", "leftOffset": 40, "rightOffset": 100, "levels": [)" +
+                                        level("1", 0, 4) + "," + level("2", 1, 2) + "],"));
+            ASSERT_TRUE(classic);
+            const auto natural = classic->withBehaviour(SideviewBehaviour::natural());
+            const std::pair<double, double> ends =
+                std::minmax({natural->point(locationOf(natural->minimumCoordinate()), 1).x,
+                             natural->point(locationOf(natural->maximumCoordinate()), 1).x});
+            EXPECT_NEAR(ends.first, 40, 1e-3);
+            EXPECT_NEAR(ends.second, 900, 1e-3);
+            for (const double x : {0.0, 40.0, 333.0, 1000.0}) {
+                EXPECT_NEAR(natural->point(natural->coordinate({x, 9}), 1).x, x, 1e-3);
+                const auto camera = natural->cameraForSideviewPoint({x, 9}, {kInTheBox, 0, 0, 18});
+                ASSERT_TRUE(camera);
+                EXPECT_NEAR(natural->point(camera->target(), 1).x, x, 1e-3);
+            }
+            const CornersOf view({kInTheBox, kInTheBox, kInTheBox, kInTheBox});
+            const double scale = natural->imagePointsPerMeter();
+            EXPECT_NEAR(classic->cameraBoundingRectangle(view, 2).size.height, 4 * scale, 1e-9);
+            EXPECT_NEAR(natural->cameraBoundingRectangle(view, 2).size.height, 2 * scale, 1e-9);
+            EXPECT_EQ(natural->cameraBoundingRectangle(view, 7).size.height, 0);
+            EXPECT_TRUE(std::isnan(natural->point(kInTheBox, 7).y));
+            EXPECT_FALSE(natural->cameraForSideviewPoint({kNaN, 9}, {kInTheBox, 0, 0, 18}));
+        }
     }
 }
 
