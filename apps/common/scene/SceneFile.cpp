@@ -65,13 +65,6 @@ SceneCamera readCamera(const JsonCursor& at) {
     return camera;
 }
 
-MapBehaviour readBehaviour(const JsonCursor& at) {
-    if (at.text() != "classic" && at.text() != "natural") {
-        at.fail("must be \"classic\" or \"natural\"");
-    }
-    return at.text() == "natural" ? MapBehaviour::natural() : MapBehaviour{};
-}
-
 SceneLimits readLimits(const JsonCursor& at) {
     at.expectObject({"minZoom", "maxZoom", "southWest", "northEast"});
     SceneLimits limits;
@@ -162,7 +155,7 @@ SceneFile readScene(const JsonCursor& root, const std::string& folder) {
                        "polylines", "geojson", "sideView", "behaviour"});
     SceneFile scene;
     if (const auto behaviour = root.member("behaviour")) {
-        scene.behaviour = readBehaviour(*behaviour);
+        scene.behaviour = isNatural(*behaviour) ? MapBehaviour::natural() : MapBehaviour{};
     }
     if (const auto view = root.member("view")) {
         scene.view = readView(*view);

@@ -7,6 +7,7 @@
 #include <Trelmix/Platform/CLLocation.h>
 #include <Trelmix/Platform/Result.h>
 #include <Trelmix/Platform/UIColor.h>
+#include <Trelmix/SideviewBehaviour.h>
 
 #include <cstdint>
 #include <optional>
@@ -137,6 +138,7 @@ struct SceneSidePath {
 };
 
 struct SceneSideview {
+    SideviewBehaviour behaviour;
     std::string image;
     std::string levels;
     std::optional<std::int64_t> displayedLevel;

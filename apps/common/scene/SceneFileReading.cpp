@@ -48,6 +48,13 @@ std::optional<double> optionalWidth(const JsonCursor& at) {
     return optionalNumber(at, "width", 0, kMaximumLineWidth);
 }
 
+bool isNatural(const JsonCursor& at) {
+    if (at.text() != "classic" && at.text() != "natural") {
+        at.fail("must be \"classic\" or \"natural\"");
+    }
+    return at.text() == "natural";
+}
+
 SceneOverlay readOverlay(const JsonCursor& at) {
     SceneOverlay overlay;
     if (const auto zIndex = at.member("zIndex")) {

@@ -25,6 +25,8 @@ std::optional<UIColor> optionalColor(const JsonCursor& at);
 std::optional<double> optionalNumber(const JsonCursor& at, std::string_view key, double least, double most);
 /// The key "width" of lines, in points.
 std::optional<double> optionalWidth(const JsonCursor& at);
+/// Of a key "behaviour": "natural", or "classic" and nothing else.
+bool isNatural(const JsonCursor& at);
 /// Joined with the folder of the scene file.
 std::string readPath(const JsonCursor& at, const std::string& folder);
 

@@ -34,10 +34,13 @@ SceneSidePath readSidePath(const JsonCursor& at) {
 } // namespace
 
 SceneSideview readSideview(const JsonCursor& at, const std::string& folder) {
-    at.expectObject({"image", "levels", "displayedLevel", "userPosition", "markers", "path"});
+    at.expectObject({"image", "levels", "displayedLevel", "userPosition", "markers", "path", "behaviour"});
     SceneSideview view;
     view.image = readPath(at.required("image"), folder);
     view.levels = readPath(at.required("levels"), folder);
+    if (const auto behaviour = at.member("behaviour")) {
+        view.behaviour = isNatural(*behaviour) ? SideviewBehaviour::natural() : SideviewBehaviour::classic();
+    }
     if (const auto level = at.member("displayedLevel")) {
         view.displayedLevel = level->integer();
     }

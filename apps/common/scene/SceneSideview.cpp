@@ -39,7 +39,7 @@ void addPath(TMXSideviewScrollView& sideview, const SceneSidePath& path) {
 
 std::shared_ptr<TMXSideviewScrollView> make(const SceneSideview& scene, CGSize viewSize,
                                             std::shared_ptr<TrelmixMapEngine> engine) {
-    auto sideview = TMXSideviewScrollView::make({{0, 0}, viewSize});
+    auto sideview = TMXSideviewScrollView::make({{0, 0}, viewSize}, scene.behaviour);
     sideview->setupSideviewWith(imageAt("image", scene.image), scene.levels);
     if (const std::string fault = sideview->setupFailure(); !fault.empty()) {
         throw JsonError("sideView.levels: " + fault);

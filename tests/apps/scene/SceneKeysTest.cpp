@@ -97,7 +97,9 @@ std::string told(const std::string& text, const ScratchFolder& folder) {
         if (!side) {
             return side.reason();
         }
-        out << "side on " << (*side)->levelNumber() << " of " << (*side)->levelNumbers().size() << " user "
+        const bool natural = (*side)->behaviour() == SideviewBehaviour::natural();
+        out << (natural ? "natural " : "") << "side on " << (*side)->levelNumber() << " of "
+            << (*side)->levelNumbers().size() << " user "
             << ((*side)->userPositionIcon() ? (*side)->userPositionIcon()->pixelWidth() : 0) << " markers "
             << scene->sideView->markers.size() << " path "
             << (scene->sideView->path ? scene->sideView->path->points.size() : 0) << '\n';
@@ -242,6 +244,7 @@ constexpr KeyCase kKeys[] = {
     {"style of geojson", "icon", "\"none.png\"", "geojson[0].style[1].icon"},
     {"style of geojson", "visible", "false", "hidden"},
     {"style of geojson", "zIndex", "44", "z 44"},
+    {"sideView", "behaviour", "\"natural\"", "natural side on 3"},
     {"sideView", "image", "\"none.png\"", "sideView.image: "},
     {"sideView", "levels", "\"two.json\"", "side on 3 of 2"},
     {"sideView", "displayedLevel", "7", "side on 7"},
