@@ -24,6 +24,10 @@ struct SideviewBehaviour {
     /// and the picture does not scroll. True: a long press without a drag ends with the finger.
     bool pressEndsWithFinger = false;
 
+    /// False: the footprint moves when the map's camera comes to rest.
+    /// True: it moves along with the map, as its engine's projection does.
+    bool footprintIsLive = false;
+
     /// False: what lies on a level that the levels file does not have stands at the picture's upper edge, the
     /// footprint above it.
     /// True: it does not show; a path has a gap there, and the strip alone follows the camera.
@@ -42,6 +46,7 @@ struct SideviewBehaviour {
         behaviour.touchesLeadToPlaces = true;
         behaviour.flipsBetweenMargins = true;
         behaviour.pressEndsWithFinger = true;
+        behaviour.footprintIsLive = true;
         behaviour.hidesUnknownLevels = true;
         behaviour.footprintHasOwnHeight = true;
         return behaviour;

@@ -34,18 +34,20 @@ void SideviewFootprint::clear() {
     _positionRectangle.reset();
 }
 
-void SideviewFootprint::follow(const TrelmixMapProjection& map, const SideviewProjection& projection,
+bool SideviewFootprint::follow(const TrelmixMapProjection& map, const SideviewProjection& projection,
                                std::int64_t levelNumber) {
     const CGRect footprint =
         projection.cameraBoundingRectangle(map, showsLevel() ? levelNumber : kInvalidLevel);
     if (!isFinite(footprint)) {
-        return;
+        return false;
     }
+    const CGRect before = _cameraRectangle->frame();
     _cameraRectangle->setFrame(footprint);
     CGRect strip = _positionRectangle->frame();
     strip.origin.x = footprint.origin.x;
     strip.size.width = footprint.size.width;
     _positionRectangle->setFrame(strip);
+    return _cameraRectangle->frame() != before;
 }
 
 bool SideviewFootprint::showsLevel() const {

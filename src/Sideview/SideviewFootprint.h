@@ -18,8 +18,9 @@ public:
     /// Adds both to the view of a new bitmap.
     void addTo(UIView& imageView);
     void clear();
-    /// Moves both to what the map shows now; where that has no finite place, nothing moves.
-    void follow(const TrelmixMapProjection& map, const SideviewProjection& projection,
+    /// Moves both to what the map shows now; where that has no finite place, nothing moves. Answers whether
+    /// something has moved.
+    bool follow(const TrelmixMapProjection& map, const SideviewProjection& projection,
                 std::int64_t levelNumber);
 
     /// Empty before the first bitmap.

@@ -1,6 +1,8 @@
 #include "Sideview/SideviewScrollView.h"
 
+#include "Platform/Foundation/Clock.h"
 #include "Platform/Foundation/MainEntry.h"
+#include "Platform/Foundation/SceneLock.h"
 #include "Platform/View/LayoutConstraint.h"
 #include "Platform/View/UIScreen.h"
 
@@ -11,6 +13,10 @@
 namespace trelmix {
 
 namespace {
+
+// Seconds.
+constexpr double kFollowingStep = 1.0 / 60;
+constexpr double kStandsAfter = 0.5;
 
 void pin(ViewNode& superview, const char* format, const LayoutConstraint::Metrics& metrics,
          const LayoutConstraint::Views& views) {
@@ -34,7 +40,11 @@ std::shared_ptr<SideviewScrollView> SideviewScrollView::make(CGRect frame,
     return std::shared_ptr<SideviewScrollView>(new SideviewScrollView(frame, behaviour));
 }
 
-SideviewScrollView::~SideviewScrollView() = default;
+SideviewScrollView::~SideviewScrollView() {
+    if (_following) {
+        _following->invalidate();
+    }
+}
 
 std::shared_ptr<SideviewScrollView> SideviewScrollView::self() {
     return std::static_pointer_cast<SideviewScrollView>(shared_from_this());
@@ -53,6 +63,9 @@ void SideviewScrollView::setBehaviour(const SideviewBehaviour& behaviour) {
     }
     const auto keep = self();
     _behaviour = behaviour;
+    if (_following) {
+        std::exchange(_following, nullptr)->invalidate();
+    }
     _gestures.cancel();
     if (_projection) {
         _projection = _projection->withBehaviour(behaviour);
@@ -173,12 +186,41 @@ void SideviewScrollView::mapViewIdleAtCamera(const std::shared_ptr<TrelmixMapEng
 
 void SideviewScrollView::mapViewIdle() {
     // The lock keeps the four corners of the view those of one camera.
-    const MainEntry entry{"mapViewIdle"};
-    if (!entry || !_projection || !_mapEngine) {
+    if (const MainEntry entry{"mapViewIdle"}) {
+        followMap();
+    }
+}
+
+bool SideviewScrollView::followMap() {
+    const auto map = _projection && _mapEngine ? _mapEngine->projection() : nullptr;
+    return map && _footprint.follow(*map, *_projection, _levelNumber);
+}
+
+void SideviewScrollView::mapViewWillMoveFromGesture(bool) {
+    const MainEntry entry{"mapViewWillMoveFromGesture"};
+    if (!entry || !_behaviour.footprintIsLive) {
         return;
     }
-    if (const std::shared_ptr<TrelmixMapProjection> map = _mapEngine->projection()) {
-        _footprint.follow(*map, *_projection, _levelNumber);
+    _lastMove = Clock::now();
+    if (!_following) {
+        _following = Timer::scheduledTimer(kFollowingStep, true, [weak = std::weak_ptr(self())] {
+            if (const auto sideview = weak.lock()) {
+                sideview->followWhileMoving();
+            }
+        });
+    }
+}
+
+// Until the map has stood for a while: the report that it rests may go to somebody else by then.
+void SideviewScrollView::followWhileMoving() {
+    const SceneLock lock;
+    if (!_following) {
+        return;
+    }
+    if (followMap()) {
+        _lastMove = Clock::now();
+    } else if (Clock::now() - _lastMove > kStandsAfter) {
+        std::exchange(_following, nullptr)->invalidate();
     }
 }
 

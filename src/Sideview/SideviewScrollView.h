@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/RunLoop.h"
 #include "Platform/View/UIScrollView.h"
 #include "Platform/View/ViewNode.h"
 #include "Sideview/SideviewFootprint.h"
@@ -45,6 +46,7 @@ public:
     void setDisplayedLevel(std::int64_t level, std::shared_ptr<TrelmixMapEngine> engine) override;
     std::int64_t levelNumber() const override { return _levelNumber; }
     void mapViewIdle() override;
+    void mapViewWillMoveFromGesture(bool fromGesture) override;
     void mapViewIdleAtCamera(const std::shared_ptr<TrelmixMapEngineCamera>& camera) override;
 
     std::shared_ptr<const TMXSideviewProjection> sideviewProjection() const override { return _projection; }
@@ -90,6 +92,8 @@ public:
 private:
     SideviewScrollView(CGRect frame, const SideviewBehaviour& behaviour)
         : ViewNode(frame), _behaviour(behaviour) {}
+    bool followMap();
+    void followWhileMoving();
     void removeHierarchy();
     void addScrollView();
     void addImageView(const std::shared_ptr<const UIImage>& image);
@@ -106,6 +110,9 @@ private:
     std::shared_ptr<SideviewImageView> _imageView;
     bool _enableZooming = true;
     SideviewFootprint _footprint;
+    /// Runs while the map may be moving and the footprint is live.
+    std::shared_ptr<Timer> _following;
+    double _lastMove = 0;
     SideviewOverlays _overlays;
     SideviewGestures _gestures{*this};
 };

@@ -133,6 +133,27 @@ TEST_F(SideviewGestures, withoutZoomingATapMovesTheCameraAndEveryPanDragsIt) {
     EXPECT_EQ(takeOffsetChange(), CGPoint{});
 }
 
+TEST_F(SideviewGestures, aLiveFootprintFollowsTheMapOnItsWayAndNoLongerThanItMoves) {
+    float zoom = 19;
+    for (const bool live : {false, true}) {
+        SideviewBehaviour behaviour;
+        behaviour.footprintIsLive = live;
+        sideview->setBehaviour(behaviour);
+        const double before = footprintX();
+        engine->setCameraWithRotation(0, 0, ++zoom, true);
+        step();
+        step(0.05);
+        step(0.05);
+        EXPECT_EQ(footprintX() != before, live);
+        rest();
+        EXPECT_NEAR(footprintX(), seenExtent().first, 1e-4);
+        step(0.6);
+        step(0.6);
+        Clock::set(Clock::now() + 1);
+        EXPECT_FALSE(RunLoop::main().pump()) << "it does not look at a map that stands";
+    }
+}
+
 TEST_F(SideviewGestures, withNothingToMoveTouchesDoNothing) {
     const auto touchAll = [&] {
         story->tap({60, 50});
