@@ -28,6 +28,7 @@ namespace trelmix {
 /// is a caller's fault and does nothing.
 class TRELMIX_API MapInput {
 public:
+    /// A mouse's button; the middle one does nothing.
     enum class Button { left, middle, right };
     /// The arrows pan by 100 points; with Shift they turn by 15 degrees and tilt by 5. `plus` and `minus`
     /// zoom by half a level, `home` leads to `setHome`'s camera. All animated; steps that come quicker add
@@ -35,8 +36,8 @@ public:
     enum class Key { left, right, up, down, plus, minus, home };
     /// Held while a button or a key goes down.
     struct Modifiers {
-        bool shift = false;
-        bool control = false;
+        bool shift = false;   ///< either Shift key
+        bool control = false; ///< either Control key
     };
     /// What the pointer is to look like.
     enum class PointerShape {
@@ -48,10 +49,11 @@ public:
     };
     /// The pointer on the map, while no button is down.
     struct Hover {
-        CGPoint point; ///< points of the window
-        CLLocationCoordinate2D coordinate;
+        CGPoint point;                     ///< points of the window
+        CLLocationCoordinate2D coordinate; ///< of the ground below it
     };
 
+    /// For that host's map; never null. The object belongs to the caller.
     static std::unique_ptr<MapInput> make(std::weak_ptr<ViewHost> host);
     virtual ~MapInput();
 
@@ -72,8 +74,11 @@ public:
     /// A finger on a touch screen, as in ViewHost. Any identifier but the lowest number there is, which is
     /// the mouse's.
     virtual void touchBegan(std::int64_t identifier, CGPoint point, double time) = 0;
+    /// As in ViewHost.
     virtual void touchMoved(std::int64_t identifier, CGPoint point, double time) = 0;
+    /// As in ViewHost.
     virtual void touchEnded(std::int64_t identifier, CGPoint point, double time) = 0;
+    /// As in ViewHost.
     virtual void touchCancelled(std::int64_t identifier, double time) = 0;
 
     /// A key goes down, or repeats. With Control it is the application's.
@@ -85,6 +90,7 @@ public:
     /// Everything that is held is let go without effect. Call it when the window loses its input.
     virtual void cancel() = 0;
 
+    /// For the application's window to show; asked after each event.
     virtual PointerShape pointerShape() const = 0;
     /// Empty while a button is down, and where there is no ground.
     virtual std::optional<Hover> hover() const = 0;
